@@ -1,0 +1,91 @@
+#include "CommandLine/OffloadArguments.h"
+
+#include <algorithm>
+
+#include "OffloadKit/ErrorSentences.h"
+#include "OffloadKit/FolderPreset.h"
+#include "PlatformKit/Unicode.h"
+
+namespace CommandLine {
+namespace {
+
+using PlatformKit::Path;
+
+// Absolute and without links, also where the last components do not exist yet: then two ways of
+// writing one folder are one path.
+Path absolutePath(PlatformKit::FileSystem& fileSystem, const std::string& typed) {
+  Path path = std::filesystem::absolute(typed).lexically_normal();
+  if (!path.has_filename() && path.has_relative_path()) path = path.parent_path();
+  const Path existing = OffloadKit::nearestExisting(fileSystem, path);
+  const auto resolved = fileSystem.resolve(existing);
+  if (!resolved.ok()) return path;
+  const Path rest = path.lexically_relative(existing);
+  return rest == "." ? resolved.value() : resolved.value() / rest;
+}
+
+std::string quoted(const std::string& text) {
+  return "\"" + PlatformKit::singleLineText(text) + "\"";
+}
+
+Path sourcePath(PlatformKit::FileSystem& fileSystem, const std::string& typed) {
+  if (typed.empty()) throw ArgumentError("The source is empty. Name a card or folder.");
+  const auto resolved = fileSystem.resolve(typed);
+  if (!resolved.ok()) {
+    throw SourceError("There is no card or folder at " + quoted(typed) + ": " +
+                      OffloadKit::systemText(resolved.error()) + ".");
+  }
+  const auto status = fileSystem.status(resolved.value());
+  if (status.ok() && status.value().kind != PlatformKit::ItemKind::folder) {
+    throw SourceError(quoted(typed) + " is a file. Name the card or folder that holds it.");
+  }
+  return resolved.value();
+}
+
+// As people know it: the volume's name when the source is a whole volume, else the folder's.
+std::string sourceName(PlatformKit::System system, const Path& source) {
+  const auto facts = system.volumes.facts(source);
+  if (facts.root && facts.name) {
+    const auto root = system.fileSystem.resolve(*facts.root);
+    if (root.ok() && root.value() == source) return *facts.name;
+  }
+  const std::string folder = OffloadKit::lastComponent(source);
+  return folder.empty() ? "Card" : folder;
+}
+
+std::vector<Path> destinationFolders(PlatformKit::FileSystem& fileSystem,
+                                     const std::vector<std::string>& typed) {
+  std::vector<Path> folders;
+  for (const std::string& destination : typed) {
+    if (destination.empty()) throw ArgumentError("A destination is empty. Name a folder.");
+    const Path folder = absolutePath(fileSystem, destination);
+    if (fileSystem.resolve(folder).ok() && !isFolder(fileSystem, folder)) {
+      throw ArgumentError(quoted(destination) + " is a file. Name a folder to copy to.");
+    }
+    if (std::find(folders.begin(), folders.end(), folder) != folders.end()) {
+      throw ArgumentError("The destination " + quoted(destination) +
+                          " is given twice. Two copies on one folder would be one copy.");
+    }
+    folders.push_back(folder);
+  }
+  return folders;
+}
+
+}  // namespace
+
+OffloadKit::OffloadPlan planFor(const OffloadArguments& arguments, PlatformKit::System system) {
+  const auto destinations = destinationFolders(system.fileSystem, arguments.destinations);
+  OffloadKit::OffloadPlan plan;
+  plan.source = sourcePath(system.fileSystem, arguments.source);
+  plan.sourceName = sourceName(system, plan.source);
+  const OffloadKit::FolderPreset preset{arguments.folderTemplate};
+  const std::string folder = preset.resolve(
+      {system.clock.now(), plan.sourceName,
+       OffloadKit::FolderPreset::cameraName(system.fileSystem, plan.source), arguments.project});
+  for (const Path& destination : destinations) plan.destinations.push_back(destination / folder);
+  plan.algorithm = arguments.checksum;
+  plan.verifySource = !arguments.readOnce;
+  plan.chunkSize = OffloadKit::kUsualChunkSize;
+  return plan;
+}
+
+}  // namespace CommandLine

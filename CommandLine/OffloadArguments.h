@@ -1,0 +1,41 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "HashKit/HashAlgorithm.h"
+#include "OffloadKit/OffloadPlan.h"
+#include "PlatformKit/System.h"
+
+namespace CommandLine {
+
+/// What was typed behind "zephrimark offload".
+struct OffloadArguments {
+  std::string source;
+  std::vector<std::string> destinations;
+  std::string folderTemplate = "{date}/{card}";
+  std::string project;
+  HashKit::HashAlgorithm checksum = HashKit::HashAlgorithm::xxh64;
+  bool readOnce = false;
+  bool json = false;
+  bool quiet = false;
+};
+
+/// Arguments that cannot be meant as they stand; the text is a sentence for people.
+class ArgumentError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// The source is not there or not a folder; the text is a sentence for people.
+class SourceError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// The plan that the arguments ask for: absolute paths, and on every destination the folder that the
+/// template names. Throws ArgumentError and SourceError.
+OffloadKit::OffloadPlan planFor(const OffloadArguments& arguments, PlatformKit::System system);
+
+}  // namespace CommandLine

@@ -1,0 +1,77 @@
+#include "CommandLine/OffloadCommand.h"
+
+#include <atomic>
+#include <nlohmann/json.hpp>
+
+#include "CommandLine/ExitStatus.h"
+#include "CommandLine/Output.h"
+#include "CommandLine/ProgressDisplay.h"
+#include "CommandLine/ResultJson.h"
+#include "CommandLine/Verdict.h"
+#include "OffloadKit/OffloadEngine.h"
+#include "PlatformKit/Posix/Interrupts.h"
+#include "PlatformKit/Posix/Terminal.h"
+#include "PlatformKit/Unicode.h"
+
+namespace CommandLine {
+namespace {
+
+std::unique_ptr<ProgressDisplay> displayFor(const OffloadArguments& arguments,
+                                            const OffloadKit::OffloadPlan& plan,
+                                            const PlatformKit::Clock& clock) {
+  if (arguments.quiet) return makeSilentDisplay();
+  if (arguments.json) return makeJsonDisplay(clock);
+  if (PlatformKit::isTerminal(PlatformKit::OutputStream::standardError)) {
+    return makeTerminalDisplay(clock);
+  }
+  return makeLogDisplay(plan, clock);
+}
+
+void tellResult(const OffloadArguments& arguments, const OffloadKit::OffloadResult& result) {
+  const bool allIsWell = result.allVerified() && result.unreadable.empty();
+  if (arguments.json) printJsonLine(resultJson(result));
+  if (arguments.quiet && allIsWell) return;
+  if (arguments.json) {
+    printError(verdict(result, true));
+  } else {
+    print(verdict(result, false));
+  }
+}
+
+void tellError(const std::string& sentence) {
+  printError("zephrimark: " + PlatformKit::singleLineText(sentence) + "\n");
+}
+
+}  // namespace
+
+int runOffload(const OffloadArguments& arguments, PlatformKit::System system) {
+  OffloadKit::OffloadEngine engine(system);
+  std::atomic<int> interruptedBy = 0;
+  const PlatformKit::Interrupts interrupts([&](int signal) {
+    interruptedBy = signal;
+    engine.cancel();
+  });
+  std::unique_ptr<ProgressDisplay> display = makeSilentDisplay();
+  try {
+    const OffloadKit::OffloadPlan plan = planFor(arguments, system);
+    display = displayFor(arguments, plan, system.clock);
+    const auto result = engine.run(
+        plan, [&](const OffloadKit::OffloadProgress& progress) { display->show(progress); });
+    display->finish();
+    tellResult(arguments, result);
+    return result.allVerified() && result.unreadable.empty() ? allVerified : notEverything;
+  } catch (const ArgumentError& error) {
+    tellError(error.what());
+    return wrongArguments;
+  } catch (const OffloadKit::OffloadError& error) {
+    display->finish();
+    tellError(error.what());
+    if (error.isCancelled()) return stoppedByInterrupt + interruptedBy;
+  } catch (const std::exception& error) {
+    display->finish();
+    tellError(error.what());
+  }
+  return stoppedByError;
+}
+
+}  // namespace CommandLine

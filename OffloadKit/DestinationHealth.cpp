@@ -1,0 +1,47 @@
+#include "OffloadKit/DestinationHealth.h"
+
+#include <cerrno>
+
+#include "OffloadKit/ErrorSentences.h"
+
+namespace OffloadKit {
+
+DestinationHealth::DestinationHealth(PlatformKit::System system,
+                                     const std::vector<PlatformKit::Path>& destinations)
+    : system_(system) {
+  devices_.reserve(destinations.size());
+  for (const auto& destination : destinations) {
+    devices_.push_back(system.volumes.facts(destination).device);
+  }
+}
+
+std::string DestinationHealth::contentError(std::size_t destination, int error) {
+  std::string sentence = otherError(destination, error);
+  if (endsTheDrive(error)) givenUp_.emplace(destination, sentence);
+  return sentence;
+}
+
+std::string DestinationHealth::otherError(std::size_t destination, int error) {
+  if (!isPulled(destination, error)) return describe(error);
+  return givenUp_.emplace(destination, describe(ENODEV)).first->second;
+}
+
+const std::string* DestinationHealth::givenUp(std::size_t destination) const {
+  const auto found = givenUp_.find(destination);
+  return found == givenUp_.end() ? nullptr : &found->second;
+}
+
+bool DestinationHealth::isPulled(std::size_t destination, int error) const {
+  switch (error) {
+    case EIO:
+    case EROFS:
+    case ENOTCONN:
+    case ESHUTDOWN:
+    case ENODATA:
+      return devices_[destination] && system_.volumes.isGone(*devices_[destination]);
+    default:
+      return false;
+  }
+}
+
+}  // namespace OffloadKit

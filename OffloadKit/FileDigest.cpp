@@ -1,0 +1,79 @@
+#include "OffloadKit/FileDigest.h"
+
+#include "PlatformKit/AlignedBuffer.h"
+
+namespace OffloadKit {
+
+using PlatformKit::ErrorNumber;
+using PlatformKit::Result;
+
+Result<std::size_t> readFully(PlatformKit::ReadableFile& file, std::span<std::byte> buffer,
+                              std::uint64_t offset) {
+  std::size_t filled = 0;
+  while (filled < buffer.size()) {
+    const auto count = file.readAt(buffer.subspan(filled), offset + filled);
+    if (!count.ok()) return count;
+    if (count.value() == 0) break;
+    filled += count.value();
+  }
+  return filled;
+}
+
+FileDigest::FileDigest(PlatformKit::FileSystem& fileSystem, PlatformKit::Path path,
+                       HashKit::HashAlgorithm algorithm)
+    : fileSystem_(fileSystem), path_(std::move(path)), hasher_(HashKit::makeHasher(algorithm)) {}
+
+void FileDigest::work(std::span<std::byte> piece) {
+  while (const auto mine = takePiece()) {
+    const auto read = readFully(*file_, piece, *mine * piece.size());
+    std::unique_lock lock(mutex_);
+    turnChanged_.wait(lock, [&] { return turn_ == *mine; });
+    if (!ended_) {
+      // Nobody else touches the hasher before the turn moves on, so others may take pieces meanwhile.
+      lock.unlock();
+      absorb(read, piece);
+      lock.lock();
+      ended_ = !read.ok() || read.value() < piece.size();
+    }
+    ++turn_;
+    turnChanged_.notify_all();
+  }
+}
+
+std::optional<std::uint64_t> FileDigest::takePiece() {
+  const std::lock_guard lock(mutex_);
+  if (!opened_) {
+    // Opened by the first worker rather than by the constructor: the files of a read-back are opened
+    // in parallel.
+    opened_ = true;
+    auto opened = fileSystem_.openForReading(path_, PlatformKit::ReadMode::pastCache);
+    if (opened.ok()) file_ = std::move(opened.value());
+    error_ = opened.error();
+    ended_ = !opened.ok();
+  }
+  if (ended_) return std::nullopt;
+  return nextPiece_++;
+}
+
+void FileDigest::absorb(const Result<std::size_t>& read, std::span<const std::byte> piece) {
+  if (read.ok()) {
+    hasher_->update(piece.first(read.value()));
+  } else {
+    error_ = read.error();
+  }
+}
+
+Result<std::string> FileDigest::result() const {
+  if (error_ != 0) return ErrorNumber{error_};
+  return hasher_->finalize();
+}
+
+Result<std::string> hashFile(PlatformKit::FileSystem& fileSystem, const PlatformKit::Path& path,
+                             HashKit::HashAlgorithm algorithm, std::size_t chunkSize) {
+  PlatformKit::AlignedBuffer buffer(chunkSize);
+  FileDigest digest(fileSystem, path, algorithm);
+  digest.work(buffer.bytes());
+  return digest.result();
+}
+
+}  // namespace OffloadKit

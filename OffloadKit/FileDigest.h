@@ -1,0 +1,64 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "HashKit/HashAlgorithm.h"
+#include "PlatformKit/FileSystem.h"
+
+namespace OffloadKit {
+
+/// Fills `buffer` from `offset` on (bytes), with as many reads as that takes. Answers how many bytes
+/// there were: fewer than asked for only at the end of the file.
+PlatformKit::Result<std::size_t> readFully(PlatformKit::ReadableFile& file,
+                                           std::span<std::byte> buffer, std::uint64_t offset);
+
+/// The checksum of one whole file as its drive holds it (ReadMode::pastCache), computed by any number
+/// of threads that call `work`. Each takes the next piece of the file, reads it and hashes it when
+/// the pieces before are hashed; so with two threads the drive reads one piece while the processor
+/// hashes the other.
+class FileDigest {
+ public:
+  FileDigest(PlatformKit::FileSystem& fileSystem, PlatformKit::Path path,
+             HashKit::HashAlgorithm algorithm);
+
+  /// Works until the file is hashed or has failed. `piece`: this thread's own buffer, not empty, of
+  /// the same size for every thread of one file.
+  void work(std::span<std::byte> piece);
+
+  /// The checksum in lowercase hexadecimal, or the error that opening or reading met. Only when every
+  /// thread has returned from `work`.
+  [[nodiscard]] PlatformKit::Result<std::string> result() const;
+
+ private:
+  [[nodiscard]] std::optional<std::uint64_t> takePiece();
+  void absorb(const PlatformKit::Result<std::size_t>& read, std::span<const std::byte> piece);
+
+  PlatformKit::FileSystem& fileSystem_;
+  const PlatformKit::Path path_;
+  std::mutex mutex_;
+  std::condition_variable turnChanged_;
+  // All of these belong to the mutex; the hasher and the open file to whoever has the turn, or to
+  // nobody but readers.
+  std::unique_ptr<PlatformKit::ReadableFile> file_;
+  std::unique_ptr<HashKit::StreamingHasher> hasher_;
+  std::uint64_t nextPiece_ = 0;
+  std::uint64_t turn_ = 0;
+  bool opened_ = false;
+  bool ended_ = false;
+  int error_ = 0;
+};
+
+/// The checksum of the whole file by `algorithm`, read in chunks of `chunkSize` bytes (at least 1)
+/// past the cache, in lowercase hexadecimal; or the error that opening or reading met. Any thread.
+PlatformKit::Result<std::string> hashFile(PlatformKit::FileSystem& fileSystem,
+                                          const PlatformKit::Path& path,
+                                          HashKit::HashAlgorithm algorithm, std::size_t chunkSize);
+
+}  // namespace OffloadKit

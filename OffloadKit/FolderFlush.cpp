@@ -1,0 +1,73 @@
+#include "OffloadKit/FolderFlush.h"
+
+#include <algorithm>
+#include <cerrno>
+
+namespace OffloadKit {
+namespace {
+
+using PlatformKit::Path;
+using Outcome = OffloadedFile::Outcome;
+
+bool isBelow(const Path& path, const Path& folder) {
+  return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first ==
+         folder.end();
+}
+
+}  // namespace
+
+FolderFlush::FolderFlush(PlatformKit::System system, std::vector<Path> destinations,
+                         std::vector<Path> existing)
+    : system_(system),
+      destinations_(std::move(destinations)),
+      existing_(std::move(existing)),
+      folders_(destinations_.size()),
+      resumed_(destinations_.size(), false) {}
+
+FolderFlush::~FolderFlush() {
+  for (std::size_t i = 0; i < destinations_.size(); ++i) static_cast<void>(flushDestination(i));
+}
+
+void FolderFlush::verified(std::size_t destination, const Path& final, bool resumed) {
+  if (resumed) resumed_[destination] = true;
+  std::set<Path>& folders = folders_[destination];
+  Path folder = final.parent_path();
+  while (folders.insert(folder).second && folder != existing_[destination] &&
+         folder.has_relative_path()) {
+    folder = folder.parent_path();
+  }
+}
+
+void FolderFlush::flush(std::vector<OffloadedFile>& files, DestinationHealth& health) {
+  for (std::size_t i = 0; i < destinations_.size(); ++i) {
+    for (const Unflushed& unflushed : flushDestination(i)) {
+      const std::string sentence = health.contentError(i, unflushed.error);
+      for (OffloadedFile& file : files) {
+        Outcome& outcome = file.outcomes[i];
+        if (outcome.isVerified() &&
+            isBelow(destinations_[i] / file.file.relativePath, unflushed.folder)) {
+          outcome = Outcome::failed(sentence);
+        }
+      }
+    }
+  }
+}
+
+std::vector<FolderFlush::Unflushed> FolderFlush::flushDestination(std::size_t destination) {
+  std::vector<Unflushed> unflushed;
+  const auto note = [&unflushed](const Path& folder, int error) {
+    // A folder that this user may write to but not open cannot be flushed by anybody's fault.
+    if (error != 0 && error != EACCES && error != EPERM) unflushed.push_back({folder, error});
+  };
+  if (resumed_[destination]) {
+    note(destinations_[destination], system_.fileSystem.flushVolume(destinations_[destination]));
+  }
+  for (const Path& folder : folders_[destination]) {
+    note(folder, system_.fileSystem.flushFolder(folder));
+  }
+  folders_[destination].clear();
+  resumed_[destination] = false;
+  return unflushed;
+}
+
+}  // namespace OffloadKit

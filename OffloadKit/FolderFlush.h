@@ -1,0 +1,48 @@
+#pragma once
+
+#include <map>
+#include <set>
+#include <vector>
+
+#include "OffloadKit/DestinationHealth.h"
+#include "OffloadKit/OffloadResult.h"
+#include "PlatformKit/System.h"
+
+namespace OffloadKit {
+
+/// Makes the names of a run's verified copies survive a power cut: remembers the folders they lie in
+/// and flushes each once, at the end, together with the folders above it that the run may have made.
+/// One thread.
+class FolderFlush {
+ public:
+  /// `existing`: per destination, the deepest folder of its path that was there before the run.
+  FolderFlush(PlatformKit::System system, std::vector<PlatformKit::Path> destinations,
+              std::vector<PlatformKit::Path> existing);
+  /// Flushes what has not been flushed; failures are ignored, since nobody is left to be told.
+  ~FolderFlush();
+  FolderFlush(const FolderFlush&) = delete;
+  FolderFlush& operator=(const FolderFlush&) = delete;
+
+  /// A verified copy now has its final name, which lies on the destination. `resumed`: it was put
+  /// there by somebody else, who may not have flushed it.
+  void verified(std::size_t destination, const PlatformKit::Path& final, bool resumed);
+
+  /// Flushes everything. Where that fails, the verified outcomes of the files concerned become
+  /// failures: their copies might not be there any more after a power cut.
+  void flush(std::vector<OffloadedFile>& files, DestinationHealth& health);
+
+ private:
+  struct Unflushed {
+    PlatformKit::Path folder;
+    int error;
+  };
+  [[nodiscard]] std::vector<Unflushed> flushDestination(std::size_t destination);
+
+  PlatformKit::System system_;
+  std::vector<PlatformKit::Path> destinations_;
+  std::vector<PlatformKit::Path> existing_;
+  std::vector<std::set<PlatformKit::Path>> folders_;
+  std::vector<bool> resumed_;
+};
+
+}  // namespace OffloadKit

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "HashKit/HashAlgorithm.h"
+#include "PlatformKit/FileSystem.h"
+
+namespace OffloadKit {
+
+/// The card image that a plan asks for.
+struct CardImageRequest {
+  /// The folder on a destination that receives card images.
+  static constexpr const char* folderName = "Card Image";
+
+  std::string devicePath;            ///< the card's whole-disk device node
+  std::size_t destinationIndex = 0;  ///< which of the plan's destinations receives the image
+  std::uint64_t size = 0;            ///< bytes of the device, counted into that destination's need
+};
+
+/// What one run is asked to do. Nothing is checked or clamped here.
+struct OffloadPlan {
+  PlatformKit::Path source;  ///< a mounted card's root or any folder; only read
+  std::string sourceName;    ///< the card's or folder's name, as people know it
+  /// Destination folders in the user's order. The index into this list, the destination index,
+  /// identifies a destination everywhere.
+  std::vector<PlatformKit::Path> destinations;
+  HashKit::HashAlgorithm algorithm = HashKit::HashAlgorithm::xxh64;
+  bool verifySource = true;   ///< read every source file a second time and compare
+  std::size_t chunkSize = 0;  ///< bytes of every transfer buffer; 8 MiB is usual
+  std::optional<CardImageRequest> cardImage;
+};
+
+/// The chunk size that applications use, in bytes.
+inline constexpr std::size_t kUsualChunkSize = std::size_t{8} * 1024 * 1024;
+
+}  // namespace OffloadKit

@@ -1,0 +1,143 @@
+#include "OffloadKit/OffloadRun.h"
+
+#include <algorithm>
+
+#include "OffloadKit/ErrorSentences.h"
+#include "OffloadKit/OffloadError.h"
+#include "OffloadKit/Preflight.h"
+#include "OffloadKit/SourceScan.h"
+
+namespace OffloadKit {
+
+using PlatformKit::Path;
+using Outcome = OffloadedFile::Outcome;
+using Phase = OffloadProgress::Phase;
+
+OffloadRun::OffloadRun(const OffloadPlan& plan, PlatformKit::System system,
+                       const ProgressCallback& progress, const std::function<bool()>& isCancelled,
+                       const std::function<void(const Path&)>& afterWrite)
+    : plan_(plan),
+      system_(system),
+      progress_(progress),
+      isCancelled_(isCancelled),
+      afterWrite_(afterWrite) {
+  result_.plan = plan;
+}
+
+OffloadResult OffloadRun::execute(bool checkSpace) {
+  result_.started = now();
+  progress_({});
+  scanSource();
+  preflight(system_, plan_, checkSpace ? files_ : std::vector<SourceFile>{});
+  auto existingBefore = createDestinations();
+  openCardDevice();
+  countWork();
+  copyFiles(std::move(existingBefore));
+  // The card image is written and checked here, once there is one.
+  OffloadProgress finishing;
+  finishing.phase = Phase::finishing;
+  finishing.filesDone = finishing.filesTotal = files_.size();
+  finishing.bytesTotal = totalBytes_;
+  finishing.fraction = 1;
+  progress_(finishing);
+  result_.finished = now();
+  // Reports and hash lists are written here, on every destination with a verified file.
+  return std::move(result_);
+}
+
+void OffloadRun::scanSource() {
+  SourceScan found = scan(system_, plan_.source);
+  if (found.files.empty()) throw OffloadError::noFiles();
+  files_ = std::move(found.files);
+  result_.unreadable = std::move(found.unreadable);
+}
+
+// Answers, per destination, the deepest folder of its path that was there before.
+std::vector<Path> OffloadRun::createDestinations() const {
+  std::vector<Path> existingBefore;
+  for (const Path& destination : plan_.destinations) {
+    existingBefore.push_back(nearestExisting(system_.fileSystem, destination));
+    if (createFolders(system_.fileSystem, destination) != 0) {
+      throw OffloadError::destinationUnavailable(displayName(system_, destination));
+    }
+  }
+  return existingBefore;
+}
+
+// The card's device is opened before any file is copied, so that a system's question for a password
+// comes at the start of a run.
+void OffloadRun::openCardDevice() const {
+  if (plan_.cardImage) {
+    throw OffloadError::cardImageUnavailable("This version can't save card images yet.");
+  }
+}
+
+void OffloadRun::countWork() {
+  for (const SourceFile& file : files_) totalBytes_ += file.size;
+  workWeight_ = static_cast<double>(plan_.destinations.size() + (plan_.verifySource ? 2 : 1));
+  totalWork_ = std::max(1.0, workWeight_ * static_cast<double>(totalBytes_));
+}
+
+void OffloadRun::copyFiles(std::vector<Path> existingBefore) {
+  const TemporaryNames temporaryNames(files_);
+  DestinationHealth health(system_, plan_.destinations);
+  FolderFlush folders(system_, plan_.destinations, std::move(existingBefore));
+  // A read-back hashes every copy and the card at once, each with two threads.
+  const std::size_t readBacks = plan_.destinations.size() + (plan_.verifySource ? 1 : 0);
+  PlatformKit::WorkerPool workers(2 * readBacks);
+  PlatformKit::AlignedBuffer transferBuffer(plan_.chunkSize);
+  std::vector<PlatformKit::AlignedBuffer> readBackBuffers;
+  for (std::size_t i = 0; i < readBacks; ++i) readBackBuffers.emplace_back(plan_.chunkSize);
+  CopyResources resources{plan_,   system_,        temporaryNames,  health,       folders,
+                          workers, transferBuffer, readBackBuffers, isCancelled_, afterWrite_};
+
+  result_.files.reserve(files_.size());
+  for (const SourceFile& file : files_) copyFile(file, resources);
+  folders.flush(result_.files, health);
+  result_.destinationErrors = health.errors();
+}
+
+void OffloadRun::copyFile(const SourceFile& file, CopyResources& resources) {
+  if (isCancelled_()) throw OffloadError::cancelled();
+  report(Phase::copying, file.relativePath);
+  const auto advance = [&](Phase phase) {
+    return [this, phase, &file](std::uint64_t bytes) {
+      done_ += static_cast<double>(bytes);
+      report(phase, file.relativePath);
+    };
+  };
+  std::string failure;
+  try {
+    result_.files.push_back(
+        FileCopy(file, resources).run(advance(Phase::copying), advance(Phase::verifying)));
+    return;
+  } catch (const OffloadError& error) {
+    if (error.isCancelled()) throw;
+    failure = error.errorDescription();
+  } catch (const std::exception& error) {
+    failure = error.what();
+  }
+  done_ += workWeight_ * static_cast<double>(file.size);
+  result_.files.push_back(
+      {file, std::nullopt,
+       std::vector<Outcome>(plan_.destinations.size(), Outcome::failed(failure))});
+}
+
+void OffloadRun::report(Phase phase, const std::string& currentFile) const {
+  OffloadProgress progress;
+  progress.phase = phase;
+  progress.filesDone = result_.files.size();
+  progress.filesTotal = files_.size();
+  progress.bytesTotal = totalBytes_;
+  progress.fraction = done_ / totalWork_;
+  progress.currentFile = currentFile;
+  progress.bytesPerSecond = bytesPerSecond();
+  progress_(progress);
+}
+
+double OffloadRun::bytesPerSecond() const {
+  const double elapsed = std::chrono::duration<double>(now() - result_.started).count();
+  return elapsed > 0 ? done_ / workWeight_ / elapsed : 0;
+}
+
+}  // namespace OffloadKit

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "OffloadKit/FileCopy.h"
+#include "OffloadKit/OffloadEngine.h"
+
+namespace OffloadKit {
+
+/// The course of one run and its accounts; see OffloadEngine::run. Internal to the engine, used once,
+/// on one thread.
+class OffloadRun {
+ public:
+  /// The arguments outlive the run.
+  OffloadRun(const OffloadPlan& plan, PlatformKit::System system, const ProgressCallback& progress,
+             const std::function<bool()>& isCancelled,
+             const std::function<void(const PlatformKit::Path&)>& afterWrite);
+
+  OffloadResult execute(bool checkSpace);
+
+ private:
+  void scanSource();
+  [[nodiscard]] std::vector<PlatformKit::Path> createDestinations() const;
+  void openCardDevice() const;
+  void countWork();
+  void copyFiles(std::vector<PlatformKit::Path> existingBefore);
+  void copyFile(const SourceFile& file, CopyResources& resources);
+  void report(OffloadProgress::Phase phase, const std::string& currentFile = {}) const;
+  [[nodiscard]] double bytesPerSecond() const;
+  [[nodiscard]] PlatformKit::Date now() const { return system_.clock.now(); }
+
+  const OffloadPlan& plan_;
+  PlatformKit::System system_;
+  const ProgressCallback& progress_;
+  const std::function<bool()>& isCancelled_;
+  const std::function<void(const PlatformKit::Path&)>& afterWrite_;
+
+  std::vector<SourceFile> files_;
+  OffloadResult result_;
+  std::uint64_t totalBytes_ = 0;
+  // Work is counted in bytes handled: each source byte once while copying, once per copy read back
+  // and once more when the card is read twice.
+  double workWeight_ = 1;
+  double totalWork_ = 1;
+  double done_ = 0;
+};
+
+}  // namespace OffloadKit

@@ -1,0 +1,49 @@
+#include "OffloadKit/PendingCopy.h"
+
+#include <cerrno>
+#include <utility>
+
+namespace OffloadKit {
+
+using PlatformKit::ErrorNumber;
+using PlatformKit::FileSystem;
+using PlatformKit::Path;
+using PlatformKit::Result;
+
+Result<PendingCopy> PendingCopy::create(FileSystem& fileSystem, Path temporary, Path final) {
+  auto created = fileSystem.createFile(temporary);
+  if (created.error() == EEXIST) {
+    // Removed and made anew, never opened: what lies there could be a link to something precious.
+    if (const int error = fileSystem.removeFile(temporary); error != 0) return ErrorNumber{error};
+    created = fileSystem.createFile(temporary);
+  }
+  if (!created.ok()) return ErrorNumber{created.error()};
+  return PendingCopy(fileSystem, std::move(created.value()), std::move(temporary),
+                     std::move(final));
+}
+
+PendingCopy::PendingCopy(FileSystem& fileSystem, std::unique_ptr<PlatformKit::WritableFile> file,
+                         Path temporary, Path final)
+    : fileSystem_(&fileSystem),
+      file_(std::move(file)),
+      temporary_(std::move(temporary)),
+      final_(std::move(final)) {}
+
+PendingCopy::PendingCopy(PendingCopy&& other) noexcept
+    : fileSystem_(std::exchange(other.fileSystem_, nullptr)),
+      file_(std::move(other.file_)),
+      temporary_(std::move(other.temporary_)),
+      final_(std::move(other.final_)) {}
+
+PendingCopy::~PendingCopy() {
+  close();
+  if (fileSystem_ != nullptr) static_cast<void>(fileSystem_->removeFile(temporary_));
+}
+
+int PendingCopy::commit() {
+  const int error = fileSystem_->moveWithoutReplacing(temporary_, final_);
+  if (error == 0) fileSystem_ = nullptr;
+  return error;
+}
+
+}  // namespace OffloadKit

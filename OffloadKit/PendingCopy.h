@@ -1,0 +1,46 @@
+#pragma once
+
+#include <memory>
+
+#include "PlatformKit/FileSystem.h"
+
+namespace OffloadKit {
+
+/// A copy under its temporary name. Removes its file unless it was committed, on every way out.
+/// Move-only; one thread at a time.
+class PendingCopy {
+ public:
+  /// Makes the temporary file, in place of a leftover of that name. `temporary` and `final` lie in
+  /// the same folder, which exists.
+  static PlatformKit::Result<PendingCopy> create(PlatformKit::FileSystem& fileSystem,
+                                                 PlatformKit::Path temporary,
+                                                 PlatformKit::Path final);
+
+  PendingCopy(PendingCopy&& other) noexcept;
+  PendingCopy& operator=(PendingCopy&&) = delete;
+  /// A failure to remove the file is ignored: what is left is hidden, and the next run clears it.
+  ~PendingCopy();
+
+  [[nodiscard]] PlatformKit::WritableFile& file() { return *file_; }
+  [[nodiscard]] const PlatformKit::Path& temporary() const { return temporary_; }
+  [[nodiscard]] const PlatformKit::Path& final() const { return final_; }
+
+  /// Closes the file; `file()` must not be called any more.
+  void close() { file_.reset(); }
+
+  /// Gives the copy its final name; whatever has that name by now stays. Answers 0, or the error
+  /// number; the temporary file then goes with this object.
+  [[nodiscard]] int commit();
+
+ private:
+  PendingCopy(PlatformKit::FileSystem& fileSystem, std::unique_ptr<PlatformKit::WritableFile> file,
+              PlatformKit::Path temporary, PlatformKit::Path final);
+
+  // Null once the copy was committed or moved away: nothing is left to remove.
+  PlatformKit::FileSystem* fileSystem_;
+  std::unique_ptr<PlatformKit::WritableFile> file_;
+  PlatformKit::Path temporary_;
+  PlatformKit::Path final_;
+};
+
+}  // namespace OffloadKit

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+
+namespace PlatformKit {
+
+/// A wall-clock instant with the resolution of file dates.
+using Date = std::chrono::sys_time<std::chrono::nanoseconds>;
+
+/// The date in the machine's time zone, laid out by a strftime pattern in the "C" locale, such as
+/// "%Y-%m-%d" or "%H%M". Any thread.
+std::string localDateText(Date date, const char* pattern);
+
+/// The date in UTC, laid out by a strftime pattern in the "C" locale. Any thread.
+std::string utcDateText(Date date, const char* pattern);
+
+/// The date in UTC with whole seconds as RFC 3339 has it, such as 2026-10-07T14:32:05Z. Any thread.
+std::string internetDateText(Date date);
+
+/// Where the time of day comes from, so that tests can set it. Any thread.
+class Clock {
+ public:
+  virtual ~Clock() = default;
+  [[nodiscard]] virtual Date now() const = 0;
+};
+
+/// The machine's own clock.
+class SystemClock final : public Clock {
+ public:
+  [[nodiscard]] Date now() const override;
+};
+
+}  // namespace PlatformKit

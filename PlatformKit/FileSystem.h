@@ -1,0 +1,150 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "PlatformKit/Dates.h"
+#include "PlatformKit/Result.h"
+
+namespace PlatformKit {
+
+/// A location. Names are bytes, in whatever encoding the file system holds them.
+using Path = std::filesystem::path;
+
+enum class ItemKind { regularFile, folder, symbolicLink, other };
+
+/// What the file system says about one item.
+struct ItemStatus {
+  ItemKind kind = ItemKind::other;
+  std::uint64_t size = 0;  ///< bytes
+  Date modified{};
+  std::optional<Date> created;  ///< none where the file system keeps no creation date
+};
+
+/// One item of a folder; `status` is about the item itself, not about what a link points to.
+struct FolderEntry {
+  std::string name;
+  Result<ItemStatus> status;
+};
+
+/// What a folder holds, in the file system's order, without "." and "..".
+struct FolderListing {
+  std::vector<FolderEntry> entries;
+  int error = 0;  ///< not 0: reading the folder broke off with this error, more items may exist
+};
+
+/// How a file's content is to be read.
+enum class ReadMode {
+  streamed,   ///< once, in order, with read-ahead; what was cached before is dropped first
+  pastCache,  ///< from the drive itself, so that what is read is what the drive holds
+};
+
+/// A regular file open for reading. Calls may come from several threads at once.
+class ReadableFile {
+ public:
+  virtual ~ReadableFile() = default;
+
+  /// One read of up to `buffer.size()` bytes at `offset`. Answers how many bytes came, which may be
+  /// fewer than asked for; 0 at the end of the file. With ReadMode::pastCache, buffers, lengths and
+  /// offsets in whole multiples of 4,096 go straight to the drive; others are read through the cache
+  /// after what it held of the file was dropped.
+  [[nodiscard]] virtual Result<std::size_t> readAt(std::span<std::byte> buffer,
+                                                   std::uint64_t offset) = 0;
+
+  /// A hint that this range (bytes) will be read soon. Returns at once.
+  virtual void prefetch(std::uint64_t offset, std::uint64_t length) = 0;
+
+  /// A hint that this range (bytes) will not be read again through this object.
+  virtual void discard(std::uint64_t offset, std::uint64_t length) = 0;
+};
+
+/// A new file open for writing from its start. One thread at a time; closed by the destructor.
+class WritableFile {
+ public:
+  virtual ~WritableFile() = default;
+
+  /// One write of up to `bytes.size()` bytes behind what was written before. Answers how many bytes
+  /// went out, which may be fewer than given. Error EINTR: interrupted before anything was written.
+  [[nodiscard]] virtual Result<std::size_t> write(std::span<const std::byte> bytes) = 0;
+
+  /// Lets the drive start on a written range (bytes) without waiting for it. Answers 0 or an error
+  /// number, 0 where the file system does not offer this.
+  [[nodiscard]] virtual int startWriteback(std::uint64_t offset, std::uint64_t length) = 0;
+
+  /// Waits until a written range (bytes) has reached the drive and drops it from the cache. An error
+  /// answered here (0: none) is not told again by `flush`.
+  [[nodiscard]] virtual int finishWriteback(std::uint64_t offset, std::uint64_t length) = 0;
+
+  /// Sets the dates of the file. `created` is ignored where the system cannot set it, as on Linux.
+  /// Answers 0 or an error number.
+  [[nodiscard]] virtual int setDates(Date modified, std::optional<Date> created) = 0;
+
+  /// Returns when content, size and dates are on the drive (fsync). Answers 0 or an error number.
+  [[nodiscard]] virtual int flush() = 0;
+};
+
+/// The file system, in steps the size of system calls and without any policy: loops, retries and
+/// sentences belong to its callers. Calls answer 0 or a value, or the system's error number. Any
+/// thread.
+class FileSystem {
+ public:
+  virtual ~FileSystem() = default;
+
+  /// About the item at `path` itself (a link, not what it points to).
+  [[nodiscard]] virtual Result<ItemStatus> status(const Path& path) = 0;
+
+  /// The absolute path without ".", "..", doubled slashes and symbolic links. ENOENT when nothing is
+  /// there.
+  [[nodiscard]] virtual Result<Path> resolve(const Path& path) = 0;
+
+  /// The items of a folder. The folder's access date stays as it is where the system allows that.
+  [[nodiscard]] virtual Result<FolderListing> list(const Path& folder) = 0;
+
+  /// Opens a file for reading; a symbolic link in the last place is refused (ELOOP), a pipe never
+  /// blocks. The file's access date stays as it is where the system allows that.
+  [[nodiscard]] virtual Result<std::unique_ptr<ReadableFile>> openForReading(const Path& path,
+                                                                             ReadMode mode) = 0;
+
+  /// Makes a new, empty file with permissions 0644. EEXIST when anything has that name, a dangling
+  /// link included.
+  [[nodiscard]] virtual Result<std::unique_ptr<WritableFile>> createFile(const Path& path) = 0;
+
+  /// Makes one folder; its parent must exist. EEXIST when anything has that name.
+  [[nodiscard]] virtual int createFolder(const Path& path) = 0;
+
+  /// Gives a file its new name in one step. EEXIST when anything has that name already.
+  [[nodiscard]] virtual int moveWithoutReplacing(const Path& from, const Path& to) = 0;
+
+  /// Removes a file (not a folder).
+  [[nodiscard]] virtual int removeFile(const Path& path) = 0;
+
+  /// Sets the dates of the item at `path` itself; `created` as in WritableFile::setDates.
+  [[nodiscard]] virtual int setDates(const Path& path, Date modified,
+                                     std::optional<Date> created) = 0;
+
+  /// Returns when the folder's names are on the drive, so that a power cut does not undo a move. 0
+  /// also where the file system has no such operation for folders.
+  [[nodiscard]] virtual int flushFolder(const Path& folder) = 0;
+
+  /// Returns when everything written so far to the volume that holds `folder` is on the drive, also
+  /// what other programs wrote.
+  [[nodiscard]] virtual int flushVolume(const Path& folder) = 0;
+
+  /// 0 when this process may write to the item at `path`.
+  [[nodiscard]] virtual int checkWritable(const Path& path) = 0;
+};
+
+/// Makes the folder and its missing ancestors. 0 when the folder exists at the end, through a link
+/// too; else the error number. Any thread.
+[[nodiscard]] int createFolders(FileSystem& fileSystem, const Path& folder);
+
+/// Whether there is a folder at `path`, through a link too. Any thread.
+[[nodiscard]] bool isFolder(FileSystem& fileSystem, const Path& path);
+
+}  // namespace PlatformKit

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "PlatformKit/Volumes.h"
+
+namespace PlatformKit {
+
+/// One line of /proc/self/mountinfo (proc(5)), unescaped.
+struct Mount {
+  DeviceNumber device;  ///< as the kernel lists it; major 0 when no block device stands behind it
+  Path point;
+  std::string fileSystem;  ///< such as "ext4", "fuseblk"
+  std::string source;      ///< such as "/dev/sdb1"
+};
+
+/// The mounts in the text, in its order, which is the order of mounting. Lines that do not have the
+/// form of mountinfo are left out. Any thread.
+std::vector<Mount> parseMountInfo(std::string_view text);
+
+/// The mount that holds `path` (absolute, without links): the deepest one, and of several at one
+/// place the last. Null when there is none. Any thread.
+const Mount* mountHolding(const std::vector<Mount>& mounts, const Path& path);
+
+}  // namespace PlatformKit

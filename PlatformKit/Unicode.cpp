@@ -1,0 +1,117 @@
+#include "PlatformKit/Unicode.h"
+
+#include <cstdint>
+#include <unicode/locid.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+#include <unicode/utf8.h>
+
+namespace PlatformKit {
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+
+std::size_t cellsOf(char32_t character) {
+  const auto code = static_cast<UChar32>(character);
+  const int kind = u_charType(code);
+  if (kind == U_NON_SPACING_MARK || kind == U_ENCLOSING_MARK || kind == U_FORMAT_CHAR) return 0;
+  const int width = u_getIntPropertyValue(code, UCHAR_EAST_ASIAN_WIDTH);
+  return width == U_EA_FULLWIDTH || width == U_EA_WIDE ? 2 : 1;
+}
+
+}  // namespace
+
+bool Detail::nextCharacter(std::string_view text, std::size_t& position, char32_t& character) {
+  const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+  const auto start = static_cast<std::int64_t>(position);
+  const auto length = static_cast<std::int64_t>(text.size());
+  std::int64_t next = start;
+  UChar32 code = 0;
+  U8_NEXT(bytes, next, length, code);
+  if (code < 0) {
+    // One byte at a time, so that the number of marks shows how much was damaged.
+    position += 1;
+    character = kReplacement;
+    return false;
+  }
+  position = static_cast<std::size_t>(next);
+  character = static_cast<char32_t>(code);
+  return true;
+}
+
+bool isControlCharacter(char32_t character) {
+  const int kind = u_charType(static_cast<UChar32>(character));
+  return kind == U_CONTROL_CHAR || kind == U_FORMAT_CHAR;
+}
+
+bool isSpaceCharacter(char32_t character) {
+  return character == U'\t' || u_charType(static_cast<UChar32>(character)) == U_SPACE_SEPARATOR;
+}
+
+void appendUtf8(std::string& text, char32_t character) {
+  icu::UnicodeString(static_cast<UChar32>(character)).toUTF8String(text);
+}
+
+std::string validUtf8(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  forEachCharacter(text, [&](char32_t character, bool valid, std::string_view bytes) {
+    if (valid) {
+      result.append(bytes);
+    } else {
+      appendUtf8(result, character);
+    }
+  });
+  return result;
+}
+
+std::string singleLineText(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  forEachCharacter(text, [&](char32_t character, bool valid, std::string_view bytes) {
+    if (valid && !isControlCharacter(character)) {
+      result.append(bytes);
+    } else {
+      appendUtf8(result, kReplacement);
+    }
+  });
+  return result;
+}
+
+std::string upperCase(std::string_view text) {
+  std::string result;
+  icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())})
+      .toUpper(icu::Locale::getRoot())
+      .toUTF8String(result);
+  return result;
+}
+
+std::size_t cellWidth(std::string_view text) {
+  std::size_t cells = 0;
+  forEachCharacter(
+      text, [&](char32_t character, bool, std::string_view) { cells += cellsOf(character); });
+  return cells;
+}
+
+std::string elidedInTheMiddle(std::string_view text, std::size_t cells) {
+  const std::size_t width = cellWidth(text);
+  if (width <= cells) return std::string(text);
+  if (cells == 0) return {};
+  const std::size_t headCells = (cells - 1) / 2;
+  const std::size_t tailCells = cells - 1 - headCells;
+  std::string head;
+  std::string tail;
+  std::size_t at = 0;
+  forEachCharacter(text, [&](char32_t character, bool, std::string_view bytes) {
+    const std::size_t end = at + cellsOf(character);
+    if (end <= headCells) {
+      head += bytes;
+    } else if (at >= width - tailCells) {
+      tail += bytes;
+    }
+    at = end;
+  });
+  return head + "…" + tail;
+}
+
+}  // namespace PlatformKit

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <compare>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "PlatformKit/FileSystem.h"
+
+namespace PlatformKit {
+
+/// Tells mounted volumes apart (the st_dev of their items).
+struct VolumeIdentifier {
+  std::uint64_t value = 0;
+  friend auto operator<=>(VolumeIdentifier, VolumeIdentifier) = default;
+};
+
+/// The block device under a volume, by its numbers.
+struct DeviceNumber {
+  unsigned major = 0;
+  unsigned minor = 0;
+  friend auto operator<=>(DeviceNumber, DeviceNumber) = default;
+};
+
+/// What is known of the volume that holds an item; what could not be read is absent.
+struct VolumeFacts {
+  std::optional<VolumeIdentifier> identifier;
+  std::optional<Path> root;         ///< where the volume is mounted
+  std::optional<std::string> name;  ///< its label, else the mount point's name; UTF-8 if all is well
+  std::optional<std::uint64_t> available;                 ///< bytes free to this user
+  std::optional<std::uint64_t> availableForImportantUse;  ///< bytes, where the system tells them apart
+  std::optional<DeviceNumber> device;                     ///< none for network and memory volumes
+};
+
+/// Facts about mounted volumes. Any thread; a dead network volume can block for long.
+class Volumes {
+ public:
+  virtual ~Volumes() = default;
+
+  /// The volume that holds the item at `existing`, which must be there.
+  [[nodiscard]] virtual VolumeFacts facts(const Path& existing) = 0;
+
+  /// Whether the device is no longer part of the computer: pulled or switched off. Its volume may
+  /// well go on being listed as mounted.
+  [[nodiscard]] virtual bool isGone(DeviceNumber device) = 0;
+};
+
+}  // namespace PlatformKit

@@ -1,0 +1,65 @@
+#include "PlatformKit/WorkerPool.h"
+
+#include <algorithm>
+
+#include "PlatformKit/Posix/SignalMask.h"
+
+namespace PlatformKit {
+
+WorkerPool::WorkerPool(std::size_t threads) {
+  const AllSignalsBlocked inheritedByTheThreads;
+  try {
+    for (std::size_t i = 0; i < std::max<std::size_t>(threads, 1); ++i) {
+      threads_.emplace_back([this] { work(); });
+    }
+  } catch (...) {
+    stopAndJoin();
+    throw;
+  }
+}
+
+WorkerPool::~WorkerPool() { stopAndJoin(); }
+
+void WorkerPool::stopAndJoin() {
+  {
+    const std::lock_guard lock(mutex_);
+    stopping_ = true;
+  }
+  workArrived_.notify_all();
+  for (std::thread& thread : threads_) thread.join();
+}
+
+void WorkerPool::parallelFor(std::size_t count, const Job& job) { start(count, job).wait(); }
+
+WorkerPool::Batch WorkerPool::start(std::size_t count, const Job& job) {
+  {
+    const std::lock_guard lock(mutex_);
+    job_ = &job;
+    next_ = 0;
+    count_ = count;
+    unfinished_ = count;
+  }
+  for (std::size_t i = 0; i < std::min(count, threads_.size()); ++i) workArrived_.notify_one();
+  return Batch(*this);
+}
+
+void WorkerPool::Batch::wait() {
+  std::unique_lock lock(pool_.mutex_);
+  pool_.batchDone_.wait(lock, [this] { return pool_.unfinished_ == 0; });
+}
+
+void WorkerPool::work() {
+  std::unique_lock lock(mutex_);
+  for (;;) {
+    workArrived_.wait(lock, [this] { return stopping_ || next_ < count_; });
+    if (stopping_) return;
+    const std::size_t mine = next_++;
+    const Job& job = *job_;
+    lock.unlock();
+    job(mine);
+    lock.lock();
+    if (--unfinished_ == 0) batchDone_.notify_one();
+  }
+}
+
+}  // namespace PlatformKit

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <functional>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace PlatformKit {
+
+/// Threads that are made once and then run one batch of numbered jobs after another. Starting a
+/// batch makes no thread and allocates nothing.
+///
+/// The pool belongs to the thread that made it: only that thread starts batches and waits for them.
+class WorkerPool {
+ public:
+  /// A job gets its number. It must not throw: failures go into a slot of the job's own.
+  using Job = std::function<void(std::size_t)>;
+
+  /// Makes `threads` threads (at least one). They receive none of the process's signals. Throws
+  /// std::system_error when the system gives no more threads.
+  explicit WorkerPool(std::size_t threads);
+  /// Joins the threads.
+  ~WorkerPool();
+  WorkerPool(const WorkerPool&) = delete;
+  WorkerPool& operator=(const WorkerPool&) = delete;
+
+  /// Runs `job(0)` to `job(count - 1)` on the workers, in any order, and returns when all are done.
+  void parallelFor(std::size_t count, const Job& job);
+
+  /// A batch that runs while its starter does something else; joined at the latest when it goes out
+  /// of scope.
+  class [[nodiscard]] Batch {
+   public:
+    ~Batch() { wait(); }
+    Batch(const Batch&) = delete;
+    Batch& operator=(const Batch&) = delete;
+    /// Returns when every job is done; everything the jobs wrote is then visible to the caller.
+    void wait();
+
+   private:
+    friend class WorkerPool;
+    explicit Batch(WorkerPool& pool) : pool_(pool) {}
+    WorkerPool& pool_;
+  };
+
+  /// As `parallelFor`, but returns at once. `job` must live until the batch is joined, and no other
+  /// batch may be started before.
+  Batch start(std::size_t count, const Job& job);
+
+ private:
+  void work();
+  void stopAndJoin();
+
+  std::mutex mutex_;
+  std::condition_variable workArrived_;
+  std::condition_variable batchDone_;
+  const Job* job_ = nullptr;
+  std::size_t next_ = 0;
+  std::size_t count_ = 0;
+  std::size_t unfinished_ = 0;
+  bool stopping_ = false;
+  std::vector<std::thread> threads_;
+};
+
+}  // namespace PlatformKit
