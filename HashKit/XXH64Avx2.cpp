@@ -28,12 +28,14 @@ using Ring = std::array<StripeProducts, kRingStripes>;
                                                                          StripeProducts& products) {
   const __m256i words = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(stripe));
   // _mm256_mul_epu32 multiplies the low halves of its operands only; high times high would lie
-  // above bit 63.
+  // above bit 63. A shuffle brings the high halves down, because many processors shift vectors in
+  // the very units that multiply.
   const __m256i prime = _mm256_set1_epi64x(static_cast<long long>(kXXH64Prime2));
   const __m256i primeHigh = _mm256_set1_epi64x(static_cast<long long>(kXXH64Prime2 >> 32));
   const __m256i lowByLow = _mm256_mul_epu32(words, prime);
   const __m256i lowByHigh = _mm256_mul_epu32(words, primeHigh);
-  const __m256i highByLow = _mm256_mul_epu32(_mm256_srli_epi64(words, 32), prime);
+  const __m256i wordsHigh = _mm256_shuffle_epi32(words, _MM_SHUFFLE(3, 3, 1, 1));
+  const __m256i highByLow = _mm256_mul_epu32(wordsHigh, prime);
   const __m256i upper = _mm256_slli_epi64(_mm256_add_epi64(lowByHigh, highByLow), 32);
   _mm256_store_si256(reinterpret_cast<__m256i*>(&products), _mm256_add_epi64(lowByLow, upper));
   // Keeps compilers from holding the ring in vector registers after all.
@@ -64,7 +66,6 @@ using Ring = std::array<StripeProducts, kRingStripes>;
   }
   XXH64Lanes local = lanes;
   while (next != end) {
-#pragma GCC unroll 8
     for (StripeProducts& products : ring) {
       absorb(local, products);
       multiplyByPrime2(next, products);
