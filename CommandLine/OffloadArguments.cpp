@@ -1,10 +1,10 @@
 #include "CommandLine/OffloadArguments.h"
 
-#include <algorithm>
-
 #include "OffloadKit/ErrorSentences.h"
 #include "OffloadKit/FolderPreset.h"
 #include "PlatformKit/Unicode.h"
+
+#include <algorithm>
 
 namespace CommandLine {
 namespace {

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <stdexcept>
-#include <string>
-#include <vector>
-
 #include "HashKit/HashAlgorithm.h"
 #include "OffloadKit/OffloadPlan.h"
 #include "PlatformKit/System.h"
+
+#include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace CommandLine {
 
@@ -34,8 +34,8 @@ class SourceError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// The plan that the arguments ask for: absolute paths, and on every destination the folder that the
-/// template names. Throws ArgumentError and SourceError.
+/// The plan that the arguments ask for: absolute paths, and on every destination the folder that
+/// the template names. Throws ArgumentError and SourceError.
 OffloadKit::OffloadPlan planFor(const OffloadArguments& arguments, PlatformKit::System system);
 
 }  // namespace CommandLine

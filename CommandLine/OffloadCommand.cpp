@@ -1,8 +1,5 @@
 #include "CommandLine/OffloadCommand.h"
 
-#include <atomic>
-#include <nlohmann/json.hpp>
-
 #include "CommandLine/ExitStatus.h"
 #include "CommandLine/Output.h"
 #include "CommandLine/ProgressDisplay.h"
@@ -12,6 +9,10 @@
 #include "PlatformKit/Posix/Interrupts.h"
 #include "PlatformKit/Posix/Terminal.h"
 #include "PlatformKit/Unicode.h"
+
+#include <atomic>
+
+#include <nlohmann/json.hpp>
 
 namespace CommandLine {
 namespace {

@@ -1,13 +1,14 @@
 #include "CommandLine/Output.h"
 
+#include "PlatformKit/Posix/Terminal.h"
+
 #include <array>
 #include <cstdio>
 #include <cstdlib>
-#include <nlohmann/json.hpp>
 #include <string_view>
 #include <utility>
 
-#include "PlatformKit/Posix/Terminal.h"
+#include <nlohmann/json.hpp>
 
 namespace CommandLine {
 namespace {
@@ -23,14 +24,24 @@ void replaceAll(std::string& text, std::string_view what, std::string_view with)
   }
 }
 
-constexpr std::array<std::pair<std::string_view, std::string_view>, 8> kLikenesses = {
-    {{"█", "#"}, {"░", "-"}, {"✓", "+"}, {"✗", "x"}, {"…", "~"}, {"–", "-"}, {"·", "-"}, {"�", "?"}}};
+constexpr std::array<std::pair<std::string_view, std::string_view>, 8> kLikenesses = {{{"█", "#"},
+                                                                                       {"░", "-"},
+                                                                                       {"✓", "+"},
+                                                                                       {"✗", "x"},
+                                                                                       {"…", "~"},
+                                                                                       {"–", "-"},
+                                                                                       {"·", "-"},
+                                                                                       {"�", "?"}}};
 
 }  // namespace
 
-void print(const std::string& text) { write(stdout, text); }
+void print(const std::string& text) {
+  write(stdout, text);
+}
 
-void printError(const std::string& text) { write(stderr, text); }
+void printError(const std::string& text) {
+  write(stderr, text);
+}
 
 void printJsonLine(const nlohmann::json& object) {
   print(object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n");

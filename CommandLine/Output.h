@@ -1,7 +1,8 @@
 #pragma once
 
-#include <nlohmann/json_fwd.hpp>
 #include <string>
+
+#include <nlohmann/json_fwd.hpp>
 
 namespace CommandLine {
 
@@ -18,8 +19,8 @@ void printJsonLine(const nlohmann::json& object);
 /// ellipses become their ASCII likeness.
 std::string forThisTerminal(std::string text);
 
-/// The text in bold, green or red where the stream is a terminal and the user has not switched colour
-/// off (environment variable NO_COLOR); else unchanged.
+/// The text in bold, green or red where the stream is a terminal and the user has not switched
+/// colour off (environment variable NO_COLOR); else unchanged.
 enum class Style { strong, good, bad };
 std::string styled(const std::string& text, Style style, bool onStandardError);
 

@@ -1,16 +1,17 @@
 #include "CommandLine/ProgressDisplay.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <fmt/format.h>
-#include <nlohmann/json.hpp>
-#include <optional>
-
 #include "CommandLine/Output.h"
 #include "OffloadKit/Format.h"
 #include "PlatformKit/ByteCount.h"
 #include "PlatformKit/Posix/Terminal.h"
 #include "PlatformKit/Unicode.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <optional>
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 namespace CommandLine {
 namespace {
@@ -139,8 +140,8 @@ class TerminalDisplay final : public ProgressDisplay {
 
  private:
   static std::string bar(double fraction, std::size_t cells) {
-    const auto full = static_cast<std::size_t>(std::clamp(fraction, 0.0, 1.0) *
-                                               static_cast<double>(cells));
+    const auto full =
+        static_cast<std::size_t>(std::clamp(fraction, 0.0, 1.0) * static_cast<double>(cells));
     std::string text;
     for (std::size_t i = 0; i < cells; ++i) text += i < full ? "█" : "░";
     return text;
@@ -148,15 +149,14 @@ class TerminalDisplay final : public ProgressDisplay {
 
   // What does not fit goes from the end: first the file's name, then the time left.
   [[nodiscard]] std::string line(const OffloadProgress& progress, std::size_t width) const {
-    std::string text =
-        fmt::format("{}  {} {:3} %", phaseWord(progress.phase),
-                    bar(progress.fraction, std::clamp<std::size_t>(width / 5, 5, 24)),
-                    percent(progress));
+    std::string text = fmt::format(
+        "{}  {} {:3} %", phaseWord(progress.phase),
+        bar(progress.fraction, std::clamp<std::size_t>(width / 5, 5, 24)), percent(progress));
     if (progress.filesTotal == 0) return PlatformKit::elidedInTheMiddle(text, width);
-    text += fmt::format("  {} of {}  {:>10}  {:<16}",
-                        OffloadKit::Format::grouped(progress.filesDone),
-                        OffloadKit::Format::counted(progress.filesTotal, "file"),
-                        speedText(progress), estimate_.text(progress));
+    text +=
+        fmt::format("  {} of {}  {:>10}  {:<16}", OffloadKit::Format::grouped(progress.filesDone),
+                    OffloadKit::Format::counted(progress.filesTotal, "file"), speedText(progress),
+                    estimate_.text(progress));
     const std::size_t used = PlatformKit::cellWidth(text) + 2;
     constexpr std::size_t kWorthShowing = 12;
     if (used + kWorthShowing <= width) {
@@ -182,12 +182,12 @@ class LogDisplay final : public ProgressDisplay {
     if (progress.phase == Phase::scanning || progress.phase == Phase::finishing) {
       printError(forThisTerminal(phaseText(progress.phase, destinations_)) + "\n");
     } else if (pace_.isDue()) {
-      printError(forThisTerminal(fmt::format(
-                     "{}: {} %, {} of {}, {}", phaseText(progress.phase, destinations_),
-                     percent(progress), OffloadKit::Format::grouped(progress.filesDone),
-                     OffloadKit::Format::counted(progress.filesTotal, "file"),
-                     speedText(progress))) +
-                 "\n");
+      printError(
+          forThisTerminal(fmt::format(
+              "{}: {} %, {} of {}, {}", phaseText(progress.phase, destinations_), percent(progress),
+              OffloadKit::Format::grouped(progress.filesDone),
+              OffloadKit::Format::counted(progress.filesTotal, "file"), speedText(progress))) +
+          "\n");
     }
   }
 
@@ -225,7 +225,9 @@ class JsonDisplay final : public ProgressDisplay {
 
 }  // namespace
 
-std::unique_ptr<ProgressDisplay> makeSilentDisplay() { return std::make_unique<SilentDisplay>(); }
+std::unique_ptr<ProgressDisplay> makeSilentDisplay() {
+  return std::make_unique<SilentDisplay>();
+}
 
 std::unique_ptr<ProgressDisplay> makeTerminalDisplay(const PlatformKit::Clock& clock) {
   return std::make_unique<TerminalDisplay>(clock);

@@ -1,15 +1,15 @@
 #pragma once
 
-#include <memory>
-
 #include "OffloadKit/OffloadPlan.h"
 #include "OffloadKit/OffloadProgress.h"
 #include "PlatformKit/Dates.h"
 
+#include <memory>
+
 namespace CommandLine {
 
-/// Shows how far a run is. Called for every progress report, on the run's thread; shows a few of them
-/// a second.
+/// Shows how far a run is. Called for every progress report, on the run's thread; shows a few of
+/// them a second.
 class ProgressDisplay {
  public:
   virtual ~ProgressDisplay() = default;

@@ -23,9 +23,10 @@ json destinations(const OffloadKit::OffloadResult& result) {
   json array = json::array();
   for (std::size_t i = 0; i < result.plan.destinations.size(); ++i) {
     const auto error = result.destinationErrors.find(i);
-    array.push_back({{"path", result.plan.destinations[i].native()},
-                     {"verified", result.verifiedCount(i)},
-                     {"error", error == result.destinationErrors.end() ? json() : json(error->second)}});
+    array.push_back(
+        {{"path", result.plan.destinations[i].native()},
+         {"verified", result.verifiedCount(i)},
+         {"error", error == result.destinationErrors.end() ? json() : json(error->second)}});
   }
   return array;
 }

@@ -1,12 +1,13 @@
 #pragma once
 
-#include <nlohmann/json_fwd.hpp>
-
 #include "OffloadKit/OffloadResult.h"
+
+#include <nlohmann/json_fwd.hpp>
 
 namespace CommandLine {
 
-/// The outcome of a run as the last JSON object of its output; docs/command-line.md has its members.
+/// The outcome of a run as the last JSON object of its output; docs/command-line.md has its
+/// members.
 nlohmann::json resultJson(const OffloadKit::OffloadResult& result);
 
 }  // namespace CommandLine

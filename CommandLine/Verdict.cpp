@@ -1,12 +1,13 @@
 #include "CommandLine/Verdict.h"
 
-#include <algorithm>
-#include <fmt/format.h>
-
 #include "CommandLine/Output.h"
 #include "OffloadKit/Format.h"
 #include "PlatformKit/ByteCount.h"
 #include "PlatformKit/Unicode.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
 
 namespace CommandLine {
 namespace {
@@ -43,12 +44,11 @@ std::string headline(const OffloadResult& result, bool onStandardError) {
 std::string figures(const OffloadResult& result) {
   const double seconds = std::chrono::duration<double>(result.finished - result.started).count();
   const double speed = seconds > 0 ? static_cast<double>(result.totalBytes()) / seconds : 0;
-  return fmt::format("\n  Files     {} · {}\n  Took      {} · {}/s\n  Checksum  {}{}\n",
-                     grouped(result.files.size()), byteCountText(result.totalBytes()),
-                     OffloadKit::Format::duration(seconds),
-                     byteCountText(static_cast<std::uint64_t>(speed)),
-                     displayName(result.plan.algorithm),
-                     result.plan.verifySource ? ", card read twice" : "");
+  return fmt::format(
+      "\n  Files     {} · {}\n  Took      {} · {}/s\n  Checksum  {}{}\n",
+      grouped(result.files.size()), byteCountText(result.totalBytes()),
+      OffloadKit::Format::duration(seconds), byteCountText(static_cast<std::uint64_t>(speed)),
+      displayName(result.plan.algorithm), result.plan.verifySource ? ", card read twice" : "");
 }
 
 std::string driveLine(const OffloadResult& result, std::size_t index, bool onStandardError) {
@@ -58,7 +58,8 @@ std::string driveLine(const OffloadResult& result, std::size_t index, bool onSta
       std::count_if(result.files.begin(), result.files.end(),
                     [index](const auto& file) { return file.outcomes[index].isResumed(); }));
   std::string line = fmt::format(
-      "  {} {}\n    {} of {} verified", styled(complete ? "✓" : "✗", complete ? Style::good : Style::bad, onStandardError),
+      "  {} {}\n    {} of {} verified",
+      styled(complete ? "✓" : "✗", complete ? Style::good : Style::bad, onStandardError),
       singleLineText(result.plan.destinations[index].native()), grouped(verified),
       grouped(result.files.size()));
   if (resumed > 0) line += fmt::format(" · {} already there", grouped(resumed));
@@ -98,10 +99,10 @@ std::string verdict(const OffloadResult& result, bool onStandardError) {
   if (!result.unreadable.empty()) {
     text += "\n" + styled("Could not be read from the card", Style::strong, onStandardError) + "\n";
     for (const auto& item : result.unreadable) {
-      text += fmt::format("  {}\n    {}\n",
-                          item.relativePath.empty() ? "(the whole card)"
-                                                    : singleLineText(item.relativePath),
-                          item.reason);
+      text += fmt::format(
+          "  {}\n    {}\n",
+          item.relativePath.empty() ? "(the whole card)" : singleLineText(item.relativePath),
+          item.reason);
     }
   }
   return forThisTerminal(text);

@@ -1,11 +1,11 @@
-#include <CLI/CLI.hpp>
-
 #include "CommandLine/ExitStatus.h"
 #include "CommandLine/OffloadCommand.h"
 #include "CommandLine/Output.h"
 #include "HashKit/HashAlgorithm.h"
 #include "PlatformKit/Linux/LinuxFileSystem.h"
 #include "PlatformKit/Linux/LinuxVolumes.h"
+
+#include <CLI/CLI.hpp>
 
 namespace {
 

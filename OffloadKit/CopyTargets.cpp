@@ -1,9 +1,9 @@
 #include "OffloadKit/CopyTargets.h"
 
-#include <cerrno>
-
 #include "OffloadKit/ErrorSentences.h"
 #include "PlatformKit/Unicode.h"
+
+#include <cerrno>
 
 namespace OffloadKit {
 namespace {
@@ -26,7 +26,9 @@ std::string_view shortened(std::string_view name, std::size_t length) {
 }
 
 // Drives may not tell upper from lower case, so names that differ only in that count as one.
-std::string folded(const std::string& relativePath) { return PlatformKit::upperCase(relativePath); }
+std::string folded(const std::string& relativePath) {
+  return PlatformKit::upperCase(relativePath);
+}
 
 // One destination's share of the choice. Where nothing is to be done, either sets `outcome` or
 // leaves the system's error number in `error`.
@@ -35,8 +37,8 @@ CopyTarget chooseTarget(FileSystem& fileSystem, const SourceFile& file, const Pa
   const Path final = destination / file.relativePath;
   if (alreadyThere(fileSystem, file, destination)) return ResumeTarget{final};
   if (fileSystem.status(final).ok()) {
-    outcome = Outcome::failed(
-        "A different file with this name is already in the destination folder");
+    outcome =
+        Outcome::failed("A different file with this name is already in the destination folder");
     return SkipTarget{};
   }
   error = createFolders(fileSystem, final.parent_path());

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <string>
-#include <unordered_set>
-#include <variant>
-#include <vector>
-
 #include "OffloadKit/DestinationHealth.h"
 #include "OffloadKit/OffloadResult.h"
 #include "OffloadKit/PendingCopy.h"
 #include "OffloadKit/SourceFile.h"
+
+#include <string>
+#include <unordered_set>
+#include <variant>
+#include <vector>
 
 namespace OffloadKit {
 
@@ -26,8 +26,8 @@ struct WriteTarget {
 using CopyTarget = std::variant<SkipTarget, ResumeTarget, WriteTarget>;
 
 /// Whether a copy of the file lies in the destination folder already: a regular file of the same
-/// size whose modification date differs by less than two seconds (file systems round dates). Content
-/// is not looked at. Any error counts as no. Any thread.
+/// size whose modification date differs by less than two seconds (file systems round dates).
+/// Content is not looked at. Any error counts as no. Any thread.
 bool alreadyThere(PlatformKit::FileSystem& fileSystem, const SourceFile& file,
                   const PlatformKit::Path& destination);
 
@@ -38,7 +38,8 @@ class TemporaryNames {
   explicit TemporaryNames(const std::vector<SourceFile>& files);
 
   /// The relative path of the file's temporary copy: in the same folder, hidden,
-  /// "." + name + ".zmpart", shortened on a character boundary where that would not fit in 255 bytes.
+  /// "." + name + ".zmpart", shortened on a character boundary where that would not fit in 255
+  /// bytes.
   [[nodiscard]] std::string forFile(const std::string& relativePath) const;
 
  private:
@@ -47,10 +48,10 @@ class TemporaryNames {
   std::unordered_set<std::string> taken_;
 };
 
-/// Decides what to do for one file on every destination, in order: nothing where the destination was
-/// given up, resume where a copy is already there, nothing where something else has the name, else
-/// write (missing folders are made, the temporary file is opened). `outcomes` has one entry per
-/// destination; those of destinations where nothing is to be done are set to the reason.
+/// Decides what to do for one file on every destination, in order: nothing where the destination
+/// was given up, resume where a copy is already there, nothing where something else has the name,
+/// else write (missing folders are made, the temporary file is opened). `outcomes` has one entry
+/// per destination; those of destinations where nothing is to be done are set to the reason.
 std::vector<CopyTarget> chooseTargets(PlatformKit::FileSystem& fileSystem, const SourceFile& file,
                                       const std::vector<PlatformKit::Path>& destinations,
                                       const TemporaryNames& temporaryNames,

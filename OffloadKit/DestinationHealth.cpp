@@ -1,8 +1,8 @@
 #include "OffloadKit/DestinationHealth.h"
 
-#include <cerrno>
-
 #include "OffloadKit/ErrorSentences.h"
+
+#include <cerrno>
 
 namespace OffloadKit {
 

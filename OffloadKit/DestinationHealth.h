@@ -1,32 +1,32 @@
 #pragma once
 
+#include "PlatformKit/System.h"
+
 #include <cstddef>
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "PlatformKit/System.h"
-
 namespace OffloadKit {
 
 /// Which destinations of a run are still of use, and the sentences for what went wrong on them. One
 /// thread.
 ///
-/// A pulled drive seldom says so: Linux answers EIO, EROFS and others while the volume goes on being
-/// listed. Such an error counts as ENODEV once the drive's block device is gone from the computer,
-/// and the destination is then given up, whatever was being done.
+/// A pulled drive seldom says so: Linux answers EIO, EROFS and others while the volume goes on
+/// being listed. Such an error counts as ENODEV once the drive's block device is gone from the
+/// computer, and the destination is then given up, whatever was being done.
 class DestinationHealth {
  public:
   /// `destinations` are existing folders; their devices are looked up now, while they answer.
-  DestinationHealth(PlatformKit::System system,
-                    const std::vector<PlatformKit::Path>& destinations);
+  DestinationHealth(PlatformKit::System system, const std::vector<PlatformKit::Path>& destinations);
 
-  /// The sentence for an error met while writing or flushing content there. Gives the destination up
-  /// if the error means that the drive is of no more use.
+  /// The sentence for an error met while writing or flushing content there. Gives the destination
+  /// up if the error means that the drive is of no more use.
   std::string contentError(std::size_t destination, int error);
 
-  /// The sentence for any other error met there. Gives the destination up only if its drive is gone.
+  /// The sentence for any other error met there. Gives the destination up only if its drive is
+  /// gone.
   std::string otherError(std::size_t destination, int error);
 
   /// The sentence that made the run give the destination up; null while it is of use.

@@ -11,7 +11,9 @@ constexpr int kHighestErrorNumber = 133;
 
 }  // namespace
 
-std::string systemText(int error) { return std::generic_category().message(error); }
+std::string systemText(int error) {
+  return std::generic_category().message(error);
+}
 
 std::string describe(int error) {
   const bool known = error > 0 && error <= kHighestErrorNumber;

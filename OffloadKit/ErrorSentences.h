@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "PlatformKit/System.h"
+
+#include <string>
 
 namespace OffloadKit {
 
@@ -14,8 +14,8 @@ std::string describe(int error);
 /// The system's own text for an error number, such as "Input/output error". Any thread.
 std::string systemText(int error);
 
-/// Whether an error means that the drive itself is of no more use in this run: EIO, ENXIO, ENODEV or
-/// ENOSPC.
+/// Whether an error means that the drive itself is of no more use in this run: EIO, ENXIO, ENODEV
+/// or ENOSPC.
 bool endsTheDrive(int error);
 
 /// How people know a destination: the name of its volume and its own last component, as in

@@ -1,11 +1,11 @@
 #include "OffloadKit/FileCopy.h"
 
+#include "OffloadKit/ErrorSentences.h"
+#include "OffloadKit/OffloadError.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <deque>
-
-#include "OffloadKit/ErrorSentences.h"
-#include "OffloadKit/OffloadError.h"
 
 namespace OffloadKit {
 namespace {
@@ -52,7 +52,8 @@ OffloadedFile FileCopy::run(const Advance& copied, const Advance& verifying) {
 }
 
 std::string FileCopy::streamSource(const Advance& copied) {
-  auto opened = resources_.system.fileSystem.openForReading(source_, PlatformKit::ReadMode::streamed);
+  auto opened =
+      resources_.system.fileSystem.openForReading(source_, PlatformKit::ReadMode::streamed);
   if (!opened.ok()) sourceUnreadable(": " + systemText(opened.error()));
   ReadableFile& source = *opened.value();
   const auto hasher = makeHasher(resources_.plan.algorithm);
@@ -65,7 +66,8 @@ std::string FileCopy::streamSource(const Advance& copied) {
     if (count.value() == 0) break;
     const std::uint64_t next = bytesRead + count.value();
     // The card fetches the next chunk while the drives take this one.
-    if (next < file_.size) source.prefetch(next, std::min<std::uint64_t>(buffer.size(), file_.size - next));
+    if (next < file_.size)
+      source.prefetch(next, std::min<std::uint64_t>(buffer.size(), file_.size - next));
     writeChunk(buffer.first(count.value()), bytesRead, *hasher);
     source.discard(bytesRead, count.value());
     bytesRead = next;

@@ -1,10 +1,5 @@
 #pragma once
 
-#include <functional>
-#include <span>
-#include <string>
-#include <vector>
-
 #include "OffloadKit/CopyTargets.h"
 #include "OffloadKit/DestinationHealth.h"
 #include "OffloadKit/FileDigest.h"
@@ -14,6 +9,11 @@
 #include "PlatformKit/AlignedBuffer.h"
 #include "PlatformKit/System.h"
 #include "PlatformKit/WorkerPool.h"
+
+#include <functional>
+#include <span>
+#include <string>
+#include <vector>
 
 namespace OffloadKit {
 
@@ -38,8 +38,8 @@ using Advance = std::function<void(std::uint64_t)>;
 
 /// Copies one file of the source to all destinations at once and proves every copy: streams it,
 /// hashing on the way; flushes the copies; reads every copy (and every copy of an earlier run, and
-/// with the plan's `verifySource` the source again) back from its drive; compares checksums; and only
-/// then gives each copy its final name and dates. Used once, on the run's thread.
+/// with the plan's `verifySource` the source again) back from its drive; compares checksums; and
+/// only then gives each copy its final name and dates. Used once, on the run's thread.
 class FileCopy {
  public:
   FileCopy(const SourceFile& file, CopyResources& resources);

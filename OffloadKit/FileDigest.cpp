@@ -29,7 +29,8 @@ void FileDigest::work(std::span<std::byte> piece) {
     std::unique_lock lock(mutex_);
     turnChanged_.wait(lock, [&] { return turn_ == *mine; });
     if (!ended_) {
-      // Nobody else touches the hasher before the turn moves on, so others may take pieces meanwhile.
+      // Nobody else touches the hasher before the turn moves on, so others may take pieces
+      // meanwhile.
       lock.unlock();
       absorb(read, piece);
       lock.lock();
@@ -43,8 +44,8 @@ void FileDigest::work(std::span<std::byte> piece) {
 std::optional<std::uint64_t> FileDigest::takePiece() {
   const std::lock_guard lock(mutex_);
   if (!opened_) {
-    // Opened by the first worker rather than by the constructor: the files of a read-back are opened
-    // in parallel.
+    // Opened by the first worker rather than by the constructor: the files of a read-back are
+    // opened in parallel.
     opened_ = true;
     auto opened = fileSystem_.openForReading(path_, PlatformKit::ReadMode::pastCache);
     if (opened.ok()) file_ = std::move(opened.value());

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "HashKit/HashAlgorithm.h"
+#include "PlatformKit/FileSystem.h"
+
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
@@ -9,20 +12,17 @@
 #include <span>
 #include <string>
 
-#include "HashKit/HashAlgorithm.h"
-#include "PlatformKit/FileSystem.h"
-
 namespace OffloadKit {
 
-/// Fills `buffer` from `offset` on (bytes), with as many reads as that takes. Answers how many bytes
-/// there were: fewer than asked for only at the end of the file.
+/// Fills `buffer` from `offset` on (bytes), with as many reads as that takes. Answers how many
+/// bytes there were: fewer than asked for only at the end of the file.
 PlatformKit::Result<std::size_t> readFully(PlatformKit::ReadableFile& file,
                                            std::span<std::byte> buffer, std::uint64_t offset);
 
-/// The checksum of one whole file as its drive holds it (ReadMode::pastCache), computed by any number
-/// of threads that call `work`. Each takes the next piece of the file, reads it and hashes it when
-/// the pieces before are hashed; so with two threads the drive reads one piece while the processor
-/// hashes the other.
+/// The checksum of one whole file as its drive holds it (ReadMode::pastCache), computed by any
+/// number of threads that call `work`. Each takes the next piece of the file, reads it and hashes
+/// it when the pieces before are hashed; so with two threads the drive reads one piece while the
+/// processor hashes the other.
 class FileDigest {
  public:
   FileDigest(PlatformKit::FileSystem& fileSystem, PlatformKit::Path path,
@@ -32,8 +32,8 @@ class FileDigest {
   /// the same size for every thread of one file.
   void work(std::span<std::byte> piece);
 
-  /// The checksum in lowercase hexadecimal, or the error that opening or reading met. Only when every
-  /// thread has returned from `work`.
+  /// The checksum in lowercase hexadecimal, or the error that opening or reading met. Only when
+  /// every thread has returned from `work`.
   [[nodiscard]] PlatformKit::Result<std::string> result() const;
 
  private:

@@ -40,7 +40,9 @@ void FolderFlush::verified(std::size_t destination, const Path& final, bool resu
 
 void FolderFlush::flush(std::vector<OffloadedFile>& files, DestinationHealth& health) {
   for (std::size_t i = 0; i < destinations_.size(); ++i) {
+    const bool toldAlready = health.givenUp(i) != nullptr;
     for (const Unflushed& unflushed : flushDestination(i)) {
+      if (toldAlready) break;
       const std::string sentence = health.contentError(i, unflushed.error);
       for (OffloadedFile& file : files) {
         Outcome& outcome = file.outcomes[i];

@@ -1,18 +1,18 @@
 #pragma once
 
-#include <map>
-#include <set>
-#include <vector>
-
 #include "OffloadKit/DestinationHealth.h"
 #include "OffloadKit/OffloadResult.h"
 #include "PlatformKit/System.h"
 
+#include <map>
+#include <set>
+#include <vector>
+
 namespace OffloadKit {
 
-/// Makes the names of a run's verified copies survive a power cut: remembers the folders they lie in
-/// and flushes each once, at the end, together with the folders above it that the run may have made.
-/// One thread.
+/// Makes the names of a run's verified copies survive a power cut: remembers the folders they lie
+/// in and flushes each once, at the end, together with the folders above it that the run may have
+/// made. One thread.
 class FolderFlush {
  public:
   /// `existing`: per destination, the deepest folder of its path that was there before the run.
@@ -28,7 +28,9 @@ class FolderFlush {
   void verified(std::size_t destination, const PlatformKit::Path& final, bool resumed);
 
   /// Flushes everything. Where that fails, the verified outcomes of the files concerned become
-  /// failures: their copies might not be there any more after a power cut.
+  /// failures: their copies might not be there any more after a power cut. On a destination that
+  /// was given up before, outcomes stay as they are: it is known to be incomplete, and what was
+  /// verified there up to then is the more useful thing to tell.
   void flush(std::vector<OffloadedFile>& files, DestinationHealth& health);
 
  private:

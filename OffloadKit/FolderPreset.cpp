@@ -1,10 +1,10 @@
 #include "OffloadKit/FolderPreset.h"
 
+#include "PlatformKit/Unicode.h"
+
 #include <optional>
 #include <utility>
 #include <vector>
-
-#include "PlatformKit/Unicode.h"
 
 namespace OffloadKit {
 namespace {
@@ -122,10 +122,9 @@ std::string FolderPreset::resolve(const Context& context) const {
 
 std::string FolderPreset::clean(std::string_view text) {
   std::string safe;
-  PlatformKit::forEachCharacter(
-      text, [&](char32_t character, bool valid, std::string_view bytes) {
-        safe += valid && !isUnsafe(character) ? bytes : std::string_view("-");
-      });
+  PlatformKit::forEachCharacter(text, [&](char32_t character, bool valid, std::string_view bytes) {
+    safe += valid && !isUnsafe(character) ? bytes : std::string_view("-");
+  });
   return trimmed(safe);
 }
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "PlatformKit/Dates.h"
+#include "PlatformKit/FileSystem.h"
+
 #include <array>
 #include <string>
 #include <string_view>
-
-#include "PlatformKit/Dates.h"
-#include "PlatformKit/FileSystem.h"
 
 namespace OffloadKit {
 
@@ -37,8 +37,8 @@ struct FolderPreset {
   [[nodiscard]] std::string resolve(const Context& context) const;
 
   /// The text made safe as one component of a path: each of / \ : * ? " < > |, every control
-  /// character and every byte that is not UTF-8 becomes "-"; spaces, tabs and dots go from both ends.
-  /// May be empty. Any thread.
+  /// character and every byte that is not UTF-8 becomes "-"; spaces, tabs and dots go from both
+  /// ends. May be empty. Any thread.
   static std::string clean(std::string_view text);
 
   /// The camera brand that the folders of the card at `card` tell, such as "Canon"; "Camera" when

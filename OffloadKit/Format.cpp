@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+
 #include <fmt/format.h>
 
 namespace OffloadKit::Format {

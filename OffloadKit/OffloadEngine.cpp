@@ -1,8 +1,8 @@
 #include "OffloadKit/OffloadEngine.h"
 
-#include <stdexcept>
-
 #include "OffloadKit/OffloadRun.h"
+
+#include <stdexcept>
 
 namespace OffloadKit {
 

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <functional>
-#include <mutex>
-
 #include "OffloadKit/OffloadError.h"
 #include "OffloadKit/OffloadPlan.h"
 #include "OffloadKit/OffloadProgress.h"
 #include "OffloadKit/OffloadResult.h"
 #include "PlatformKit/System.h"
+
+#include <functional>
+#include <mutex>
 
 namespace OffloadKit {
 
@@ -21,21 +21,21 @@ class OffloadEngine {
   explicit OffloadEngine(PlatformKit::System system) : system_(system) {}
 
   /// Called on the run's thread with the path of a temporary copy right after it was completely
-  /// written, flushed and closed, and before it is read back. For tests that harm copies; applications
-  /// never set it. Not while a run is in progress.
+  /// written, flushed and closed, and before it is read back. For tests that harm copies;
+  /// applications never set it. Not while a run is in progress.
   std::function<void(const PlatformKit::Path&)> afterWrite;
 
-  /// Stops the run at its next step: before a file, or after a chunk. Any thread, any number of times,
-  /// before a run too.
+  /// Stops the run at its next step: before a file, or after a chunk. Any thread, any number of
+  /// times, before a run too.
   void cancel();
 
   /// Scans the plan's source, checks every destination, copies every file to all destinations and
   /// reads every copy back. Returns when all is done; `progress` is never called after that.
   ///
-  /// Throws OffloadError when the run cannot start or is stopped. Then every file verified so far is
-  /// in place, no temporary copy is left, and running the same plan again picks up where it ended.
-  /// Throws std::invalid_argument for a chunk size of 0, std::bad_alloc and std::system_error when
-  /// the system gives no memory or threads.
+  /// Throws OffloadError when the run cannot start or is stopped. Then every file verified so far
+  /// is in place, no temporary copy is left, and running the same plan again picks up where it
+  /// ended. Throws std::invalid_argument for a chunk size of 0, std::bad_alloc and
+  /// std::system_error when the system gives no memory or threads.
   OffloadResult run(const OffloadPlan& plan, const ProgressCallback& progress);
 
   /// As above; with `checkSpace` false the files are not counted when free space is checked.

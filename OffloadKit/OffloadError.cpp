@@ -52,7 +52,11 @@ OffloadError OffloadError::notEnoughSpace(std::string destination, std::uint64_t
 OffloadError OffloadError::cardImageUnavailable(std::string reason) {
   return OffloadError(CardImageUnavailable{std::move(reason)});
 }
-OffloadError OffloadError::noFiles() { return OffloadError(NoFiles{}); }
-OffloadError OffloadError::cancelled() { return OffloadError(Cancelled{}); }
+OffloadError OffloadError::noFiles() {
+  return OffloadError(NoFiles{});
+}
+OffloadError OffloadError::cancelled() {
+  return OffloadError(Cancelled{});
+}
 
 }  // namespace OffloadKit

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "HashKit/HashAlgorithm.h"
+#include "PlatformKit/FileSystem.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "HashKit/HashAlgorithm.h"
-#include "PlatformKit/FileSystem.h"
 
 namespace OffloadKit {
 

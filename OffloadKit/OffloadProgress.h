@@ -11,12 +11,12 @@ struct OffloadProgress {
   enum class Phase { scanning, copying, verifying, imaging, finishing };
 
   Phase phase = Phase::scanning;
-  std::size_t filesDone = 0;    ///< files finished before the current one
-  std::size_t filesTotal = 0;   ///< files found by the scan; 0 while scanning
-  std::uint64_t bytesTotal = 0; ///< sum of all file sizes, without a card image; 0 while scanning
-  double fraction = 0;          ///< share of the whole run's work that is done, 0 to 1
-  std::string currentFile;      ///< relative path; the image's name while imaging; else empty
-  double bytesPerSecond = 0;    ///< source bytes per second, averaged since the run began
+  std::size_t filesDone = 0;     ///< files finished before the current one
+  std::size_t filesTotal = 0;    ///< files found by the scan; 0 while scanning
+  std::uint64_t bytesTotal = 0;  ///< sum of all file sizes, without a card image; 0 while scanning
+  double fraction = 0;           ///< share of the whole run's work that is done, 0 to 1
+  std::string currentFile;       ///< relative path; the image's name while imaging; else empty
+  double bytesPerSecond = 0;     ///< source bytes per second, averaged since the run began
 };
 
 }  // namespace OffloadKit

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "OffloadKit/OffloadPlan.h"
+#include "OffloadKit/SourceFile.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -7,9 +10,6 @@
 #include <string>
 #include <variant>
 #include <vector>
-
-#include "OffloadKit/OffloadPlan.h"
-#include "OffloadKit/SourceFile.h"
 
 namespace OffloadKit {
 
@@ -80,18 +80,19 @@ struct CardImageResult {
   };
 
   PlatformKit::Path url;
-  std::uint64_t size = 0;           ///< bytes in the image
-  std::optional<std::string> hash;  ///< lowercase hexadecimal, by the plan's algorithm
-  std::size_t unreadableBlocks = 0; ///< blocks of the card stored as zeros
+  std::uint64_t size = 0;            ///< bytes in the image
+  std::optional<std::string> hash;   ///< lowercase hexadecimal, by the plan's algorithm
+  std::size_t unreadableBlocks = 0;  ///< blocks of the card stored as zeros
   Outcome outcome = Outcome::failed("");
-  std::string relativePath;         ///< below its destination folder
+  std::string relativePath;  ///< below its destination folder
 };
 
 /// The outcome of a run that came to its end.
 struct OffloadResult {
   OffloadPlan plan;
   std::vector<OffloadedFile> files;  ///< one per scanned file, in scan order
-  std::vector<UnreadableItem> unreadable;  ///< what the scan could not read; not part of allVerified
+  std::vector<UnreadableItem>
+      unreadable;  ///< what the scan could not read; not part of allVerified
   PlatformKit::Date started{};
   PlatformKit::Date finished{};
   /// Destinations that the run gave up on, with the sentence that made it give up.

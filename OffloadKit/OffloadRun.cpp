@@ -1,11 +1,11 @@
 #include "OffloadKit/OffloadRun.h"
 
-#include <algorithm>
-
 #include "OffloadKit/ErrorSentences.h"
 #include "OffloadKit/OffloadError.h"
 #include "OffloadKit/Preflight.h"
 #include "OffloadKit/SourceScan.h"
+
+#include <algorithm>
 
 namespace OffloadKit {
 

@@ -1,15 +1,15 @@
 #pragma once
 
-#include <functional>
-#include <vector>
-
 #include "OffloadKit/FileCopy.h"
 #include "OffloadKit/OffloadEngine.h"
 
+#include <functional>
+#include <vector>
+
 namespace OffloadKit {
 
-/// The course of one run and its accounts; see OffloadEngine::run. Internal to the engine, used once,
-/// on one thread.
+/// The course of one run and its accounts; see OffloadEngine::run. Internal to the engine, used
+/// once, on one thread.
 class OffloadRun {
  public:
   /// The arguments outlive the run.

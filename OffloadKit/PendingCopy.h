@@ -1,8 +1,8 @@
 #pragma once
 
-#include <memory>
-
 #include "PlatformKit/FileSystem.h"
+
+#include <memory>
 
 namespace OffloadKit {
 

@@ -1,10 +1,10 @@
 #include "OffloadKit/Preflight.h"
 
-#include <algorithm>
-
 #include "OffloadKit/CopyTargets.h"
 #include "OffloadKit/ErrorSentences.h"
 #include "OffloadKit/OffloadError.h"
+
+#include <algorithm>
 
 namespace OffloadKit {
 namespace {

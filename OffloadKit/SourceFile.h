@@ -1,10 +1,10 @@
 #pragma once
 
+#include "PlatformKit/Dates.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
-
-#include "PlatformKit/Dates.h"
 
 namespace OffloadKit {
 
@@ -20,7 +20,8 @@ struct SourceFile {
   friend bool operator==(const SourceFile&, const SourceFile&) = default;
 };
 
-/// Something on the source that the scan could not read, so that files may be missing from its list.
+/// Something on the source that the scan could not read, so that files may be missing from its
+/// list.
 struct UnreadableItem {
   std::string relativePath;  ///< as in SourceFile; empty for the source folder itself
   std::string reason;        ///< the system's text for the error

@@ -1,11 +1,11 @@
 #include "OffloadKit/SourceScan.h"
 
-#include <algorithm>
-#include <array>
-
 #include "OffloadKit/ErrorSentences.h"
 #include "OffloadKit/OffloadError.h"
 #include "PlatformKit/Collation.h"
+
+#include <algorithm>
+#include <array>
 
 namespace OffloadKit {
 namespace {
@@ -13,10 +13,14 @@ namespace {
 using PlatformKit::FolderEntry;
 using PlatformKit::ItemKind;
 
-constexpr std::array<std::string_view, 8> kIgnoredNames = {
-    ".DS_Store",       ".Spotlight-V100",         ".Trashes",
-    ".fseventsd",      ".TemporaryItems",         ".DocumentRevisions-V100",
-    "System Volume Information", "ascmhl"};
+constexpr std::array<std::string_view, 8> kIgnoredNames = {".DS_Store",
+                                                           ".Spotlight-V100",
+                                                           ".Trashes",
+                                                           ".fseventsd",
+                                                           ".TemporaryItems",
+                                                           ".DocumentRevisions-V100",
+                                                           "System Volume Information",
+                                                           "ascmhl"};
 
 // Walks depth-first with a stack of its own: a card decides how deep its folders go.
 class Walk {
@@ -64,15 +68,14 @@ class Walk {
 
   // False when nothing of the folder could be listed.
   bool enter(const std::string& relativePath) {
-    auto listed =
-        system_.fileSystem.list(relativePath.empty() ? source_ : source_ / relativePath);
+    auto listed = system_.fileSystem.list(relativePath.empty() ? source_ : source_ / relativePath);
     if (!listed.ok()) {
       unreadable(relativePath, listed.error());
       return false;
     }
     if (listed.value().error != 0) unreadable(relativePath, listed.value().error);
-    open_.push_back({relativePath.empty() ? "" : relativePath + "/",
-                     std::move(listed.value().entries)});
+    open_.push_back(
+        {relativePath.empty() ? "" : relativePath + "/", std::move(listed.value().entries)});
     return true;
   }
 

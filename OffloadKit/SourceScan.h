@@ -1,10 +1,10 @@
 #pragma once
 
-#include <string_view>
-#include <vector>
-
 #include "OffloadKit/SourceFile.h"
 #include "PlatformKit/System.h"
+
+#include <string_view>
+#include <vector>
 
 namespace OffloadKit {
 

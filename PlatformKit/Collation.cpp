@@ -5,6 +5,7 @@
 #include <memory>
 #include <numeric>
 #include <stdexcept>
+
 #include <unicode/coll.h>
 #include <unicode/unistr.h>
 
@@ -30,9 +31,8 @@ std::string sortKey(const icu::Collator& collator, std::string_view name) {
       icu::UnicodeString::fromUTF8({name.data(), static_cast<std::int32_t>(name.size())});
   std::string key(name.size() * 2 + 16, '\0');
   for (;;) {
-    const std::int32_t length =
-        collator.getSortKey(text, reinterpret_cast<std::uint8_t*>(key.data()),
-                            static_cast<std::int32_t>(key.size()));
+    const std::int32_t length = collator.getSortKey(
+        text, reinterpret_cast<std::uint8_t*>(key.data()), static_cast<std::int32_t>(key.size()));
     const bool fits = static_cast<std::size_t>(length) <= key.size();
     key.resize(static_cast<std::size_t>(length));
     if (fits) return key;

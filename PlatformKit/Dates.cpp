@@ -31,7 +31,9 @@ std::string utcDateText(Date date, const char* pattern) {
   return laidOut(parts, pattern);
 }
 
-std::string internetDateText(Date date) { return utcDateText(date, "%Y-%m-%dT%H:%M:%SZ"); }
+std::string internetDateText(Date date) {
+  return utcDateText(date, "%Y-%m-%dT%H:%M:%SZ");
+}
 
 Date SystemClock::now() const {
   return std::chrono::time_point_cast<std::chrono::nanoseconds>(std::chrono::system_clock::now());

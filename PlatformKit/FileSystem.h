@@ -1,5 +1,8 @@
 #pragma once
 
+#include "PlatformKit/Dates.h"
+#include "PlatformKit/Result.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -8,9 +11,6 @@
 #include <span>
 #include <string>
 #include <vector>
-
-#include "PlatformKit/Dates.h"
-#include "PlatformKit/Result.h"
 
 namespace PlatformKit {
 
@@ -52,8 +52,8 @@ class ReadableFile {
 
   /// One read of up to `buffer.size()` bytes at `offset`. Answers how many bytes came, which may be
   /// fewer than asked for; 0 at the end of the file. With ReadMode::pastCache, buffers, lengths and
-  /// offsets in whole multiples of 4,096 go straight to the drive; others are read through the cache
-  /// after what it held of the file was dropped.
+  /// offsets in whole multiples of 4,096 go straight to the drive; others are read through the
+  /// cache after what it held of the file was dropped.
   [[nodiscard]] virtual Result<std::size_t> readAt(std::span<std::byte> buffer,
                                                    std::uint64_t offset) = 0;
 
@@ -77,8 +77,8 @@ class WritableFile {
   /// number, 0 where the file system does not offer this.
   [[nodiscard]] virtual int startWriteback(std::uint64_t offset, std::uint64_t length) = 0;
 
-  /// Waits until a written range (bytes) has reached the drive and drops it from the cache. An error
-  /// answered here (0: none) is not told again by `flush`.
+  /// Waits until a written range (bytes) has reached the drive and drops it from the cache. An
+  /// error answered here (0: none) is not told again by `flush`.
   [[nodiscard]] virtual int finishWriteback(std::uint64_t offset, std::uint64_t length) = 0;
 
   /// Sets the dates of the file. `created` is ignored where the system cannot set it, as on Linux.
@@ -99,8 +99,8 @@ class FileSystem {
   /// About the item at `path` itself (a link, not what it points to).
   [[nodiscard]] virtual Result<ItemStatus> status(const Path& path) = 0;
 
-  /// The absolute path without ".", "..", doubled slashes and symbolic links. ENOENT when nothing is
-  /// there.
+  /// The absolute path without ".", "..", doubled slashes and symbolic links. ENOENT when nothing
+  /// is there.
   [[nodiscard]] virtual Result<Path> resolve(const Path& path) = 0;
 
   /// The items of a folder. The folder's access date stays as it is where the system allows that.

@@ -1,6 +1,7 @@
 #include "PlatformKit/Unicode.h"
 
 #include <cstdint>
+
 #include <unicode/locid.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>

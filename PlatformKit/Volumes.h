@@ -1,11 +1,11 @@
 #pragma once
 
+#include "PlatformKit/FileSystem.h"
+
 #include <compare>
 #include <cstdint>
 #include <optional>
 #include <string>
-
-#include "PlatformKit/FileSystem.h"
 
 namespace PlatformKit {
 
@@ -25,11 +25,13 @@ struct DeviceNumber {
 /// What is known of the volume that holds an item; what could not be read is absent.
 struct VolumeFacts {
   std::optional<VolumeIdentifier> identifier;
-  std::optional<Path> root;         ///< where the volume is mounted
-  std::optional<std::string> name;  ///< its label, else the mount point's name; UTF-8 if all is well
-  std::optional<std::uint64_t> available;                 ///< bytes free to this user
-  std::optional<std::uint64_t> availableForImportantUse;  ///< bytes, where the system tells them apart
-  std::optional<DeviceNumber> device;                     ///< none for network and memory volumes
+  std::optional<Path> root;  ///< where the volume is mounted
+  std::optional<std::string>
+      name;  ///< its label, else the mount point's name; UTF-8 if all is well
+  std::optional<std::uint64_t> available;  ///< bytes free to this user
+  std::optional<std::uint64_t>
+      availableForImportantUse;        ///< bytes, where the system tells them apart
+  std::optional<DeviceNumber> device;  ///< none for network and memory volumes
 };
 
 /// Facts about mounted volumes. Any thread; a dead network volume can block for long.

@@ -1,8 +1,8 @@
 #include "PlatformKit/WorkerPool.h"
 
-#include <algorithm>
-
 #include "PlatformKit/Posix/SignalMask.h"
+
+#include <algorithm>
 
 namespace PlatformKit {
 
@@ -18,7 +18,9 @@ WorkerPool::WorkerPool(std::size_t threads) {
   }
 }
 
-WorkerPool::~WorkerPool() { stopAndJoin(); }
+WorkerPool::~WorkerPool() {
+  stopAndJoin();
+}
 
 void WorkerPool::stopAndJoin() {
   {
@@ -29,7 +31,9 @@ void WorkerPool::stopAndJoin() {
   for (std::thread& thread : threads_) thread.join();
 }
 
-void WorkerPool::parallelFor(std::size_t count, const Job& job) { start(count, job).wait(); }
+void WorkerPool::parallelFor(std::size_t count, const Job& job) {
+  start(count, job).wait();
+}
 
 WorkerPool::Batch WorkerPool::start(std::size_t count, const Job& job) {
   {

@@ -1,16 +1,17 @@
 #include "PlatformKit/Linux/LinuxFileSystem.h"
 
+#include "PlatformKit/Linux/LinuxFiles.h"
+#include "PlatformKit/Linux/Times.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
+
 #include <dirent.h>
 #include <fcntl.h>
-#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include "PlatformKit/Linux/LinuxFiles.h"
-#include "PlatformKit/Linux/Times.h"
 
 namespace PlatformKit {
 namespace {
@@ -46,7 +47,9 @@ struct CloseFolder {
   void operator()(DIR* folder) const { closedir(folder); }
 };
 
-int done(int result) { return result == 0 ? 0 : errno; }
+int done(int result) {
+  return result == 0 ? 0 : errno;
+}
 
 }  // namespace
 
@@ -100,7 +103,9 @@ Result<std::unique_ptr<WritableFile>> LinuxFileSystem::createFile(const Path& pa
   return std::unique_ptr<WritableFile>(std::make_unique<LinuxWritableFile>(std::move(fd)));
 }
 
-int LinuxFileSystem::createFolder(const Path& path) { return done(mkdir(path.c_str(), 0777)); }
+int LinuxFileSystem::createFolder(const Path& path) {
+  return done(mkdir(path.c_str(), 0777));
+}
 
 int LinuxFileSystem::moveWithoutReplacing(const Path& from, const Path& to) {
   if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return 0;
@@ -112,7 +117,9 @@ int LinuxFileSystem::moveWithoutReplacing(const Path& from, const Path& to) {
   return done(std::rename(from.c_str(), to.c_str()));
 }
 
-int LinuxFileSystem::removeFile(const Path& path) { return done(unlink(path.c_str())); }
+int LinuxFileSystem::removeFile(const Path& path) {
+  return done(unlink(path.c_str()));
+}
 
 int LinuxFileSystem::setDates(const Path& path, Date modified, std::optional<Date> /*created*/) {
   return done(

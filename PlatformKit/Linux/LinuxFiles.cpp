@@ -1,12 +1,13 @@
 #include "PlatformKit/Linux/LinuxFiles.h"
 
+#include "PlatformKit/Linux/Times.h"
+
 #include <algorithm>
 #include <cerrno>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include "PlatformKit/Linux/Times.h"
 
 namespace PlatformKit {
 namespace {
@@ -14,7 +15,8 @@ namespace {
 // Large enough for every drive's sectors; 512-byte drives accept it too.
 constexpr std::uint64_t kDirectAlignment = 4096;
 
-// The kernel cuts one request for read-ahead to the drive's read-ahead size, which is this by default.
+// The kernel cuts one request for read-ahead to the drive's read-ahead size, which is this by
+// default.
 constexpr std::uint64_t kReadAheadPiece = std::uint64_t{128} * 1024;
 
 bool isAligned(std::span<const std::byte> buffer, std::uint64_t offset) {
@@ -87,8 +89,7 @@ void LinuxReadableFile::leaveDirect() {
 
 void LinuxReadableFile::prefetch(std::uint64_t offset, std::uint64_t length) {
   for (std::uint64_t done = 0; done < length; done += kReadAheadPiece) {
-    advise(fd_.get(), offset + done, std::min(kReadAheadPiece, length - done),
-           POSIX_FADV_WILLNEED);
+    advise(fd_.get(), offset + done, std::min(kReadAheadPiece, length - done), POSIX_FADV_WILLNEED);
   }
 }
 
@@ -107,9 +108,9 @@ int LinuxWritableFile::startWriteback(std::uint64_t offset, std::uint64_t length
 }
 
 int LinuxWritableFile::finishWriteback(std::uint64_t offset, std::uint64_t length) {
-  const int error = syncRange(
-      fd_.get(), offset, length,
-      SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER);
+  const int error =
+      syncRange(fd_.get(), offset, length,
+                SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER);
   advise(fd_.get(), offset, length, POSIX_FADV_DONTNEED);
   return error;
 }
@@ -118,6 +119,8 @@ int LinuxWritableFile::setDates(Date modified, std::optional<Date> /*created*/) 
   return futimens(fd_.get(), modificationOnly(modified).data()) == 0 ? 0 : errno;
 }
 
-int LinuxWritableFile::flush() { return fsync(fd_.get()) == 0 ? 0 : errno; }
+int LinuxWritableFile::flush() {
+  return fsync(fd_.get()) == 0 ? 0 : errno;
+}
 
 }  // namespace PlatformKit

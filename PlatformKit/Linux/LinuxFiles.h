@@ -1,9 +1,9 @@
 #pragma once
 
-#include <atomic>
-
 #include "PlatformKit/FileSystem.h"
 #include "PlatformKit/Posix/UniqueFd.h"
+
+#include <atomic>
 
 namespace PlatformKit {
 

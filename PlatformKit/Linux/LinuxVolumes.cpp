@@ -1,14 +1,15 @@
 #include "PlatformKit/Linux/LinuxVolumes.h"
 
+#include "PlatformKit/Linux/MountTable.h"
+
 #include <cerrno>
 #include <charconv>
 #include <fstream>
 #include <iterator>
+
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/sysmacros.h>
-
-#include "PlatformKit/Linux/MountTable.h"
 
 namespace PlatformKit {
 namespace {
@@ -40,7 +41,8 @@ std::string withoutUdevEscapes(std::string_view text) {
   return result;
 }
 
-// Some file systems (btrfs) list a number of their own; the device is then behind the source's name.
+// Some file systems (btrfs) list a number of their own; the device is then behind the source's
+// name.
 std::optional<DeviceNumber> blockDeviceOf(const Mount& mount) {
   if (mount.device.major != 0) return mount.device;
   struct stat status {};

@@ -16,14 +16,16 @@ std::vector<std::string_view> fieldsOf(std::string_view line) {
   return fields;
 }
 
-bool isOctal(char c) { return c >= '0' && c <= '7'; }
+bool isOctal(char c) {
+  return c >= '0' && c <= '7';
+}
 
 // The kernel writes space, tab, line feed and backslash as a backslash and three octal digits.
 std::string unescaped(std::string_view field) {
   std::string text;
   for (std::size_t i = 0; i < field.size(); ++i) {
-    if (field[i] == '\\' && i + 3 < field.size() && isOctal(field[i + 1]) && isOctal(field[i + 2]) &&
-        isOctal(field[i + 3])) {
+    if (field[i] == '\\' && i + 3 < field.size() && isOctal(field[i + 1]) &&
+        isOctal(field[i + 2]) && isOctal(field[i + 3])) {
       text += static_cast<char>((field[i + 1] - '0') * 64 + (field[i + 2] - '0') * 8 +
                                 (field[i + 3] - '0'));
       i += 3;
@@ -52,7 +54,8 @@ std::optional<Mount> mountOf(std::string_view line) {
   if (std::distance(dash, fields.end()) < 3) return std::nullopt;
   const auto device = deviceOf(fields[2]);
   if (!device) return std::nullopt;
-  return Mount{*device, Path(unescaped(fields[4])), std::string(*(dash + 1)), unescaped(*(dash + 2))};
+  return Mount{*device, Path(unescaped(fields[4])), std::string(*(dash + 1)),
+               unescaped(*(dash + 2))};
 }
 
 bool holds(const Path& folder, const Path& path) {

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "PlatformKit/Volumes.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "PlatformKit/Volumes.h"
 
 namespace PlatformKit {
 

@@ -1,10 +1,11 @@
 #pragma once
 
+#include "PlatformKit/Dates.h"
+
 #include <array>
 #include <ctime>
-#include <sys/stat.h>
 
-#include "PlatformKit/Dates.h"
+#include <sys/stat.h>
 
 namespace PlatformKit {
 

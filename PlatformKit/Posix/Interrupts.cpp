@@ -2,6 +2,7 @@
 
 #include <csignal>
 #include <cstdlib>
+
 #include <pthread.h>
 
 namespace PlatformKit {

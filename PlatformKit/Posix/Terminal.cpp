@@ -2,9 +2,10 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
+
 #include <langinfo.h>
 #include <locale.h>
-#include <string_view>
 #include <sys/ioctl.h>
 #include <unistd.h>
 

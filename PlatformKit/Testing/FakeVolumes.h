@@ -1,9 +1,9 @@
 #pragma once
 
+#include "PlatformKit/Volumes.h"
+
 #include <map>
 #include <set>
-
-#include "PlatformKit/Volumes.h"
 
 namespace PlatformKit::Testing {
 

@@ -1,6 +1,7 @@
 #include "PlatformKit/Testing/FaultyFileSystem.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <vector>
 
 namespace PlatformKit::Testing {
@@ -16,8 +17,7 @@ class FaultyReadableFile final : public ReadableFile {
   Result<std::size_t> readAt(std::span<std::byte> buffer, std::uint64_t offset) override {
     const Intervention intervention = owner_.ask(Call::read, path_, offset);
     if (intervention.error != 0) return ErrorNumber{intervention.error};
-    auto count =
-        below_->readAt(buffer.first(std::min(buffer.size(), intervention.limit)), offset);
+    auto count = below_->readAt(buffer.first(std::min(buffer.size(), intervention.limit)), offset);
     if (intervention.flipBit && count.ok() && count.value() > 0) buffer[0] ^= std::byte{1};
     return count;
   }
@@ -101,9 +101,20 @@ Result<Path> FaultyFileSystem::resolve(const Path& path) {
 }
 
 Result<FolderListing> FaultyFileSystem::list(const Path& folder) {
-  const int error = ask(Call::list, folder).error;
-  if (error != 0) return ErrorNumber{error};
-  return below_.list(folder);
+  const Intervention intervention = ask(Call::list, folder);
+  if (intervention.error != 0) return ErrorNumber{intervention.error};
+  auto listed = below_.list(folder);
+  if (!listed.ok()) return listed;
+  auto& entries = listed.value().entries;
+  if (entries.size() > intervention.limit) {
+    entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(intervention.limit), entries.end());
+    listed.value().error = EIO;
+  }
+  for (FolderEntry& entry : entries) {
+    const int error = ask(Call::entryStatus, folder / entry.name).error;
+    if (error != 0) entry.status = ErrorNumber{error};
+  }
+  return listed;
 }
 
 Result<std::unique_ptr<ReadableFile>> FaultyFileSystem::openForReading(const Path& path,

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "PlatformKit/FileSystem.h"
+
 #include <atomic>
 #include <cstddef>
 #include <functional>
@@ -7,15 +9,15 @@
 #include <mutex>
 #include <string>
 
-#include "PlatformKit/FileSystem.h"
-
 namespace PlatformKit::Testing {
 
-/// The calls of the seam. `setFileDates` is the one on an open file.
+/// The calls of the seam. `setFileDates` is the one on an open file; `entryStatus` stands for what
+/// a listing says of one entry.
 enum class Call {
   status,
   resolve,
   list,
+  entryStatus,
   openForReading,
   read,
   createFile,
@@ -36,7 +38,8 @@ enum class Call {
 /// What a test does to one call.
 struct Intervention {
   int error = 0;  ///< not 0: the call is not made and answers this error
-  /// A read or write transfers at most so many bytes.
+  /// A read or write transfers at most so many bytes; a listing breaks off with EIO after so many
+  /// entries.
   std::size_t limit = std::numeric_limits<std::size_t>::max();
   bool flipBit = false;  ///< one bit of the first byte read or written is wrong
 };
@@ -75,8 +78,7 @@ class FaultyFileSystem final : public FileSystem {
   [[nodiscard]] int createFolder(const Path& path) override;
   [[nodiscard]] int moveWithoutReplacing(const Path& from, const Path& to) override;
   [[nodiscard]] int removeFile(const Path& path) override;
-  [[nodiscard]] int setDates(const Path& path, Date modified,
-                             std::optional<Date> created) override;
+  [[nodiscard]] int setDates(const Path& path, Date modified, std::optional<Date> created) override;
   [[nodiscard]] int flushFolder(const Path& folder) override;
   [[nodiscard]] int flushVolume(const Path& folder) override;
   [[nodiscard]] int checkWritable(const Path& path) override;

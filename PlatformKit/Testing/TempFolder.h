@@ -1,9 +1,9 @@
 #pragma once
 
+#include "PlatformKit/FileSystem.h"
+
 #include <string>
 #include <string_view>
-
-#include "PlatformKit/FileSystem.h"
 
 namespace PlatformKit::Testing {
 

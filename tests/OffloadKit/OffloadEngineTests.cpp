@@ -1,0 +1,297 @@
+#include "OffloadKit/OffloadEngine.h"
+#include "tests/OffloadKit/OffloadFixture.h"
+
+#include <atomic>
+#include <cerrno>
+#include <fstream>
+
+namespace OffloadKit {
+namespace {
+
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::Property;
+using Phase = OffloadProgress::Phase;
+
+class Offload : public OffloadFixture {
+ protected:
+  void addCard() {
+    addFile("DCIM/100CANON/IMG_0001.CR3", pattern(5 * kChunk + 123, 1));
+    addFile("DCIM/100CANON/IMG_0002.CR3", pattern(kChunk, 2));
+    addFile("DCIM/100CANON/IMG_0003.CR3", pattern(1000, 3));
+    addFile("empty", "");
+    addFile(".hidden/x", "hidden");
+  }
+};
+
+TEST_F(Offload, copiesEverythingToAllDrivesAndResumesWithoutWriting) {
+  addCard();
+  for (const auto algorithm : HashKit::allHashAlgorithms()) {
+    for (int number = 1; number <= 3; ++number) std::filesystem::remove_all(copies(number));
+    auto wanted = plan(3);
+    wanted.algorithm = algorithm;
+    const auto before = cardState();
+    const OffloadResult first = run(wanted);
+    EXPECT_TRUE(first.allVerified());
+    for (const auto& file : first.files) {
+      EXPECT_THAT(file.outcomes, Each(Outcome::verified(false)));
+      const std::string content = readFile(card_ / file.file.relativePath);
+      EXPECT_EQ(file.hash, HashKit::hash(algorithm, std::as_bytes(std::span(content))));
+    }
+    for (int number = 1; number <= 3; ++number) expectIdentical(number);
+
+    fileSystem_.setScript([](const CallInfo& info) {
+      EXPECT_TRUE(info.call != Call::createFile && info.call != Call::move &&
+                  info.call != Call::setDates && info.call != Call::remove)
+          << info.path;
+      return Intervention{};
+    });
+    for (const auto& file : run(wanted).files) {
+      EXPECT_THAT(file.outcomes, Each(Outcome::verified(true)));
+    }
+    fileSystem_.setScript({});
+    EXPECT_EQ(cardState(), before);
+  }
+  expectNothingPending();
+}
+
+TEST_F(Offload, copiesNamesOfAnyBytes) {
+  for (const std::string& name :
+       {std::string("two\nlines"), std::string("quote\"'<&>"), std::string("invalid\xFF\xC3utf"),
+        std::string("e\xCC\x81"), std::string("\xC3\xA9"), std::string("\xF0\x9F\x8E\xA5"),
+        std::string(255, 'n'), std::string("-dash"), std::string(" "), std::string("IMG"),
+        std::string(".IMG.zmpart")}) {
+    addFile("d/" + name, name);
+  }
+  EXPECT_TRUE(run(plan()).allVerified());
+  expectIdentical(1);
+  expectIdentical(2);
+}
+
+TEST_F(Offload, countsEveryByteOfItsWorkOnce) {
+  addFile("a", pattern(3 * kChunk));
+  addFile("b", pattern(10));
+  std::vector<OffloadProgress> reports;
+  OffloadEngine(system_).run(plan(2), [&](const OffloadProgress& p) { reports.push_back(p); });
+
+  std::vector<Phase> phases;
+  for (const auto& report : reports) phases.push_back(report.phase);
+  EXPECT_THAT(phases, ElementsAre(Phase::scanning, Phase::copying, Phase::copying, Phase::copying,
+                                  Phase::copying, Phase::verifying, Phase::copying, Phase::copying,
+                                  Phase::verifying, Phase::finishing));
+  const double total = 4.0 * (3 * kChunk + 10);
+  EXPECT_EQ(reports[0].filesTotal, 0U);
+  EXPECT_DOUBLE_EQ(reports[2].fraction, kChunk / total);
+  EXPECT_DOUBLE_EQ(reports[5].fraction, 4.0 * 3 * kChunk / total);
+  EXPECT_EQ(reports[6].filesDone, 1U);
+  EXPECT_EQ(reports[6].currentFile, "b");
+  EXPECT_DOUBLE_EQ(reports[8].fraction, 1);
+  EXPECT_EQ(reports[9].filesDone, 2U);
+  EXPECT_EQ(reports[9].currentFile, "");
+}
+
+TEST_F(Offload, tellsTheAverageRateInSourceBytes) {
+  // Every look at the clock finds ten seconds gone.
+  class StridingClock final : public PlatformKit::Clock {
+   public:
+    [[nodiscard]] PlatformKit::Date now() const override {
+      return PlatformKit::Date(std::chrono::seconds(10) * ++looks_);
+    }
+
+   private:
+    mutable std::atomic<int> looks_ = 0;
+  } clock;
+  addFile("a", pattern(1000));
+  std::vector<double> rates;
+  OffloadEngine({fileSystem_, volumes_, clock}).run(plan(2), [&](const OffloadProgress& progress) {
+    rates.push_back(progress.bytesPerSecond);
+  });
+  // Work weight 4: copied after 20 s, wholly verified after 30 s.
+  EXPECT_THAT(rates, ElementsAre(0, 0, 1000.0 / 4 / 20, 1000.0 / 30, 0));
+}
+
+TEST_F(Offload, refusesACardWithoutFilesAndAnImpossiblePlan) {
+  addFile(".DS_Store", "x");
+  EXPECT_EQ(offloadErrorOf([&] { run(plan()); }), "There are no files on the card to offload.");
+  auto wanted = plan();
+  wanted.chunkSize = 0;
+  EXPECT_THROW(run(wanted), std::invalid_argument);
+  addFile("a", "x");
+  writeFile(copies(2).parent_path(), "a file where the folder should be");
+  EXPECT_EQ(offloadErrorOf([&] { run(plan()); }),
+            "T2 (A001) isn't available or can't be written to.");
+}
+
+TEST_F(Offload, countsNoFilesForSpaceWhenAskedNotTo) {
+  addFile("a", pattern(100'000));
+  setRoom(1, 16'777'216);
+  EXPECT_THROW(run(plan(1)), OffloadError);
+  EXPECT_TRUE(OffloadEngine(system_).run(plan(1), false, [](const auto&) {}).allVerified());
+}
+
+TEST_F(Offload, handsOverWhatTheScanCouldNotReadWithoutFailingTheRest) {
+  addFile("good", "x");
+  addFile("locked/a", "x");
+  fileSystem_.setScript(FaultyFileSystem::failing(Call::list, "locked", EACCES));
+  const auto result = run(plan(1));
+  EXPECT_TRUE(result.allVerified());
+  EXPECT_THAT(result.unreadable, ElementsAre(UnreadableItem{"locked", "Permission denied"}));
+}
+
+TEST_F(Offload, findsACopyThatChangedBetweenWritingAndReadingBack) {
+  addFile("a", pattern(200'000));
+  addFile("b", pattern(10));
+  OffloadEngine engine(system_);
+  engine.afterWrite = [&](const Path& copy) {
+    if (copy.native().find("drive2") == std::string::npos || copy.filename() != ".a.zmpart") return;
+    std::fstream stream(copy, std::ios::in | std::ios::out | std::ios::binary);
+    stream.seekp(150'000);
+    stream.put('\x55');
+  };
+  const auto result = engine.run(plan(3), [](const auto&) {});
+  EXPECT_THAT(
+      result.files[0].outcomes,
+      ElementsAre(Outcome::verified(false), Outcome::failed("The copy didn't match the original"),
+                  Outcome::verified(false)));
+  EXPECT_THAT(result.files[1].outcomes, Each(Outcome::verified(false)));
+  EXPECT_THAT(result.destinationErrors, IsEmpty());
+  EXPECT_FALSE(std::filesystem::exists(copies(2) / "a"));
+  expectNothingPending();
+}
+
+TEST_F(Offload, findsAResumedCopyWithOtherContentAndLeavesItAlone) {
+  addFile("a", pattern(100'000, 1));
+  writeFile(copies(1) / "a", pattern(100'000, 2));
+  std::filesystem::last_write_time(copies(1) / "a", std::filesystem::last_write_time(card_ / "a"));
+  const auto result = run(plan());
+  EXPECT_THAT(
+      result.files[0].outcomes,
+      ElementsAre(Outcome::failed("The copy didn't match the original"), Outcome::verified(false)));
+  EXPECT_EQ(readFile(copies(1) / "a"), pattern(100'000, 2));
+}
+
+TEST_F(Offload, findsACardThatReadsDifferentlyTheSecondTime) {
+  addFile("a", pattern(200'000));
+  addFile("b", "fine");
+  int opened = 0;
+  fileSystem_.setScript([&](const CallInfo& info) {
+    const bool theFile = info.path == card_ / "a";
+    if (theFile && info.call == Call::openForReading) ++opened;
+    Intervention intervention;
+    intervention.flipBit = theFile && info.call == Call::read && opened == 2 && info.offset > 0;
+    return intervention;
+  });
+  const auto result = run(plan());
+  EXPECT_THAT(result.files[0].outcomes,
+              Each(Outcome::failed("The card couldn't be read: a read differently the second time. "
+                                   "The card or reader may be failing.")));
+  EXPECT_EQ(result.files[0].hash, std::nullopt);
+  EXPECT_THAT(result.files[1].outcomes, Each(Outcome::verified(false)));
+  EXPECT_THAT(tree(copies(1)), ElementsAre("b"));
+  expectNothingPending();
+
+  opened = 0;
+  std::filesystem::remove_all(copies(1));
+  auto once = plan(1);
+  once.verifySource = false;
+  EXPECT_TRUE(run(once).allVerified());
+  EXPECT_EQ(opened, 1);
+}
+
+TEST_F(Offload, failsAFileThatChangesBetweenScanAndCopy) {
+  const std::pair<std::function<void()>, std::string> changes[] = {
+      {[&] { writeFile(card_ / "b", pattern(kChunk + 1)); },
+       "b changed size while it was being read"},
+      {[&] { writeFile(card_ / "b", pattern(99)); }, "b changed size while it was being read"},
+      {[&] { std::filesystem::remove(card_ / "b"); }, "b: No such file or directory"},
+      {[&] {
+         std::filesystem::remove(card_ / "b");
+         std::filesystem::create_symlink("a", card_ / "b");
+       },
+       "b: Too many levels of symbolic links"},
+      {[&] {
+         std::filesystem::remove(card_ / "b");
+         std::filesystem::create_directory(card_ / "b");
+       },
+       "b: Is a directory"},
+  };
+  for (const auto& [change, message] : changes) {
+    std::filesystem::remove_all(copies(1));
+    std::filesystem::remove_all(card_ / "b");
+    for (const char* name : {"a", "b", "c"}) addFile(name, pattern(kChunk));
+    bool changed = false;
+    const auto result = OffloadEngine(system_).run(plan(1), [&, &act = change](const auto& p) {
+      if (p.currentFile == "b" && !std::exchange(changed, true)) act();
+    });
+    EXPECT_THAT(result.files[1].outcomes,
+                ElementsAre(Outcome::failed("The card couldn't be read: " + message)));
+    EXPECT_THAT(tree(copies(1)), ElementsAre("a", "c"));
+    expectNothingPending();
+  }
+}
+
+TEST_F(Offload, stopsAtAnyReportAndLeavesOnlyVerifiedFiles) {
+  addCard();
+  int reports = 0;
+  run(plan());
+  OffloadEngine(system_).run(plan(), [&](const auto&) { ++reports; });
+  ASSERT_GT(reports, 10);
+  // The last two reports say that every file is done; a stop then comes too late.
+  for (int stopAt = 1; stopAt < reports - 1; ++stopAt) {
+    for (int number = 1; number <= 2; ++number) std::filesystem::remove_all(copies(number));
+    OffloadEngine engine(system_);
+    int seen = 0;
+    const auto stop = [&](const OffloadProgress&) {
+      if (++seen == stopAt) engine.cancel();
+    };
+    EXPECT_EQ(offloadErrorOf([&] { engine.run(plan(), stop); }), "The offload was stopped.");
+    expectNothingPending();
+    for (const std::string& item : tree(copies(1))) {
+      if (item.ends_with('/')) continue;
+      EXPECT_EQ(readFile(copies(1) / item), readFile(card_ / item));
+    }
+    EXPECT_TRUE(run(plan()).allVerified());
+    expectIdentical(2);
+  }
+}
+
+TEST_F(Offload, makesItsFoldersDurableOnceAtTheEnd) {
+  addFile("DCIM/100/a", "x");
+  addFile("DCIM/100/b", "x");
+  std::map<Path, int> flushed;
+  bool allMoved = false;
+  fileSystem_.setScript([&](const CallInfo& info) {
+    if (info.call == Call::move) allMoved = info.path.filename() == "b";
+    if (info.call == Call::flushFolder) {
+      EXPECT_TRUE(allMoved);
+      ++flushed[info.path];
+    }
+    return Intervention{};
+  });
+  run(plan(1));
+  const Path top = copies(1);
+  EXPECT_THAT(flushed, ElementsAre(std::pair(drive(1), 1), std::pair(top.parent_path(), 1),
+                                   std::pair(top, 1), std::pair(top / "DCIM", 1),
+                                   std::pair(top / "DCIM/100", 1)));
+}
+
+TEST_F(Offload, readsTheCardTwiceAndFlushesEveryCopyOnce) {
+  addFile("a", pattern(40 * kChunk));
+  std::map<Call, int> calls;
+  fileSystem_.setScript([&](const CallInfo& info) {
+    ++calls[info.call];
+    return Intervention{};
+  });
+  run(plan(2));
+  EXPECT_EQ(calls[Call::createFile], 2);
+  EXPECT_EQ(calls[Call::openForReading], 4);
+  EXPECT_EQ(calls[Call::flush], 2);
+  EXPECT_EQ(calls[Call::write], 80);
+  // The card once in chunks and once in halves of them, each copy in halves.
+  EXPECT_GE(calls[Call::read], 41 + 3 * 80);
+  EXPECT_LE(calls[Call::read], 41 + 3 * 82);
+}
+
+}  // namespace
+}  // namespace OffloadKit

@@ -1,0 +1,80 @@
+#include "tests/OffloadKit/OffloadFixture.h"
+
+namespace OffloadKit {
+
+using PlatformKit::Date;
+
+OffloadFixture::OffloadFixture() {
+  std::filesystem::create_directories(card_);
+  for (int number = 1; number <= 3; ++number) {
+    std::filesystem::create_directories(drive(number));
+    setRoom(number, 1'000'000'000'000);
+  }
+}
+
+Path OffloadFixture::drive(int number) const {
+  return folder_.path() / ("drive" + std::to_string(number));
+}
+
+void OffloadFixture::setRoom(int number, std::uint64_t bytes) {
+  PlatformKit::VolumeFacts facts;
+  facts.identifier = PlatformKit::VolumeIdentifier{1000U + static_cast<unsigned>(number)};
+  facts.root = drive(number);
+  facts.name = "T" + std::to_string(number);
+  facts.available = bytes;
+  facts.device = device(number);
+  volumes_.lay(drive(number), facts);
+}
+
+void OffloadFixture::addFile(const std::string& relativePath, const std::string& content) {
+  writeFile(card_ / relativePath, content);
+  const Date modified(std::chrono::seconds(1'790'000'000) + std::chrono::milliseconds(250));
+  ASSERT_EQ(linux_.setDates(card_ / relativePath, modified, std::nullopt), 0);
+}
+
+OffloadPlan OffloadFixture::plan(int drives) const {
+  OffloadPlan plan;
+  plan.source = card_;
+  plan.sourceName = "A001";
+  for (int number = 1; number <= drives; ++number) plan.destinations.push_back(copies(number));
+  plan.algorithm = HashKit::HashAlgorithm::xxh64;
+  plan.verifySource = true;
+  plan.chunkSize = kChunk;
+  return plan;
+}
+
+OffloadResult OffloadFixture::run(const OffloadPlan& plan) {
+  return OffloadEngine(system_).run(plan, [](const OffloadProgress&) {});
+}
+
+void OffloadFixture::expectIdentical(int number) const {
+  EXPECT_EQ(tree(copies(number)), tree(card_));
+  for (const std::string& item : tree(card_)) {
+    if (item.ends_with('/')) continue;
+    EXPECT_EQ(readFile(copies(number) / item), readFile(card_ / item)) << item;
+    EXPECT_EQ(std::filesystem::last_write_time(copies(number) / item),
+              std::filesystem::last_write_time(card_ / item))
+        << item;
+  }
+}
+
+void OffloadFixture::expectNothingPending() const {
+  EXPECT_EQ(fileSystem_.openFiles(), 0);
+  for (int number = 1; number <= 3; ++number) {
+    for (const std::string& item : tree(drive(number))) {
+      EXPECT_FALSE(item.ends_with(".zmpart")) << item;
+    }
+  }
+}
+
+std::vector<std::string> OffloadFixture::cardState() const {
+  std::vector<std::string> state;
+  for (const std::string& item : tree(card_)) {
+    const auto date = std::filesystem::last_write_time(card_ / item).time_since_epoch().count();
+    state.push_back(item + " " + std::to_string(date) +
+                    (item.ends_with('/') ? "" : " " + readFile(card_ / item)));
+  }
+  return state;
+}
+
+}  // namespace OffloadKit

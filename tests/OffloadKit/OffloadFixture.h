@@ -1,0 +1,75 @@
+#pragma once
+
+#include "OffloadKit/OffloadEngine.h"
+#include "PlatformKit/Linux/LinuxFileSystem.h"
+#include "PlatformKit/Linux/LinuxVolumes.h"
+#include "PlatformKit/Testing/FakeVolumes.h"
+#include "PlatformKit/Testing/FaultyFileSystem.h"
+#include "PlatformKit/Testing/TempFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace OffloadKit {
+
+using Outcome = OffloadedFile::Outcome;
+using PlatformKit::Path;
+using PlatformKit::Testing::Call;
+using PlatformKit::Testing::CallInfo;
+using PlatformKit::Testing::FaultyFileSystem;
+using PlatformKit::Testing::Intervention;
+using PlatformKit::Testing::pattern;
+using PlatformKit::Testing::readFile;
+using PlatformKit::Testing::tree;
+using PlatformKit::Testing::writeFile;
+
+/// A card and three drives in a temporary folder. Every drive is a volume with a name ("T1", "T2",
+/// "T3"), a device and a terabyte of room; faults can be put on every call.
+class OffloadFixture : public ::testing::Test {
+ protected:
+  static constexpr std::size_t kChunk = 64 * 1024;
+
+  OffloadFixture();
+
+  /// Where drive `number` (1 to 3) is mounted, and the folder on it that receives the copies.
+  [[nodiscard]] Path drive(int number) const;
+  [[nodiscard]] Path copies(int number) const { return drive(number) / "2026-10-07" / "A001"; }
+  static PlatformKit::DeviceNumber device(int number) { return {8, static_cast<unsigned>(number)}; }
+  void setRoom(int number, std::uint64_t bytes);
+
+  /// Puts a file on the card, modified at a date with a fraction of a second.
+  void addFile(const std::string& relativePath, const std::string& content);
+  [[nodiscard]] OffloadPlan plan(int drives = 2) const;
+  /// Runs the plan in a new engine.
+  OffloadResult run(const OffloadPlan& plan);
+
+  /// Every file of the card lies on the drive, byte for byte and with its date, and nothing else.
+  void expectIdentical(int number) const;
+  /// No temporary copy is left on any drive and no file open.
+  void expectNothingPending() const;
+  /// What a scan of the card reads: names, content and dates.
+  [[nodiscard]] std::vector<std::string> cardState() const;
+
+  PlatformKit::Testing::TempFolder folder_;
+  const Path card_ = folder_.path() / "card";
+  PlatformKit::LinuxFileSystem linux_;
+  PlatformKit::LinuxVolumes linuxVolumes_;
+  PlatformKit::SystemClock clock_;
+  FaultyFileSystem fileSystem_{linux_};
+  PlatformKit::Testing::FakeVolumes volumes_{linuxVolumes_};
+  PlatformKit::System system_{fileSystem_, volumes_, clock_};
+};
+
+/// The error that `action` throws; fails the test when it throws none.
+template <class Action>
+std::string offloadErrorOf(Action action) {
+  try {
+    action();
+  } catch (const OffloadError& error) {
+    return error.errorDescription();
+  }
+  ADD_FAILURE() << "no OffloadError was thrown";
+  return {};
+}
+
+}  // namespace OffloadKit

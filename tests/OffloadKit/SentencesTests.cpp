@@ -1,0 +1,64 @@
+#include "OffloadKit/ErrorSentences.h"
+#include "OffloadKit/Format.h"
+#include "tests/OffloadKit/OffloadFixture.h"
+
+#include <cerrno>
+#include <cstring>
+
+namespace OffloadKit {
+namespace {
+
+TEST(describe, givesDriveSentencesForDriveErrorsAndTheSystemsTextForTheRest) {
+  const std::pair<int, const char*> sentences[] = {
+      {EPERM, "No permission to write here"},
+      {EACCES, "No permission to write here"},
+      {EIO, "The drive reported a write error"},
+      {ENXIO, "The drive was disconnected"},
+      {ENODEV, "The drive was disconnected"},
+      {ENOSPC, "The drive is full"},
+      {ENOENT, std::strerror(ENOENT)},
+      {EROFS, "Read-only file system"},
+      {0, "The drive reported a write error"},
+      {-1, "The drive reported a write error"},
+      {9999, "The drive reported a write error"},
+  };
+  for (const auto& [error, sentence] : sentences) EXPECT_EQ(describe(error), sentence) << error;
+  EXPECT_TRUE(endsTheDrive(ENOSPC));
+  EXPECT_FALSE(endsTheDrive(EACCES));
+  EXPECT_FALSE(endsTheDrive(EROFS));
+}
+
+TEST(Format, writesSpansOfTimeAndNumbersForPeople) {
+  EXPECT_EQ(Format::duration(59.4), "59 s");
+  EXPECT_EQ(Format::duration(59.5), "1 min 0 s");
+  EXPECT_EQ(Format::duration(3599.4), "59 min 59 s");
+  EXPECT_EQ(Format::duration(3600), "1 h 0 min");
+  EXPECT_EQ(Format::duration(7500), "2 h 5 min");
+  EXPECT_EQ(Format::duration(-3), "0 s");
+  EXPECT_EQ(Format::duration(std::numeric_limits<double>::quiet_NaN()), "0 s");
+  EXPECT_EQ(Format::duration(std::numeric_limits<double>::infinity()).substr(0, 6), "277777");
+  EXPECT_EQ(Format::counted(1, "file"), "1 file");
+  EXPECT_EQ(Format::counted(0, "file"), "0 files");
+  EXPECT_EQ(Format::counted(1'234'567, "file"), "1,234,567 files");
+}
+
+using Names = OffloadFixture;
+
+TEST_F(Names, destinationsAreKnownByTheirVolumeAndFolder) {
+  EXPECT_EQ(displayName(system_, copies(1)), "T1 (A001)");
+  PlatformKit::VolumeFacts nameless;
+  volumes_.lay(drive(2), nameless);
+  EXPECT_EQ(displayName(system_, copies(2)), copies(2).native());
+}
+
+TEST_F(Names, theNearestExistingFolderIsFoundAboveWhatIsMissing) {
+  EXPECT_EQ(nearestExisting(fileSystem_, copies(1)), drive(1));
+  EXPECT_EQ(nearestExisting(fileSystem_, drive(1)), drive(1));
+  EXPECT_EQ(nearestExisting(fileSystem_, "/no-such-folder/a/b"), "/");
+  addFile("IMG.CR3", "x");
+  EXPECT_EQ(nearestExisting(fileSystem_, card_ / "IMG.CR3" / "below" / "a" / "file"),
+            card_ / "IMG.CR3");
+}
+
+}  // namespace
+}  // namespace OffloadKit

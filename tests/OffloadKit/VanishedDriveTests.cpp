@@ -1,0 +1,85 @@
+#include "tests/OffloadKit/OffloadFixture.h"
+
+#include <cerrno>
+
+namespace OffloadKit {
+namespace {
+
+using ::testing::Each;
+using ::testing::ElementsAre;
+
+class VanishedDrive : public OffloadFixture {
+ protected:
+  // From the first such call for the file "b" on the second drive on, every call there answers
+  // `error`, as a pulled drive does.
+  void pullAt(Call call, int error) {
+    gone_ = false;
+    fileSystem_.setScript([this, call, error](const CallInfo& info) {
+      const bool there = info.path.native().starts_with(drive(2).native());
+      const bool theFile = info.path.filename() == "b" || info.path.filename() == ".b.zmpart";
+      if (there && theFile && info.call == call) {
+        gone_ = true;
+        volumes_.pull(device(2));
+      }
+      return Intervention{gone_ && there ? error : 0};
+    });
+  }
+  bool gone_ = false;
+};
+
+TEST_F(VanishedDrive, isGivenUpWhateverTheKernelCallsItAndWheneverItGoes) {
+  const auto disconnected = Outcome::failed("The drive was disconnected");
+  for (const Call call : {Call::createFile, Call::write, Call::flush, Call::move}) {
+    for (const int error : {EIO, EROFS, ENOTCONN, ESHUTDOWN, ENODATA}) {
+      for (int number = 1; number <= 2; ++number) std::filesystem::remove_all(drive(number));
+      std::filesystem::create_directories(drive(1));
+      std::filesystem::create_directories(drive(2));
+      for (const char* name : {"a", "b", "c"}) addFile(name, pattern(1000));
+      pullAt(call, error);
+      const auto result = run(plan());
+      ASSERT_TRUE(gone_);
+      EXPECT_EQ(result.files[1].outcomes[1], disconnected);
+      EXPECT_EQ(result.files[2].outcomes[1], disconnected);
+      EXPECT_EQ(result.verifiedCount(0), 3U);
+      EXPECT_THAT(result.destinationErrors,
+                  ElementsAre(std::pair(1U, "The drive was disconnected")));
+      EXPECT_EQ(result.files[0].outcomes[1], Outcome::verified(false));
+    }
+  }
+}
+
+TEST_F(VanishedDrive, isGivenUpWhenItGoesDuringTheReadBack) {
+  for (const char* name : {"a", "b", "c"}) addFile(name, pattern(1000));
+  pullAt(Call::openForReading, EIO);
+  const auto result = run(plan());
+  EXPECT_EQ(result.files[1].outcomes[1], Outcome::failed("The copy couldn't be read back"));
+  EXPECT_EQ(result.files[2].outcomes[1], Outcome::failed("The drive was disconnected"));
+  EXPECT_EQ(result.verifiedCount(0), 3U);
+}
+
+TEST_F(VanishedDrive, takesItsVerdictAlongWhenItGoesBeforeTheNamesAreDurable) {
+  for (const char* name : {"a", "b"}) addFile(name, pattern(1000));
+  fileSystem_.setScript([&](const CallInfo& info) {
+    const bool hit = info.call == Call::flushFolder && info.path == copies(2);
+    if (hit) volumes_.pull(device(2));
+    return Intervention{hit ? EIO : 0};
+  });
+  const auto result = run(plan());
+  EXPECT_EQ(result.verifiedCount(0), 2U);
+  EXPECT_EQ(result.verifiedCount(1), 0U);
+  EXPECT_EQ(result.files[0].outcomes[1], Outcome::failed("The drive was disconnected"));
+  EXPECT_THAT(result.destinationErrors, ElementsAre(std::pair(1U, "The drive was disconnected")));
+}
+
+TEST_F(VanishedDrive, isNotSuspectedWhileItsDeviceIsStillThere) {
+  for (const char* name : {"a", "b", "c"}) addFile(name, pattern(1000));
+  fileSystem_.setScript(
+      FaultyFileSystem::failing(Call::createFile, "drive2/2026-10-07/A001/.b", EROFS));
+  const auto result = run(plan());
+  EXPECT_EQ(result.files[1].outcomes[1], Outcome::failed("Read-only file system"));
+  EXPECT_THAT(result.files[2].outcomes, Each(Outcome::verified(false)));
+  EXPECT_TRUE(result.destinationErrors.empty());
+}
+
+}  // namespace
+}  // namespace OffloadKit
