@@ -17,7 +17,7 @@ struct DigestDeleter {
 
 [[noreturn]] void throwFailure(const std::string& what) {
   std::array<char, 256> reason{};
-  ERR_error_string_n(ERR_get_error(), reason.data(), reason.size());
+  ERR_error_string_n(ERR_peek_last_error(), reason.data(), reason.size());
   // Reasons left in this thread's queue would be blamed for a later failure.
   ERR_clear_error();
   throw std::runtime_error(what + " (" + reason.data() + ").");

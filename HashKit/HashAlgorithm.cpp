@@ -16,9 +16,11 @@ struct Description {
 std::unique_ptr<StreamingHasher> makeXXH64() {
   return std::make_unique<XXH64>(0);
 }
+
 std::unique_ptr<StreamingHasher> makeMD5() {
   return std::make_unique<CryptoHasher>("MD5");
 }
+
 std::unique_ptr<StreamingHasher> makeSHA256() {
   return std::make_unique<CryptoHasher>("SHA2-256");
 }

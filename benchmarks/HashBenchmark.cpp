@@ -27,7 +27,7 @@ constexpr std::size_t kPiecesPerDigest = 8;
 std::span<const std::byte> piece() {
   static const std::vector<std::byte> bytes = [] {
     std::vector<std::byte> random(kPieceSize);
-    std::mt19937_64 engine(1);  // NOLINT(cert-msc51-cpp): the same bytes in every run
+    std::mt19937_64 engine(1);
     for (std::byte& byte : random) byte = static_cast<std::byte>(engine());
     return random;
   }();
@@ -41,7 +41,7 @@ void reportSpeed(benchmark::State& state) {
 
 void digestOurs(benchmark::State& state, HashKit::HashAlgorithm algorithm) {
   const std::span<const std::byte> bytes = piece();
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     const auto hasher = HashKit::makeHasher(algorithm);
     for (std::size_t count = 0; count < kPiecesPerDigest; ++count) hasher->update(bytes);
     benchmark::DoNotOptimize(hasher->finalize());
@@ -53,7 +53,7 @@ void digestLibxxhash(benchmark::State& state) {
   const std::span<const std::byte> bytes = piece();
   const std::unique_ptr<XXH64_state_t, decltype(&XXH64_freeState)> hasher(XXH64_createState(),
                                                                           XXH64_freeState);
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     XXH64_reset(hasher.get(), 0);
     for (std::size_t count = 0; count < kPiecesPerDigest; ++count) {
       XXH64_update(hasher.get(), bytes.data(), bytes.size());
@@ -67,7 +67,7 @@ void digestOpenSSL(benchmark::State& state, const EVP_MD* (*function)()) {
   const std::span<const std::byte> bytes = piece();
   const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(),
                                                                         EVP_MD_CTX_free);
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     unsigned char digest[EVP_MAX_MD_SIZE];
     bool succeeded = EVP_DigestInit_ex(context.get(), function(), nullptr) == 1;
     for (std::size_t count = 0; count < kPiecesPerDigest; ++count) {
@@ -84,7 +84,7 @@ void digestOpenSSL(benchmark::State& state, const EVP_MD* (*function)()) {
 void absorbPlain(benchmark::State& state) {
   const std::span<const std::byte> bytes = piece();
   HashKit::XXH64Lanes lanes{};
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     for (std::size_t count = 0; count < kPiecesPerDigest; ++count) {
       HashKit::absorbXXH64StripesPlain(lanes, bytes);
     }
