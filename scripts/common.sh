@@ -1,0 +1,56 @@
+# shellcheck shell=bash disable=SC2034
+# Shared by ./run and ./test: what they need from Debian, and how they build. Sourced by bash.
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+build_packages=(
+  g++ cmake ninja-build pkg-config
+  libssl-dev libicu-dev libfmt-dev libcli11-dev nlohmann-json3-dev
+)
+test_packages=(libgtest-dev libgmock-dev)
+benchmark_packages=(libbenchmark-dev libxxhash-dev)
+
+# install_missing PACKAGE...: installs those that are not there yet, and says which.
+install_missing() {
+  local package missing=() as_root=()
+  for package in "$@"; do
+    [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] ||
+      missing+=("$package")
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
+  echo "Installing with apt-get: ${missing[*]}" >&2
+  if [ "$(id -u)" -ne 0 ]; then
+    if ! command -v sudo >/dev/null; then
+      echo "These packages are missing and there is no sudo. As root, run:" >&2
+      echo "  apt-get install ${missing[*]}" >&2
+      exit 1
+    fi
+    as_root=(sudo)
+  fi
+  quietly "${as_root[@]}" apt-get update
+  quietly "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y --no-install-recommends "${missing[@]}"
+}
+
+# quietly COMMAND...: its output is shown only when it fails.
+quietly() {
+  local log
+  log=$(mktemp)
+  if ! "$@" >"$log" 2>&1 </dev/null; then
+    cat "$log" >&2
+    rm -f "$log"
+    echo "Failed: $*" >&2
+    exit 1
+  fi
+  rm -f "$log"
+}
+
+# build PRESET: configures once, then builds what changed.
+build() {
+  cd "$root" || exit 1
+  if [ ! -e "build/$1/build.ninja" ]; then
+    echo "Building ($1), which takes a minute or two the first time …" >&2
+    quietly cmake --preset "$1"
+  fi
+  quietly cmake --build --preset "$1"
+}
