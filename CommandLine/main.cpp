@@ -5,17 +5,30 @@
 #include "PlatformKit/Linux/LinuxFileSystem.h"
 #include "PlatformKit/Linux/LinuxVolumes.h"
 
+#include <memory>
+
 #include <CLI/CLI.hpp>
 
 namespace {
 
+// The parser's own line of usage has a notation of its own for lists.
+class OffloadHelp final : public CLI::Formatter {
+ public:
+  std::string make_usage(const CLI::App* /*command*/, std::string /*name*/) const override {
+    return "Usage: zephrimark offload [OPTIONS] SOURCE DESTINATION [DESTINATION [DESTINATION]]\n";
+  }
+};
+
 void describeOffload(CLI::App& command, CommandLine::OffloadArguments& arguments) {
+  command.formatter(std::make_shared<OffloadHelp>());
   command.add_option("SOURCE", arguments.source, "The card, or any folder; it is only read")
+      ->type_name("FOLDER")
       ->required();
   command
       .add_option("DESTINATION", arguments.destinations,
                   "One to three folders, best on drives of their own")
       ->required()
+      ->type_name("FOLDER")
       ->expected(1, 3);
   command
       .add_option("--template", arguments.folderTemplate,

@@ -11,50 +11,35 @@
 namespace PlatformKit {
 namespace {
 
-/// The user's language for as long as it lives.
-class Language {
- public:
-  explicit Language(const char* name) { set(icu::Locale(name)); }
-  ~Language() { set(before_); }
-  Language(const Language&) = delete;
-  Language& operator=(const Language&) = delete;
+using Names = std::vector<std::string_view>;
 
- private:
-  static void set(const icu::Locale& locale) {
-    UErrorCode status = U_ZERO_ERROR;
-    icu::Locale::setDefault(locale, status);
-    EXPECT_TRUE(U_SUCCESS(status));
-  }
-
-  const icu::Locale before_ = icu::Locale::getDefault();
-};
-
-std::vector<std::string_view> ordered(const std::vector<std::string_view>& names) {
-  std::vector<std::string_view> result;
+Names ordered(const Names& names) {
+  Names result;
   for (const std::size_t position : fileBrowserOrder(names)) result.push_back(names.at(position));
   return result;
 }
 
-using Names = std::vector<std::string_view>;
-
-TEST(FileBrowserOrder, ComparesNumbersByValueAndIgnoresCaseInEveryLanguage) {
-  for (const char* name : {"en_US_POSIX", "en_US", "de_DE", "ja_JP"}) {
-    const Language language(name);
-    EXPECT_EQ(ordered({"A10.MOV", "a2.MOV", "A1.MOV"}), (Names{"A1.MOV", "a2.MOV", "A10.MOV"}));
-    EXPECT_EQ(ordered({"b", "C", "A", "ä", "Z"}), (Names{"A", "ä", "b", "C", "Z"})) << name;
-    EXPECT_EQ(ordered({"C 99999999999999999999", "C 100000000000000000000", "C 7"}).back(),
-              "C 100000000000000000000");
-  }
+/// The same for a user of this language.
+Names ordered(const char* language, const Names& names) {
+  const icu::Locale before = icu::Locale::getDefault();
+  UErrorCode status = U_ZERO_ERROR;
+  icu::Locale::setDefault(icu::Locale(language), status);
+  const Names result = ordered(names);
+  icu::Locale::setDefault(before, status);
+  EXPECT_TRUE(U_SUCCESS(status)) << language;
+  return result;
 }
 
-TEST(FileBrowserOrder, FollowsTheUsersLanguage) {
-  const Names names = {"z", "ö", "o"};
-  {
-    const Language german("de_DE");
-    EXPECT_EQ(ordered(names), (Names{"o", "ö", "z"}));
+TEST(FileBrowserOrder, ComparesNumbersByValueAndIgnoresCaseInEveryLanguage) {
+  for (const char* language : {"en_US_POSIX", "en_US", "de_DE", "ja_JP"}) {
+    EXPECT_EQ(ordered(language, {"A10.MOV", "a2.MOV", "A1.MOV"}),
+              (Names{"A1.MOV", "a2.MOV", "A10.MOV"}));
+    EXPECT_EQ(ordered(language, {"b", "C", "A", "ä", "Z"}), (Names{"A", "ä", "b", "C", "Z"}));
+    EXPECT_EQ(ordered(language, {"C 100000000000000000000", "C 99999999999999999999"}),
+              (Names{"C 99999999999999999999", "C 100000000000000000000"}));
   }
-  const Language swedish("sv_SE");
-  EXPECT_EQ(ordered(names), (Names{"o", "z", "ö"}));
+  EXPECT_EQ(ordered("de_DE", {"z", "ö", "o"}), (Names{"o", "ö", "z"}));
+  EXPECT_EQ(ordered("sv_SE", {"z", "ö", "o"}), (Names{"o", "z", "ö"}));
 }
 
 TEST(FileBrowserOrder, KeepsTheOrderOfNamesThatCompareEqual) {

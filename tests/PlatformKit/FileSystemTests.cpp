@@ -130,12 +130,10 @@ TEST_F(FaultyFileSystemTest, AFlippedBitIsWrongOnlyWhereTheScriptSaysSo) {
 
 TEST_F(FaultyFileSystemTest, OpenFilesCountsWhatIsOpenNow) {
   {
-    const auto writer = std::move(faulty_.createFile(at("a")).value());
-    const auto reader = std::move(faulty_.openForReading(at("a"), ReadMode::streamed).value());
-    EXPECT_EQ(faulty_.openFiles(), 2);
+    const auto writer = faulty_.createFile(at("a"));
+    const auto reader = faulty_.openForReading(at("a"), ReadMode::streamed);
     EXPECT_FALSE(faulty_.createFile(at("a")).ok());
     EXPECT_FALSE(faulty_.openForReading(at("missing"), ReadMode::streamed).ok());
-    EXPECT_TRUE(faulty_.list(temp_.path()).ok());
     EXPECT_EQ(faulty_.openFiles(), 2);
   }
   EXPECT_EQ(faulty_.openFiles(), 0);

@@ -98,57 +98,46 @@ TEST(ByteCount, IsToldInTheUnitAndWithTheDecimalsPeopleReadFileSizesIn) {
       {100'000'000'000, "100 GB"},
       {2'000'000'000'000, "2 TB"},
       {1'234'567'000'000'000, "1.23 PB"},
-      {std::numeric_limits<std::uint64_t>::max(), "18.45 EB"},
-  };
+      {std::numeric_limits<std::uint64_t>::max(), "18.45 EB"}};
   for (const auto& [bytes, text] : texts) EXPECT_EQ(byteCountText(bytes), text) << bytes;
 }
 
-/// The machine's time zone for as long as it lives.
-class TimeZone {
- public:
-  explicit TimeZone(const char* zone) { set(zone); }
-  ~TimeZone() { set(before_ ? before_->c_str() : nullptr); }
-  TimeZone(const TimeZone&) = delete;
-  TimeZone& operator=(const TimeZone&) = delete;
+class DatesInATimeZone : public ::testing::Test {
+ protected:
+  ~DatesInATimeZone() override { setZone(before_ ? before_->c_str() : nullptr); }
 
- private:
-  static void set(const char* zone) {
-    if (zone == nullptr) {
-      unsetenv("TZ");
-    } else {
-      setenv("TZ", zone, 1);
-    }
+  static void setZone(const char* zone) {
+    EXPECT_EQ(zone == nullptr ? unsetenv("TZ") : setenv("TZ", zone, 1), 0);
     tzset();
   }
 
+ private:
   const std::optional<std::string> before_ =
       getenv("TZ") == nullptr ? std::nullopt : std::optional<std::string>(getenv("TZ"));
 };
 
-TEST(Dates, AreLaidOutInTheMachinesTimeZoneOrInUtc) {
+TEST_F(DatesInATimeZone, AreLaidOutInThatZoneOrInUtc) {
   using namespace std::chrono;
   const Date summer = sys_days(year(2026) / 7 / 31) + 22h + 5min + 9s + 999'999'999ns;
   const Date winter = sys_days(year(2026) / 12 / 31) + 22h + 30min;
-  const TimeZone berlin("CET-1CEST,M3.5.0,M10.5.0/3");
+  setZone("CET-1CEST,M3.5.0,M10.5.0/3");
   EXPECT_EQ(localDateText(summer, "%Y-%m-%d %H%M"), "2026-08-01 0005");
   EXPECT_EQ(localDateText(winter, "%Y-%m-%d %H%M"), "2026-12-31 2330");
   EXPECT_EQ(utcDateText(summer, "%A %e %B"), "Friday 31 July");
   EXPECT_EQ(internetDateText(summer), "2026-07-31T22:05:09Z");
-  {
-    const TimeZone kathmandu("NPT-5:45");
-    EXPECT_EQ(localDateText(winter, "%Y-%m-%d %H:%M"), "2027-01-01 04:15");
-  }
-  EXPECT_EQ(localDateText(winter, "%H"), "23");
+  setZone("NPT-5:45");
+  EXPECT_EQ(localDateText(winter, "%Y-%m-%d %H:%M"), "2027-01-01 04:15");
 }
 
 TEST(Dates, BeforeTheYear1970AreRoundedDownToTheSecondToo) {
-  EXPECT_EQ(internetDateText(Date()), "1970-01-01T00:00:00Z");
-  EXPECT_EQ(internetDateText(Date(std::chrono::nanoseconds(-1))), "1969-12-31T23:59:59Z");
-  EXPECT_EQ(internetDateText(Date(std::chrono::nanoseconds(-1'000'000'000))),
-            "1969-12-31T23:59:59Z");
-  EXPECT_EQ(internetDateText(Date(std::chrono::nanoseconds(-1'000'000'001))),
-            "1969-12-31T23:59:58Z");
-  EXPECT_EQ(internetDateText(Date(-std::chrono::hours(24 * 365 * 100))), "1870-01-25T00:00:00Z");
+  const auto text = [](std::int64_t nanoseconds) {
+    return internetDateText(Date(std::chrono::nanoseconds(nanoseconds)));
+  };
+  EXPECT_EQ(text(0), "1970-01-01T00:00:00Z");
+  EXPECT_EQ(text(-1), "1969-12-31T23:59:59Z");
+  EXPECT_EQ(text(-1'000'000'000), "1969-12-31T23:59:59Z");
+  EXPECT_EQ(text(-1'000'000'001), "1969-12-31T23:59:58Z");
+  EXPECT_EQ(text(-3'153'600'000'000'000'000), "1870-01-25T00:00:00Z");
 }
 
 }  // namespace

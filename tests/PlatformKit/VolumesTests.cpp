@@ -168,25 +168,5 @@ TEST_F(LinuxVolumesOfAMachine, ADeviceIsGoneOnceTheMachineNoLongerListsIt) {
   EXPECT_TRUE(volumes_.isGone({8, 1}));
 }
 
-TEST(FakeVolumes, LaidFactsHoldBelowTheirRootAndPulledDevicesAreGone) {
-  const TempFolder temp;
-  FakeVolumes volumes(realVolumes);
-  VolumeFacts outer;
-  outer.available = 7;
-  outer.device = DeviceNumber{8, 1};
-  VolumeFacts inner;
-  inner.available = 8;
-  volumes.lay(temp.path() / "a", outer);
-  volumes.lay(temp.path() / "a/b", inner);
-  EXPECT_EQ(volumes.facts(temp.path() / "a").available, 7U);
-  EXPECT_EQ(volumes.facts(temp.path() / "a/bc/d").device, outer.device);
-  EXPECT_EQ(volumes.facts(temp.path() / "a/b/c").available, 8U);
-  EXPECT_EQ(volumes.facts(temp.path()).identifier, realVolumes.facts(temp.path()).identifier);
-  EXPECT_FALSE(volumes.isGone({8, 1}));
-  volumes.pull({8, 1});
-  EXPECT_TRUE(volumes.isGone({8, 1}));
-  EXPECT_FALSE(volumes.isGone({8, 2}));
-}
-
 }  // namespace
 }  // namespace PlatformKit::Testing
