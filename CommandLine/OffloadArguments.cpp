@@ -58,8 +58,10 @@ std::vector<Path> destinationFolders(PlatformKit::FileSystem& fileSystem,
   for (const std::string& destination : typed) {
     if (destination.empty()) throw ArgumentError("A destination is empty. Name a folder.");
     const Path folder = absolutePath(fileSystem, destination);
-    if (fileSystem.resolve(folder).ok() && !isFolder(fileSystem, folder)) {
-      throw ArgumentError(quoted(destination) + " is a file. Name a folder to copy to.");
+    const Path existing = OffloadKit::nearestExisting(fileSystem, folder);
+    if (!isFolder(fileSystem, existing)) {
+      throw ArgumentError(quoted(existing == folder ? destination : existing.native()) +
+                          " is a file. Name a folder to copy to.");
     }
     if (std::find(folders.begin(), folders.end(), folder) != folders.end()) {
       throw ArgumentError("The destination " + quoted(destination) +

@@ -40,7 +40,7 @@ void tellResult(const OffloadArguments& arguments, const OffloadKit::OffloadResu
 }
 
 void tellError(const std::string& sentence) {
-  printError("zephrimark: " + PlatformKit::singleLineText(sentence) + "\n");
+  printError(forThisTerminal("zephrimark: " + PlatformKit::singleLineText(sentence)) + "\n");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "HashKit/HashAlgorithm.h"
 #include "PlatformKit/Linux/LinuxFileSystem.h"
 #include "PlatformKit/Linux/LinuxVolumes.h"
+#include "PlatformKit/Posix/Terminal.h"
 
 #include <memory>
 
@@ -61,6 +62,7 @@ void describeOffload(CLI::App& command, CommandLine::OffloadArguments& arguments
 }  // namespace
 
 int main(int argc, char** argv) {
+  PlatformKit::openMissingStandardStreams();
   PlatformKit::LinuxFileSystem fileSystem;
   PlatformKit::LinuxVolumes volumes;
   const PlatformKit::SystemClock clock;

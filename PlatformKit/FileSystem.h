@@ -51,9 +51,10 @@ class ReadableFile {
   virtual ~ReadableFile() = default;
 
   /// One read of up to `buffer.size()` bytes at `offset`. Answers how many bytes came, which may be
-  /// fewer than asked for; 0 at the end of the file. With ReadMode::pastCache, buffers, lengths and
-  /// offsets in whole multiples of 4,096 go straight to the drive; others are read through the
-  /// cache after what it held of the file was dropped.
+  /// fewer than asked for; 0 at the end of the file. With ReadMode::pastCache, reads whose buffer,
+  /// length and offset are whole multiples of 4,096 come straight from the drive. The first read
+  /// that is not, or that the file system refuses in this way, drops what the cache holds of the
+  /// file; it and those after it then go through the cache.
   [[nodiscard]] virtual Result<std::size_t> readAt(std::span<std::byte> buffer,
                                                    std::uint64_t offset) = 0;
 

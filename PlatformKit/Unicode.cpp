@@ -80,8 +80,9 @@ std::string singleLineText(std::string_view text) {
 }
 
 std::string upperCase(std::string_view text) {
+  const std::string valid = validUtf8(text);
   std::string result;
-  icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())})
+  icu::UnicodeString::fromUTF8({valid.data(), static_cast<std::int32_t>(valid.size())})
       .toUpper(icu::Locale::getRoot())
       .toUTF8String(result);
   return result;

@@ -71,20 +71,22 @@ Result<std::size_t> LinuxReadableFile::readAt(std::span<std::byte> buffer, std::
     leaveDirect();
   }
   for (;;) {
+    const bool wasDirect = direct_;
     const ssize_t count =
         pread(fd_.get(), buffer.data(), buffer.size(), static_cast<off_t>(offset));
     if (count >= 0) return static_cast<std::size_t>(count);
     if (errno == EINTR) continue;
-    if (errno != EINVAL || !direct_) return ErrorNumber{errno};
+    if (errno != EINVAL || !wasDirect) return ErrorNumber{errno};
     leaveDirect();
   }
 }
 
 void LinuxReadableFile::leaveDirect() {
-  direct_ = false;
   const int flags = fcntl(fd_.get(), F_GETFL);
   if (flags >= 0) static_cast<void>(fcntl(fd_.get(), F_SETFL, flags & ~O_DIRECT));
   advise(fd_.get(), 0, 0, POSIX_FADV_DONTNEED);
+  // Last, so that whoever sees it may rely on the descriptor being changed.
+  direct_ = false;
 }
 
 void LinuxReadableFile::prefetch(std::uint64_t offset, std::uint64_t length) {

@@ -1,9 +1,9 @@
 #include "PlatformKit/Posix/Terminal.h"
 
 #include <cstdlib>
-#include <cstring>
 #include <string_view>
 
+#include <fcntl.h>
 #include <langinfo.h>
 #include <locale.h>
 #include <sys/ioctl.h>
@@ -17,6 +17,13 @@ int descriptor(OutputStream stream) {
 }
 
 }  // namespace
+
+void openMissingStandardStreams() {
+  // A new descriptor takes the lowest free number, so in this order each fills its own gap.
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) < 0) static_cast<void>(open("/dev/null", O_RDWR));
+  }
+}
 
 bool isTerminal(OutputStream stream) {
   const char* kind = std::getenv("TERM");  // NOLINT(concurrency-mt-unsafe): nobody sets it

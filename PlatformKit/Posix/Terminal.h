@@ -7,6 +7,11 @@ namespace PlatformKit {
 /// The standard streams that text for people goes to.
 enum class OutputStream { standardOutput, standardError };
 
+/// Opens /dev/null for each of the three standard streams that whoever started the program left
+/// closed. Without it the next file opened would take the stream's number, and text for people would
+/// end up in it. Call it first in main.
+void openMissingStandardStreams();
+
 /// Whether the stream ends at a terminal that can redraw a line. Any thread.
 bool isTerminal(OutputStream stream);
 

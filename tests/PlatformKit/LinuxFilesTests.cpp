@@ -149,18 +149,6 @@ TEST_F(LinuxFilesOnADrive, ReadingPastTheCacheAsksTheDriveEvenIfTheCacheCouldAns
   EXPECT_EQ(mapping.cachedPages(), mapping.pages());
 }
 
-TEST_F(LinuxFilesOnADrive, AnOddReadDoesNotSendTheWholeOnesBehindItThroughTheCache) {
-  const Path path = cachedFile(pattern(8 * kMiB));
-  const Mapping mapping(path);
-  const auto file = open(path, ReadMode::pastCache);
-  AlignedBuffer buffer(kMiB);
-  EXPECT_EQ(file->readAt(buffer.bytes().first(100), 1).value(), 100U);
-  for (std::uint64_t offset = 4 * kMiB; offset < 8 * kMiB; offset += kMiB) {
-    EXPECT_EQ(file->readAt(buffer.bytes(), offset).value(), kMiB);
-  }
-  EXPECT_EQ(mapping.cachedPages(mapping.pages() / 2), 0U);
-}
-
 TEST_F(LinuxFiles, TheFirstOddReadsPastTheCacheSucceedAlsoWhenTheyComeAtTheSameMoment) {
   writeFile(at("file"), pattern(300'001));
   std::unique_ptr<ReadableFile> file;
