@@ -39,12 +39,18 @@ class RawDevice {
   [[nodiscard]] virtual bool isGone() = 0;
 };
 
+/// What a path leads to.
+enum class RawKind { device, regularFile, other };
+
 /// Opens raw devices. Any thread.
 class RawDevices {
  public:
   virtual ~RawDevices() = default;
 
-  /// Opens the device read-only and close-on-exec, with the rights of this process: EACCES or EPERM
+  /// What is at the path, through links too; or the error of looking.
+  [[nodiscard]] virtual Result<RawKind> kind(const Path& path) = 0;
+
+  /// Opens the device or file read-only and close-on-exec, with the rights of this process: EACCES or EPERM
   /// where those do not suffice.
   [[nodiscard]] virtual Result<std::unique_ptr<RawDevice>> open(const Path& path) = 0;
 

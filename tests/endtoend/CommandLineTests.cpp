@@ -407,14 +407,12 @@ TEST_F(Offload, CopiesAllTheSameWhenNobodyListens) {
   Program program(offloading, setting_);
   program.stopListening();
   EXPECT_EQ(program.waitForEnd().status, 0);
-  // With the standard streams closed, the files that the program opens get their numbers.
-  for (const char* shell : {R"(exec "$0" "$@" >/dev/full)", R"(exec "$0" "$@" <&- >&- 2>&-)"}) {
-    SCOPED_TRACE(shell);
-    for (const Path& destination : {first_, second_}) fs::remove_all(destination);
-    EXPECT_EQ(run(Words{"sh", "-c", shell} + offloading).status, 0);
-    expectCopied(first_, {"a.mov"});
-    expectCopied(second_, {"a.mov"});
-  }
+  EXPECT_EQ(run(Words{"sh", "-c", R"(exec "$0" "$@" >/dev/full)"} + offloading).status, 0);
+  // With the standard streams closed, the files that the program opens could get their numbers.
+  for (const Path& destination : {first_, second_}) fs::remove_all(destination);
+  EXPECT_EQ(run(Words{"sh", "-c", R"(exec "$0" "$@" <&- >&- 2>&-)"} + offloading).status, 0);
+  expectCopied(first_, {"a.mov"});
+  expectCopied(second_, {"a.mov"});
 }
 
 class OffloadOnATerminal : public Offload {

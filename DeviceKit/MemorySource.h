@@ -1,0 +1,23 @@
+#pragma once
+
+#include <vector>
+
+#include "DeviceKit/ByteSource.h"
+
+namespace DeviceKit {
+
+/// Bytes in memory. Reading never fails.
+class MemorySource final : public ByteSource {
+ public:
+  explicit MemorySource(std::vector<std::byte> data) : data_(std::move(data)) {}
+
+  [[nodiscard]] std::uint64_t size() const override { return data_.size(); }
+  [[nodiscard]] std::size_t badReads() const override { return 0; }
+  [[nodiscard]] std::string descriptionForReport() const override;
+  [[nodiscard]] std::size_t read(std::uint64_t offset, std::span<std::byte> buffer) override;
+
+ private:
+  std::vector<std::byte> data_;
+};
+
+}  // namespace DeviceKit
