@@ -1,9 +1,9 @@
 #include "DeviceKit/BlockDeviceSource.h"
 
+#include "DeviceKit/DeviceError.h"
+
 #include <algorithm>
 #include <cerrno>
-
-#include "DeviceKit/DeviceError.h"
 
 namespace DeviceKit {
 namespace {

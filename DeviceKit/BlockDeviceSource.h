@@ -1,22 +1,22 @@
 #pragma once
 
-#include <memory>
-#include <optional>
-
 #include "DeviceKit/ByteSource.h"
 #include "PlatformKit/AlignedBuffer.h"
 #include "PlatformKit/RawDevices.h"
 
+#include <memory>
+#include <optional>
+
 namespace DeviceKit {
 
-/// A card's whole device, read in whole blocks. A block that cannot be read, for whatever reason the
-/// system gives, comes back as zeros and is counted: an unreadable sector must not end an image. Only
-/// a device that is no longer part of the computer fails the read, since it would otherwise look like
-/// a card full of zeros.
+/// A card's whole device, read in whole blocks. A block that cannot be read, for whatever reason
+/// the system gives, comes back as zeros and is counted: an unreadable sector must not end an
+/// image. Only a device that is no longer part of the computer fails the read, since it would
+/// otherwise look like a card full of zeros.
 class BlockDeviceSource final : public ByteSource {
  public:
-  /// Takes over the open device. `path` is its name in errors and reports. Something that is no block
-  /// device but has a size (a disk image in a file) counts as blocks of 512 bytes. Throws
+  /// Takes over the open device. `path` is its name in errors and reports. Something that is no
+  /// block device but has a size (a disk image in a file) counts as blocks of 512 bytes. Throws
   /// DeviceError::notAFileOrDevice when it has no size either; the device is closed then.
   BlockDeviceSource(std::unique_ptr<PlatformKit::RawDevice> device, std::string path);
 

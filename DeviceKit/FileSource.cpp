@@ -1,9 +1,9 @@
 #include "DeviceKit/FileSource.h"
 
+#include "DeviceKit/DeviceError.h"
+
 #include <algorithm>
 #include <cerrno>
-
-#include "DeviceKit/DeviceError.h"
 
 namespace DeviceKit {
 
@@ -19,8 +19,8 @@ FileSource::FileSource(PlatformKit::RawDevices& devices, std::string path)
 
 std::size_t FileSource::read(std::uint64_t offset, std::span<std::byte> buffer) {
   if (offset >= size_) return 0;
-  const auto wanted =
-      buffer.first(static_cast<std::size_t>(std::min<std::uint64_t>(buffer.size(), size_ - offset)));
+  const auto wanted = buffer.first(
+      static_cast<std::size_t>(std::min<std::uint64_t>(buffer.size(), size_ - offset)));
   std::size_t done = 0;
   while (done < wanted.size()) {
     const auto count = file_->readAt(wanted.subspan(done), offset + done);

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <memory>
-
 #include "DeviceKit/ByteSource.h"
 #include "PlatformKit/RawDevices.h"
+
+#include <memory>
 
 namespace DeviceKit {
 

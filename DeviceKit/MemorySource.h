@@ -1,8 +1,8 @@
 #pragma once
 
-#include <vector>
-
 #include "DeviceKit/ByteSource.h"
+
+#include <vector>
 
 namespace DeviceKit {
 

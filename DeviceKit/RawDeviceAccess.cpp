@@ -1,8 +1,8 @@
 #include "DeviceKit/RawDeviceAccess.h"
 
-#include <cerrno>
-
 #include "DeviceKit/DeviceError.h"
+
+#include <cerrno>
 
 namespace DeviceKit {
 

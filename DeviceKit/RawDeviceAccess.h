@@ -1,10 +1,10 @@
 #pragma once
 
+#include "PlatformKit/RawDevices.h"
+
 #include <memory>
 #include <string>
 #include <vector>
-
-#include "PlatformKit/RawDevices.h"
 
 namespace DeviceKit {
 
@@ -12,14 +12,14 @@ namespace DeviceKit {
 /// authorization.
 class RawDeviceAccess {
  public:
-  /// `privileged`: the ways to have a device opened for the user, asked in this order. All arguments
-  /// outlive this object.
+  /// `privileged`: the ways to have a device opened for the user, asked in this order. All
+  /// arguments outlive this object.
   RawDeviceAccess(PlatformKit::RawDevices& devices,
                   std::vector<PlatformKit::PrivilegedOpener*> privileged)
       : devices_(devices), privileged_(std::move(privileged)) {}
 
-  /// The open device; it is read-only and close-on-exec. Blocks while the system asks for a password;
-  /// any thread but the one that draws the screen. Throws DeviceError::cannotOpen, and
+  /// The open device; it is read-only and close-on-exec. Blocks while the system asks for a
+  /// password; any thread but the one that draws the screen. Throws DeviceError::cannotOpen, and
   /// authorizationDenied when a plain open does not suffice and the user, or everybody there was to
   /// ask, said no. A no is final: nobody else is asked after it.
   [[nodiscard]] std::unique_ptr<PlatformKit::RawDevice> openReadOnly(const std::string& path) const;

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <memory>
-#include <string>
-
 #include "DeviceKit/ByteSource.h"
 #include "DeviceKit/RawDeviceAccess.h"
+
+#include <memory>
+#include <string>
 
 namespace DeviceKit::SourceOpener {
 

@@ -15,18 +15,8 @@ using Outcome = OffloadedFile::Outcome;
 constexpr std::size_t kLongestName = 255;  // bytes, on every file system in use
 constexpr std::string_view kSuffix = ".zmpart";
 
-// Not more than `length` bytes, and no character cut in two.
-std::string_view shortened(std::string_view name, std::size_t length) {
-  std::size_t end = 0;
-  PlatformKit::forEachCharacter(name, [&](char32_t, bool, std::string_view bytes) {
-    const auto after = static_cast<std::size_t>(bytes.data() - name.data()) + bytes.size();
-    if (after <= length) end = after;
-  });
-  return name.substr(0, end);
-}
-
 // Drives may not tell upper from lower case, so names that differ only in that count as one.
-std::string folded(const std::string& relativePath) {
+std::string folded(std::string_view relativePath) {
   return PlatformKit::upperCase(relativePath);
 }
 
@@ -59,10 +49,11 @@ bool alreadyThere(FileSystem& fileSystem, const SourceFile& file, const Path& de
          std::chrono::abs(there.modified - file.modified) < std::chrono::seconds(2);
 }
 
-TemporaryNames::TemporaryNames(const std::vector<SourceFile>& files) {
-  for (const SourceFile& file : files) {
-    std::string name = folded(file.relativePath);
-    if (name.ends_with(folded(std::string(kSuffix)))) taken_.insert(std::move(name));
+TemporaryNames::TemporaryNames(const std::vector<std::string_view>& relativePaths) {
+  const std::string suffix = folded(kSuffix);
+  for (const std::string_view path : relativePaths) {
+    std::string name = folded(path);
+    if (name.ends_with(suffix)) taken_.insert(std::move(name));
   }
 }
 
@@ -78,7 +69,7 @@ std::string TemporaryNames::forFile(const std::string& relativePath) const {
   std::string suffix(kSuffix);
   for (int attempt = 1;; ++attempt) {
     std::string temporary = folder + ".";
-    temporary += shortened(name, kLongestName - 1 - suffix.size());
+    temporary += PlatformKit::shortened(name, kLongestName - 1 - suffix.size());
     temporary += suffix;
     if (!isTaken(temporary)) return temporary;
     suffix = "~" + std::to_string(attempt) + std::string(kSuffix);

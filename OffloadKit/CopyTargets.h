@@ -6,6 +6,7 @@
 #include "OffloadKit/SourceFile.h"
 
 #include <string>
+#include <string_view>
 #include <unordered_set>
 #include <variant>
 #include <vector>
@@ -34,8 +35,9 @@ bool alreadyThere(PlatformKit::FileSystem& fileSystem, const SourceFile& file,
 /// The temporary names of the copies of one run.
 class TemporaryNames {
  public:
-  /// `files`: all that the run copies, so that no temporary name is ever the name of one of them.
-  explicit TemporaryNames(const std::vector<SourceFile>& files);
+  /// `relativePaths`: all that the run copies, so that no temporary name is ever the name of one of
+  /// them.
+  explicit TemporaryNames(const std::vector<std::string_view>& relativePaths);
 
   /// The relative path of the file's temporary copy: in the same folder, hidden,
   /// "." + name + ".zmpart", shortened on a character boundary where that would not fit in 255

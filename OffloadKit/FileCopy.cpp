@@ -16,18 +16,6 @@ using PlatformKit::Result;
 using PlatformKit::WritableFile;
 using Outcome = OffloadedFile::Outcome;
 
-int writeFully(WritableFile& file, std::span<const std::byte> bytes) {
-  while (!bytes.empty()) {
-    const auto count = file.write(bytes);
-    if (count.error() == EINTR) continue;
-    if (!count.ok()) return count.error();
-    // A drive that takes nothing and reports nothing would be asked forever.
-    if (count.value() == 0) return EIO;
-    bytes = bytes.subspan(count.value());
-  }
-  return 0;
-}
-
 WritableFile* writableOf(CopyTarget& target) {
   auto* write = std::get_if<WriteTarget>(&target);
   return write == nullptr ? nullptr : &write->copy.file();
@@ -82,22 +70,12 @@ void FileCopy::writeChunk(std::span<const std::byte> chunk, std::uint64_t offset
                           HashKit::StreamingHasher& hasher) {
   const PlatformKit::WorkerPool::Job write = [&](std::size_t i) {
     WritableFile* file = writableOf(targets_[i]);
-    if (file != nullptr && writeErrors_[i] == 0) writeErrors_[i] = writeTo(*file, chunk, offset);
+    if (file == nullptr || writeErrors_[i] != 0) return;
+    writeErrors_[i] = writeBehind(*file, chunk, offset, resources_.plan.chunkSize, file_.size);
   };
   auto writing = resources_.workers.start(targets_.size(), write);
   hasher.update(chunk);
   writing.wait();
-}
-
-int FileCopy::writeTo(WritableFile& file, std::span<const std::byte> chunk,
-                      std::uint64_t offset) const {
-  if (const int error = writeFully(file, chunk); error != 0) return error;
-  // A file of one chunk is flushed right after this; for longer ones the drive starts now, and only
-  // the last chunks are left to the flush.
-  const std::uint64_t window = resources_.plan.chunkSize;
-  if (file_.size <= window) return 0;
-  if (const int error = file.startWriteback(offset, chunk.size()); error != 0) return error;
-  return offset < window ? 0 : file.finishWriteback(offset - window, window);
 }
 
 void FileCopy::finishWrites() {

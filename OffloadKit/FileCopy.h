@@ -54,8 +54,6 @@ class FileCopy {
   std::string streamSource(const Advance& copied);
   void writeChunk(std::span<const std::byte> chunk, std::uint64_t offset,
                   HashKit::StreamingHasher& hasher);
-  [[nodiscard]] int writeTo(PlatformKit::WritableFile& file, std::span<const std::byte> chunk,
-                            std::uint64_t offset) const;
   void finishWrites();
   void flushCopies();
   void readBack(const std::string& hash, const Advance& verifying);

@@ -7,18 +7,6 @@ namespace OffloadKit {
 using PlatformKit::ErrorNumber;
 using PlatformKit::Result;
 
-Result<std::size_t> readFully(PlatformKit::ReadableFile& file, std::span<std::byte> buffer,
-                              std::uint64_t offset) {
-  std::size_t filled = 0;
-  while (filled < buffer.size()) {
-    const auto count = file.readAt(buffer.subspan(filled), offset + filled);
-    if (!count.ok()) return count;
-    if (count.value() == 0) break;
-    filled += count.value();
-  }
-  return filled;
-}
-
 FileDigest::FileDigest(PlatformKit::FileSystem& fileSystem, PlatformKit::Path path,
                        HashKit::HashAlgorithm algorithm)
     : fileSystem_(fileSystem), path_(std::move(path)), hasher_(HashKit::makeHasher(algorithm)) {}

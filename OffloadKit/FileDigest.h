@@ -1,6 +1,7 @@
 #pragma once
 
 #include "HashKit/HashAlgorithm.h"
+#include "OffloadKit/Transfer.h"
 #include "PlatformKit/FileSystem.h"
 
 #include <condition_variable>
@@ -13,11 +14,6 @@
 #include <string>
 
 namespace OffloadKit {
-
-/// Fills `buffer` from `offset` on (bytes), with as many reads as that takes. Answers how many
-/// bytes there were: fewer than asked for only at the end of the file.
-PlatformKit::Result<std::size_t> readFully(PlatformKit::ReadableFile& file,
-                                           std::span<std::byte> buffer, std::uint64_t offset);
 
 /// The checksum of one whole file as its drive holds it (ReadMode::pastCache), computed by any
 /// number of threads that call `work`. Each takes the next piece of the file, reads it and hashes

@@ -24,7 +24,8 @@ OffloadResult OffloadEngine::run(const OffloadPlan& plan, bool checkSpace,
                                  const ProgressCallback& progress) {
   if (plan.chunkSize == 0) throw std::invalid_argument("the chunk size is 0");
   const std::function<bool()> cancelled = [this] { return isCancelled(); };
-  return OffloadRun(plan, system_, progress, cancelled, afterWrite).execute(checkSpace);
+  return OffloadRun(plan, system_, rawDevices_, progress, cancelled, afterWrite)
+      .execute(checkSpace);
 }
 
 }  // namespace OffloadKit

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DeviceKit/RawDeviceAccess.h"
 #include "OffloadKit/OffloadError.h"
 #include "OffloadKit/OffloadPlan.h"
 #include "OffloadKit/OffloadProgress.h"
@@ -17,8 +18,9 @@ using ProgressCallback = std::function<void(const OffloadProgress&)>;
 /// Carries out one offload. One engine, one run.
 class OffloadEngine {
  public:
-  /// The services in `system` outlive the engine.
-  explicit OffloadEngine(PlatformKit::System system) : system_(system) {}
+  /// `rawDevices` opens the card for an image. It and the services in `system` outlive the engine.
+  OffloadEngine(PlatformKit::System system, const DeviceKit::RawDeviceAccess& rawDevices)
+      : system_(system), rawDevices_(rawDevices) {}
 
   /// Called on the run's thread with the path of a temporary copy right after it was completely
   /// written, flushed and closed, and before it is read back. For tests that harm copies;
@@ -30,7 +32,9 @@ class OffloadEngine {
   void cancel();
 
   /// Scans the plan's source, checks every destination, copies every file to all destinations and
-  /// reads every copy back. Returns when all is done; `progress` is never called after that.
+  /// reads every copy back, saves the card image if the plan has one, and leaves a report and a
+  /// hash list on every destination with a verified file. Returns when all is done; `progress` is
+  /// never called after that.
   ///
   /// Throws OffloadError when the run cannot start or is stopped. Then every file verified so far
   /// is in place, no temporary copy is left, and running the same plan again picks up where it
@@ -45,6 +49,7 @@ class OffloadEngine {
   [[nodiscard]] bool isCancelled() const;
 
   PlatformKit::System system_;
+  const DeviceKit::RawDeviceAccess& rawDevices_;
   mutable std::mutex lock_;
   bool cancelled_ = false;
 };

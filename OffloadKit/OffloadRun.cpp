@@ -14,13 +14,15 @@ using Outcome = OffloadedFile::Outcome;
 using Phase = OffloadProgress::Phase;
 
 OffloadRun::OffloadRun(const OffloadPlan& plan, PlatformKit::System system,
+                       const DeviceKit::RawDeviceAccess& rawDevices,
                        const ProgressCallback& progress, const std::function<bool()>& isCancelled,
                        const std::function<void(const Path&)>& afterWrite)
     : plan_(plan),
       system_(system),
       progress_(progress),
       isCancelled_(isCancelled),
-      afterWrite_(afterWrite) {
+      afterWrite_(afterWrite),
+      closing_(plan, system, rawDevices) {
   result_.plan = plan;
 }
 
@@ -30,10 +32,10 @@ OffloadResult OffloadRun::execute(bool checkSpace) {
   scanSource();
   preflight(system_, plan_, checkSpace ? files_ : std::vector<SourceFile>{});
   auto existingBefore = createDestinations();
-  openCardDevice();
+  closing_.openCardDevice();
   countWork();
   copyFiles(std::move(existingBefore));
-  // The card image is written and checked here, once there is one.
+  writeCardImage();
   OffloadProgress finishing;
   finishing.phase = Phase::finishing;
   finishing.filesDone = finishing.filesTotal = files_.size();
@@ -41,7 +43,7 @@ OffloadResult OffloadRun::execute(bool checkSpace) {
   finishing.fraction = 1;
   progress_(finishing);
   result_.finished = now();
-  // Reports and hash lists are written here, on every destination with a verified file.
+  closing_.writeRecords(result_);
   return std::move(result_);
 }
 
@@ -64,22 +66,15 @@ std::vector<Path> OffloadRun::createDestinations() const {
   return existingBefore;
 }
 
-// The card's device is opened before any file is copied, so that a system's question for a password
-// comes at the start of a run.
-void OffloadRun::openCardDevice() const {
-  if (plan_.cardImage) {
-    throw OffloadError::cardImageUnavailable("This version can't save card images yet.");
-  }
-}
-
 void OffloadRun::countWork() {
   for (const SourceFile& file : files_) totalBytes_ += file.size;
   workWeight_ = static_cast<double>(plan_.destinations.size() + (plan_.verifySource ? 2 : 1));
-  totalWork_ = std::max(1.0, workWeight_ * static_cast<double>(totalBytes_));
+  totalWork_ = std::max(1.0, workWeight_ * static_cast<double>(totalBytes_) +
+                                 static_cast<double>(closing_.imageWork()));
 }
 
 void OffloadRun::copyFiles(std::vector<Path> existingBefore) {
-  const TemporaryNames temporaryNames(files_);
+  const TemporaryNames temporaryNames(relativePathsOf(files_));
   DestinationHealth health(system_, plan_.destinations);
   FolderFlush folders(system_, plan_.destinations, std::move(existingBefore));
   // A read-back hashes every copy and the card at once, each with two threads.
@@ -123,6 +118,14 @@ void OffloadRun::copyFile(const SourceFile& file, CopyResources& resources) {
        std::vector<Outcome>(plan_.destinations.size(), Outcome::failed(failure))});
 }
 
+void OffloadRun::writeCardImage() {
+  result_.cardImage = closing_.writeCardImage(result_.started, isCancelled_,
+                                              [this](const std::string& name, double bytes) {
+                                                done_ += bytes;
+                                                report(Phase::imaging, name);
+                                              });
+}
+
 void OffloadRun::report(Phase phase, const std::string& currentFile) const {
   OffloadProgress progress;
   progress.phase = phase;
@@ -130,6 +133,7 @@ void OffloadRun::report(Phase phase, const std::string& currentFile) const {
   progress.filesTotal = files_.size();
   progress.bytesTotal = totalBytes_;
   progress.fraction = done_ / totalWork_;
+  if (phase == Phase::imaging) progress.fraction = std::min(progress.fraction, 1.0);
   progress.currentFile = currentFile;
   progress.bytesPerSecond = bytesPerSecond();
   progress_(progress);

@@ -2,6 +2,7 @@
 
 #include "OffloadKit/FileCopy.h"
 #include "OffloadKit/OffloadEngine.h"
+#include "OffloadKit/RunClosing.h"
 
 #include <functional>
 #include <vector>
@@ -13,7 +14,8 @@ namespace OffloadKit {
 class OffloadRun {
  public:
   /// The arguments outlive the run.
-  OffloadRun(const OffloadPlan& plan, PlatformKit::System system, const ProgressCallback& progress,
+  OffloadRun(const OffloadPlan& plan, PlatformKit::System system,
+             const DeviceKit::RawDeviceAccess& rawDevices, const ProgressCallback& progress,
              const std::function<bool()>& isCancelled,
              const std::function<void(const PlatformKit::Path&)>& afterWrite);
 
@@ -22,10 +24,10 @@ class OffloadRun {
  private:
   void scanSource();
   [[nodiscard]] std::vector<PlatformKit::Path> createDestinations() const;
-  void openCardDevice() const;
   void countWork();
   void copyFiles(std::vector<PlatformKit::Path> existingBefore);
   void copyFile(const SourceFile& file, CopyResources& resources);
+  void writeCardImage();
   void report(OffloadProgress::Phase phase, const std::string& currentFile = {}) const;
   [[nodiscard]] double bytesPerSecond() const;
   [[nodiscard]] PlatformKit::Date now() const { return system_.clock.now(); }
@@ -36,11 +38,12 @@ class OffloadRun {
   const std::function<bool()>& isCancelled_;
   const std::function<void(const PlatformKit::Path&)>& afterWrite_;
 
+  RunClosing closing_;
   std::vector<SourceFile> files_;
   OffloadResult result_;
   std::uint64_t totalBytes_ = 0;
   // Work is counted in bytes handled: each source byte once while copying, once per copy read back
-  // and once more when the card is read twice.
+  // and once more when the card is read twice; each byte of a card image twice.
   double workWeight_ = 1;
   double totalWork_ = 1;
   double done_ = 0;

@@ -41,7 +41,14 @@ PendingCopy::~PendingCopy() {
 }
 
 int PendingCopy::commit() {
-  const int error = fileSystem_->moveWithoutReplacing(temporary_, final_);
+  return committed(fileSystem_->moveWithoutReplacing(temporary_, final_));
+}
+
+int PendingCopy::commitReplacing() {
+  return committed(fileSystem_->moveReplacing(temporary_, final_));
+}
+
+int PendingCopy::committed(int error) {
   if (error == 0) fileSystem_ = nullptr;
   return error;
 }

@@ -31,8 +31,11 @@ class PendingCopy {
   /// Gives the copy its final name; whatever has that name by now stays. Answers 0, or the error
   /// number; the temporary file then goes with this object.
   [[nodiscard]] int commit();
+  /// As `commit`, but in place of a file that has that name.
+  [[nodiscard]] int commitReplacing();
 
  private:
+  int committed(int error);
   PendingCopy(PlatformKit::FileSystem& fileSystem, std::unique_ptr<PlatformKit::WritableFile> file,
               PlatformKit::Path temporary, PlatformKit::Path final);
 

@@ -45,8 +45,7 @@ void preflight(PlatformKit::System system, const OffloadPlan& plan,
   for (const Path& destination : plan.destinations) {
     const std::string name = displayName(system, destination);
     const Path existing = nearestExisting(system.fileSystem, destination);
-    if (!isFolder(system.fileSystem, existing) ||
-        system.fileSystem.checkWritable(existing) != 0) {
+    if (!isFolder(system.fileSystem, existing) || system.fileSystem.checkWritable(existing) != 0) {
       throw OffloadError::destinationUnavailable(name);
     }
     const auto drive = system.volumes.facts(existing);

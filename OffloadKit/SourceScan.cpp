@@ -90,10 +90,7 @@ class Walk {
 };
 
 std::vector<SourceFile> inFileBrowserOrder(std::vector<SourceFile> files) {
-  std::vector<std::string_view> paths;
-  paths.reserve(files.size());
-  for (const SourceFile& file : files) paths.emplace_back(file.relativePath);
-  const auto order = PlatformKit::fileBrowserOrder(paths);
+  const auto order = PlatformKit::fileBrowserOrder(relativePathsOf(files));
   std::vector<SourceFile> sorted;
   sorted.reserve(files.size());
   for (const std::size_t position : order) sorted.push_back(std::move(files[position]));
@@ -101,6 +98,13 @@ std::vector<SourceFile> inFileBrowserOrder(std::vector<SourceFile> files) {
 }
 
 }  // namespace
+
+std::vector<std::string_view> relativePathsOf(const std::vector<SourceFile>& files) {
+  std::vector<std::string_view> paths;
+  paths.reserve(files.size());
+  for (const SourceFile& file : files) paths.emplace_back(file.relativePath);
+  return paths;
+}
 
 bool isIgnoredName(std::string_view name) {
   return name.starts_with("._") ||

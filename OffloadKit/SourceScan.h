@@ -20,6 +20,9 @@ struct SourceScan {
 /// OffloadError::sourceUnreadable when the folder itself cannot be listed. Any thread.
 SourceScan scan(PlatformKit::System system, const PlatformKit::Path& source);
 
+/// The relative paths of the files, which they refer to.
+std::vector<std::string_view> relativePathsOf(const std::vector<SourceFile>& files);
+
 /// Whether an item of this name is skipped: what operating systems keep for themselves on a card,
 /// the folder of hash lists, and names that begin with "._". Exact, case-sensitive.
 bool isIgnoredName(std::string_view name);

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "PlatformKit/FileSystem.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "PlatformKit/FileSystem.h"
 
 namespace PlatformKit {
 
@@ -17,10 +17,10 @@ struct DiskFacts {
   /// Non-empty names of the disk's volumes, in the order of its partitions.
   std::vector<std::string> volumeNames;
 
-  bool isDiskImage = false;     ///< a file that is attached as a disk
-  bool isVirtual = false;       ///< made up by the system, no hardware of its own
-  bool isSystemDisk = false;    ///< holds /, /usr, /home or /boot
-  bool isInternal = false;      ///< built in, by its connection
+  bool isDiskImage = false;       ///< a file that is attached as a disk
+  bool isVirtual = false;         ///< made up by the system, no hardware of its own
+  bool isSystemDisk = false;      ///< holds /, /usr, /home or /boot
+  bool isInternal = false;        ///< built in, by its connection
   bool isRemovableMedia = false;  ///< the medium can be taken out of its drive
   bool isHotPluggable = false;    ///< the drive itself can be unplugged
   bool isEjectable = false;       ///< removable medium or hot-pluggable
@@ -36,8 +36,8 @@ class Disks {
   /// All whole disks with a medium in them, in the order of their identifiers.
   [[nodiscard]] virtual std::vector<DiskFacts> list() = 0;
 
-  /// The whole disk under the volume that holds the item at `path`, also below encryption and logical
-  /// volumes; none for network and memory volumes, and for volumes that span several disks.
+  /// The whole disk under the volume that holds the item at `path`, also below encryption and
+  /// logical volumes; none for network and memory volumes, and for volumes that span several disks.
   [[nodiscard]] virtual std::optional<DiskFacts> holding(const Path& path) = 0;
 };
 

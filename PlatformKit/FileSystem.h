@@ -122,6 +122,9 @@ class FileSystem {
   /// Gives a file its new name in one step. EEXIST when anything has that name already.
   [[nodiscard]] virtual int moveWithoutReplacing(const Path& from, const Path& to) = 0;
 
+  /// Gives a file its new name in one step, in place of a file that has that name.
+  [[nodiscard]] virtual int moveReplacing(const Path& from, const Path& to) = 0;
+
   /// Removes a file (not a folder).
   [[nodiscard]] virtual int removeFile(const Path& path) = 0;
 

@@ -1,14 +1,14 @@
 #pragma once
 
+#include "PlatformKit/FileSystem.h"
+#include "PlatformKit/Posix/UniqueFd.h"
+#include "PlatformKit/Result.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
-
-#include "PlatformKit/FileSystem.h"
-#include "PlatformKit/Posix/UniqueFd.h"
-#include "PlatformKit/Result.h"
 
 namespace PlatformKit {
 
@@ -50,16 +50,16 @@ class RawDevices {
   /// What is at the path, through links too; or the error of looking.
   [[nodiscard]] virtual Result<RawKind> kind(const Path& path) = 0;
 
-  /// Opens the device or file read-only and close-on-exec, with the rights of this process: EACCES or EPERM
-  /// where those do not suffice.
+  /// Opens the device or file read-only and close-on-exec, with the rights of this process: EACCES
+  /// or EPERM where those do not suffice.
   [[nodiscard]] virtual Result<std::unique_ptr<RawDevice>> open(const Path& path) = 0;
 
   /// Takes over a descriptor that somebody else opened.
   [[nodiscard]] virtual std::unique_ptr<RawDevice> adopt(UniqueFd descriptor) = 0;
 };
 
-/// A way to have a device opened with more rights than this process has, usually after the system has
-/// asked the user for a password.
+/// A way to have a device opened with more rights than this process has, usually after the system
+/// has asked the user for a password.
 class PrivilegedOpener {
  public:
   /// What came of it: a descriptor (read-only, close-on-exec), or why there is none.
@@ -75,8 +75,8 @@ class PrivilegedOpener {
 
   virtual ~PrivilegedOpener() = default;
 
-  /// Blocks while the system asks the user, which can take minutes. Any thread but the one that draws
-  /// the screen.
+  /// Blocks while the system asks the user, which can take minutes. Any thread but the one that
+  /// draws the screen.
   [[nodiscard]] virtual Answer openReadOnly(const Path& device) = 0;
 };
 
@@ -85,8 +85,8 @@ class Unmounter {
  public:
   virtual ~Unmounter() = default;
 
-  /// Unmounts every mounted volume of the whole disk ("sdb") and answers whether none is mounted any
-  /// more. Blocks; any thread but the one that draws the screen.
+  /// Unmounts every mounted volume of the whole disk ("sdb") and answers whether none is mounted
+  /// any more. Blocks; any thread but the one that draws the screen.
   [[nodiscard]] virtual bool unmountDisk(const std::string& identifier) = 0;
 };
 

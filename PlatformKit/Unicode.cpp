@@ -1,5 +1,6 @@
 #include "PlatformKit/Unicode.h"
 
+#include <algorithm>
 #include <cstdint>
 
 #include <unicode/locid.h>
@@ -49,34 +50,67 @@ bool isSpaceCharacter(char32_t character) {
   return character == U'\t' || u_charType(static_cast<UChar32>(character)) == U_SPACE_SEPARATOR;
 }
 
+bool isSpaceOrLineBreak(char32_t character) {
+  return isSpaceCharacter(character) || (character >= 0x0A && character <= 0x0D) ||
+         character == 0x85 || character == 0x2028 || character == 0x2029;
+}
+
+std::string_view trimmed(std::string_view text) {
+  std::size_t start = text.size();
+  std::size_t end = 0;
+  forEachCharacter(text, [&](char32_t character, bool, std::string_view bytes) {
+    if (isSpaceOrLineBreak(character)) return;
+    const auto at = static_cast<std::size_t>(bytes.data() - text.data());
+    start = std::min(start, at);
+    end = at + bytes.size();
+  });
+  return start < end ? text.substr(start, end - start) : std::string_view();
+}
+
 void appendUtf8(std::string& text, char32_t character) {
   icu::UnicodeString(static_cast<UChar32>(character)).toUTF8String(text);
 }
 
-std::string validUtf8(std::string_view text) {
-  std::string result;
-  result.reserve(text.size());
-  forEachCharacter(text, [&](char32_t character, bool valid, std::string_view bytes) {
-    if (valid) {
-      result.append(bytes);
-    } else {
-      appendUtf8(result, character);
-    }
-  });
-  return result;
-}
+namespace {
 
-std::string singleLineText(std::string_view text) {
+// The text with U+FFFD for every invalid byte and for every character that `isReplaced` wants gone.
+template <class Predicate>
+std::string replaced(std::string_view text, Predicate isReplaced) {
   std::string result;
   result.reserve(text.size());
   forEachCharacter(text, [&](char32_t character, bool valid, std::string_view bytes) {
-    if (valid && !isControlCharacter(character)) {
+    if (valid && !isReplaced(character)) {
       result.append(bytes);
     } else {
       appendUtf8(result, kReplacement);
     }
   });
   return result;
+}
+
+}  // namespace
+
+std::string validUtf8(std::string_view text) {
+  return replaced(text, [](char32_t) { return false; });
+}
+
+std::string singleLineText(std::string_view text) {
+  return replaced(text, isControlCharacter);
+}
+
+std::string withoutControls(std::string_view text) {
+  return replaced(text, [](char32_t character) {
+    return u_charType(static_cast<UChar32>(character)) == U_CONTROL_CHAR;
+  });
+}
+
+std::string_view shortened(std::string_view text, std::size_t length) {
+  std::size_t end = 0;
+  forEachCharacter(text, [&](char32_t, bool, std::string_view bytes) {
+    const auto after = static_cast<std::size_t>(bytes.data() - text.data()) + bytes.size();
+    if (after <= length) end = after;
+  });
+  return text.substr(0, end);
 }
 
 std::string upperCase(std::string_view text) {

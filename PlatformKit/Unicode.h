@@ -21,6 +21,12 @@ bool isControlCharacter(char32_t character);
 /// The space separators (Zs) and the tab.
 bool isSpaceCharacter(char32_t character);
 
+/// What text is trimmed of: the space separators, the tab and every kind of line break.
+bool isSpaceOrLineBreak(char32_t character);
+
+/// The text without spaces and line breaks at both ends. The result refers to `text`.
+std::string_view trimmed(std::string_view text);
+
 /// Adds one code point to `text` as UTF-8.
 void appendUtf8(std::string& text, char32_t character);
 
@@ -30,6 +36,14 @@ std::string validUtf8(std::string_view text);
 /// The text fit for one line of a screen: as `validUtf8`, and control characters, which could move
 /// the cursor or hide text, as U+FFFD too.
 std::string singleLineText(std::string_view text);
+
+/// As `validUtf8`, and control characters of category Cc as U+FFFD; direction and joining marks,
+/// which belong to many names, stay.
+std::string withoutControls(std::string_view text);
+
+/// The beginning of the text, at most `length` bytes of it, with no character cut in two. The
+/// result refers to `text`.
+std::string_view shortened(std::string_view text, std::size_t length);
 
 /// The text in upper case by Unicode's rules, independent of the locale.
 std::string upperCase(std::string_view text);

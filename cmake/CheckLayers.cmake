@@ -7,9 +7,10 @@ get_filename_component(root ${CMAKE_CURRENT_LIST_DIR}/.. ABSOLUTE)
 # Module: the modules whose headers it may include, beside its own.
 set(PlatformKit_may "")
 set(HashKit_may "")
-set(OffloadKit_may HashKit PlatformKit)
-set(CommandLine_may HashKit PlatformKit OffloadKit)
-set(modules PlatformKit HashKit OffloadKit CommandLine)
+set(DeviceKit_may PlatformKit)
+set(OffloadKit_may HashKit PlatformKit DeviceKit)
+set(CommandLine_may HashKit PlatformKit DeviceKit OffloadKit)
+set(modules PlatformKit HashKit DeviceKit OffloadKit CommandLine)
 
 # The operating system's own headers belong to the lowest layer's implementations.
 set(system_headers "<(unistd|fcntl|dirent|poll|pthread|sched|signal|termios|langinfo|locale)\\.h>|<sys/|<linux/|<csignal>")

@@ -117,6 +117,10 @@ int LinuxFileSystem::moveWithoutReplacing(const Path& from, const Path& to) {
   return done(std::rename(from.c_str(), to.c_str()));
 }
 
+int LinuxFileSystem::moveReplacing(const Path& from, const Path& to) {
+  return done(std::rename(from.c_str(), to.c_str()));
+}
+
 int LinuxFileSystem::removeFile(const Path& path) {
   return done(unlink(path.c_str()));
 }

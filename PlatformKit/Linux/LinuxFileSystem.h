@@ -15,6 +15,7 @@ class LinuxFileSystem final : public FileSystem {
   [[nodiscard]] Result<std::unique_ptr<WritableFile>> createFile(const Path& path) override;
   [[nodiscard]] int createFolder(const Path& path) override;
   [[nodiscard]] int moveWithoutReplacing(const Path& from, const Path& to) override;
+  [[nodiscard]] int moveReplacing(const Path& from, const Path& to) override;
   [[nodiscard]] int removeFile(const Path& path) override;
   [[nodiscard]] int setDates(const Path& path, Date modified, std::optional<Date> created) override;
   [[nodiscard]] int flushFolder(const Path& folder) override;

@@ -1,6 +1,7 @@
 #include "PlatformKit/Linux/LinuxRawDevices.h"
 
 #include <cerrno>
+
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
@@ -59,8 +60,7 @@ class LinuxRawDevice final : public RawDevice {
     std::error_code error;
     // Without the list (no /sys in a container) its absence there says nothing.
     return std::filesystem::is_directory(device_.parent_path(), error) &&
-           std::filesystem::status(device_, error).type() ==
-               std::filesystem::file_type::not_found;
+           std::filesystem::status(device_, error).type() == std::filesystem::file_type::not_found;
   }
 
  private:

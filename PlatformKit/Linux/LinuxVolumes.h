@@ -21,8 +21,6 @@ class LinuxVolumes final : public Volumes {
   [[nodiscard]] bool isGone(DeviceNumber device) override;
 
  private:
-  [[nodiscard]] std::optional<std::string> label(DeviceNumber device) const;
-
   Roots roots_;
 };
 

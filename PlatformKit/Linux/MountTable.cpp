@@ -36,23 +36,13 @@ std::string unescaped(std::string_view field) {
   return text;
 }
 
-std::optional<DeviceNumber> deviceOf(std::string_view field) {
-  DeviceNumber device;
-  const char* end = field.data() + field.size();
-  const auto major = std::from_chars(field.data(), end, device.major);
-  if (major.ec != std::errc{} || major.ptr == end || *major.ptr != ':') return std::nullopt;
-  const auto minor = std::from_chars(major.ptr + 1, end, device.minor);
-  if (minor.ec != std::errc{} || minor.ptr != end) return std::nullopt;
-  return device;
-}
-
 std::optional<Mount> mountOf(std::string_view line) {
   const auto fields = fieldsOf(line);
   // Optional fields stand between the sixth field and a lone dash.
   const auto dash = std::find(fields.begin() + std::min<std::ptrdiff_t>(6, std::ssize(fields)),
                               fields.end(), std::string_view("-"));
   if (std::distance(dash, fields.end()) < 3) return std::nullopt;
-  const auto device = deviceOf(fields[2]);
+  const auto device = parseDeviceNumber(fields[2]);
   if (!device) return std::nullopt;
   return Mount{*device, Path(unescaped(fields[4])), std::string(*(dash + 1)),
                unescaped(*(dash + 2))};
@@ -64,6 +54,16 @@ bool holds(const Path& folder, const Path& path) {
 }
 
 }  // namespace
+
+std::optional<DeviceNumber> parseDeviceNumber(std::string_view text) {
+  DeviceNumber device;
+  const char* end = text.data() + text.size();
+  const auto major = std::from_chars(text.data(), end, device.major);
+  if (major.ec != std::errc{} || major.ptr == end || *major.ptr != ':') return std::nullopt;
+  const auto minor = std::from_chars(major.ptr + 1, end, device.minor);
+  if (minor.ec != std::errc{} || minor.ptr != end) return std::nullopt;
+  return device;
+}
 
 std::vector<Mount> parseMountInfo(std::string_view text) {
   std::vector<Mount> mounts;

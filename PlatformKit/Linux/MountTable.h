@@ -17,6 +17,9 @@ struct Mount {
   std::string source;      ///< such as "/dev/sdb1"
 };
 
+/// The numbers in a text such as "8:17"; none when it is anything else. Any thread.
+std::optional<DeviceNumber> parseDeviceNumber(std::string_view text);
+
 /// The mounts in the text, in its order, which is the order of mounting. Lines that do not have the
 /// form of mountinfo are left out. Any thread.
 std::vector<Mount> parseMountInfo(std::string_view text);

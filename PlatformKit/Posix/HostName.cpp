@@ -1,6 +1,7 @@
 #include "PlatformKit/Posix/HostName.h"
 
 #include <array>
+
 #include <unistd.h>
 
 namespace PlatformKit {

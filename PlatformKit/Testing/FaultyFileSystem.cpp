@@ -146,6 +146,11 @@ int FaultyFileSystem::moveWithoutReplacing(const Path& from, const Path& to) {
   return error != 0 ? error : below_.moveWithoutReplacing(from, to);
 }
 
+int FaultyFileSystem::moveReplacing(const Path& from, const Path& to) {
+  const int error = ask(Call::moveReplacing, to).error;
+  return error != 0 ? error : below_.moveReplacing(from, to);
+}
+
 int FaultyFileSystem::removeFile(const Path& path) {
   const int error = ask(Call::remove, path).error;
   return error != 0 ? error : below_.removeFile(path);

@@ -28,6 +28,7 @@ enum class Call {
   flush,
   createFolder,
   move,
+  moveReplacing,
   remove,
   setDates,
   flushFolder,
@@ -77,6 +78,7 @@ class FaultyFileSystem final : public FileSystem {
   [[nodiscard]] Result<std::unique_ptr<WritableFile>> createFile(const Path& path) override;
   [[nodiscard]] int createFolder(const Path& path) override;
   [[nodiscard]] int moveWithoutReplacing(const Path& from, const Path& to) override;
+  [[nodiscard]] int moveReplacing(const Path& from, const Path& to) override;
   [[nodiscard]] int removeFile(const Path& path) override;
   [[nodiscard]] int setDates(const Path& path, Date modified, std::optional<Date> created) override;
   [[nodiscard]] int flushFolder(const Path& folder) override;

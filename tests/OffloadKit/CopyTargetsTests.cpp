@@ -44,10 +44,8 @@ TEST_F(Resume, takesOnlyARegularFileForACopy) {
 }
 
 TEST(TemporaryNames, areHiddenNeighboursThatFitAndThatNoFileOfTheCardHas) {
-  const auto named = [](const std::vector<std::string>& card, const std::string& path) {
-    std::vector<SourceFile> files;
-    for (const auto& name : card) files.push_back({name, 0, {}, {}});
-    return TemporaryNames(files).forFile(path);
+  const auto named = [](const std::vector<std::string_view>& card, const std::string& path) {
+    return TemporaryNames(card).forFile(path);
   };
   EXPECT_EQ(named({}, "DCIM/IMG.CR3"), "DCIM/.IMG.CR3.zmpart");
   EXPECT_EQ(named({}, "IMG"), ".IMG.zmpart");
@@ -69,8 +67,8 @@ class Targets : public OffloadFixture {
   std::vector<CopyTarget> choose(const SourceFile& file) {
     DestinationHealth health(system_, {drive(1), drive(2)});
     outcomes_.assign(2, Outcome::failed("Not copied"));
-    return chooseTargets(fileSystem_, file, {drive(1), drive(2)}, TemporaryNames({file}), health,
-                         outcomes_);
+    return chooseTargets(fileSystem_, file, {drive(1), drive(2)},
+                         TemporaryNames({file.relativePath}), health, outcomes_);
   }
   std::vector<Outcome> outcomes_;
 };

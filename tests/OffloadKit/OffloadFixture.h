@@ -3,6 +3,7 @@
 #include "OffloadKit/OffloadEngine.h"
 #include "PlatformKit/Linux/LinuxFileSystem.h"
 #include "PlatformKit/Linux/LinuxVolumes.h"
+#include "PlatformKit/Testing/FakeRawDevices.h"
 #include "PlatformKit/Testing/FakeVolumes.h"
 #include "PlatformKit/Testing/FaultyFileSystem.h"
 #include "PlatformKit/Testing/TempFolder.h"
@@ -43,10 +44,13 @@ class OffloadFixture : public ::testing::Test {
   /// Runs the plan in a new engine.
   OffloadResult run(const OffloadPlan& plan);
 
-  /// Every file of the card lies on the drive, byte for byte and with its date, and nothing else.
+  /// Every file of the card lies on the drive, byte for byte and with its date, and nothing else
+  /// but the records of runs.
   void expectIdentical(int number) const;
   /// No temporary copy is left on any drive and no file open.
   void expectNothingPending() const;
+  /// What lies in the copies' folder on a drive, without the records of runs.
+  [[nodiscard]] std::vector<std::string> copiedTree(int number) const;
   /// What a scan of the card reads: names, content and dates.
   [[nodiscard]] std::vector<std::string> cardState() const;
 
@@ -58,6 +62,8 @@ class OffloadFixture : public ::testing::Test {
   FaultyFileSystem fileSystem_{linux_};
   PlatformKit::Testing::FakeVolumes volumes_{linuxVolumes_};
   PlatformKit::System system_{fileSystem_, volumes_, clock_};
+  PlatformKit::Testing::FakeRawDevices rawDevices_;
+  DeviceKit::RawDeviceAccess rawDeviceAccess_{rawDevices_, {}};
 };
 
 /// The error that `action` throws; fails the test when it throws none.

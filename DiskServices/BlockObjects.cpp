@@ -1,0 +1,121 @@
+#include "DiskServices/BlockObjects.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace DiskServices {
+namespace {
+
+bool isObject(const std::string& object) {
+  return object.size() > 1;
+}
+
+std::string readText(sd_bus_message* message, char type) {
+  const char* text = nullptr;
+  checked(sd_bus_message_read_basic(message, type, &text));
+  return text;
+}
+
+std::string readObject(sd_bus_message* message) {
+  checked(sd_bus_message_enter_container(message, 'v', "o"));
+  std::string object = readText(message, 'o');
+  checked(sd_bus_message_exit_container(message));
+  return object;
+}
+
+// Paths travel as bytes that end in 0.
+std::string readPath(sd_bus_message* message) {
+  checked(sd_bus_message_enter_container(message, 'v', "ay"));
+  const void* bytes = nullptr;
+  std::size_t size = 0;
+  checked(sd_bus_message_read_array(message, 'y', &bytes, &size));
+  std::string path(static_cast<const char*>(bytes), size);
+  checked(sd_bus_message_exit_container(message));
+  if (path.ends_with('\0')) path.pop_back();
+  return path;
+}
+
+std::size_t countPaths(sd_bus_message* message) {
+  std::size_t count = 0;
+  checked(sd_bus_message_enter_container(message, 'v', "aay"));
+  forEachElement(message, "ay", [&] {
+    checked(sd_bus_message_skip(message, "ay"));
+    ++count;
+  });
+  checked(sd_bus_message_exit_container(message));
+  return count;
+}
+
+void readProperty(sd_bus_message* message, std::string_view interface, BlockObject& block) {
+  checked(sd_bus_message_enter_container(message, 'e', "sv"));
+  const std::string name = std::string(interface) + "." + readText(message, 's');
+  if (name == "org.freedesktop.UDisks2.Block.Device") {
+    block.device = readPath(message);
+  } else if (name == "org.freedesktop.UDisks2.Block.Drive") {
+    block.drive = readObject(message);
+  } else if (name == "org.freedesktop.UDisks2.Block.CryptoBackingDevice") {
+    block.encrypted = readObject(message);
+  } else if (name == "org.freedesktop.UDisks2.Partition.Table") {
+    block.table = readObject(message);
+  } else if (name == "org.freedesktop.UDisks2.Filesystem.MountPoints") {
+    block.mountPoints = countPaths(message);
+  } else {
+    checked(sd_bus_message_skip(message, "v"));
+  }
+  checked(sd_bus_message_exit_container(message));
+}
+
+BlockObject readBlock(sd_bus_message* message) {
+  BlockObject block;
+  checked(sd_bus_message_enter_container(message, 'e', "oa{sa{sv}}"));
+  block.object = readText(message, 'o');
+  forEachElement(message, "{sa{sv}}", [&] {
+    checked(sd_bus_message_enter_container(message, 'e', "sa{sv}"));
+    const std::string interface = readText(message, 's');
+    forEachElement(message, "{sv}", [&] { readProperty(message, interface, block); });
+    checked(sd_bus_message_exit_container(message));
+  });
+  checked(sd_bus_message_exit_container(message));
+  return block;
+}
+
+}  // namespace
+
+std::vector<BlockObject> blockObjects(SystemBus& bus) {
+  const Message reply =
+      bus.call(bus.newCall("/org/freedesktop/UDisks2", "org.freedesktop.DBus.ObjectManager",
+                           "GetManagedObjects"),
+               SystemBus::kPatient);
+  std::vector<BlockObject> blocks;
+  forEachElement(reply.get(), "{oa{sa{sv}}}", [&] {
+    BlockObject block = readBlock(reply.get());
+    // Drives, jobs and the manager have none.
+    if (!block.device.empty()) blocks.push_back(std::move(block));
+  });
+  return blocks;
+}
+
+const BlockObject* findDevice(const std::vector<BlockObject>& blocks, const std::string& device) {
+  const auto found = std::find_if(blocks.begin(), blocks.end(),
+                                  [&](const BlockObject& block) { return block.device == device; });
+  return found == blocks.end() ? nullptr : &*found;
+}
+
+bool liesOn(const BlockObject& block, const BlockObject& disk,
+            const std::vector<BlockObject>& blocks) {
+  const BlockObject* below = &block;
+  // As many steps as there are devices, should they ever point at each other in a circle.
+  for (std::size_t steps = 0; steps < blocks.size(); ++steps) {
+    if (below->object == disk.object || below->table == disk.object) return true;
+    if (isObject(disk.drive) && below->drive == disk.drive) return true;
+    const std::string& next = below->encrypted;
+    const auto found = std::find_if(blocks.begin(), blocks.end(), [&](const BlockObject& other) {
+      return isObject(next) && other.object == next;
+    });
+    if (found == blocks.end()) return false;
+    below = &*found;
+  }
+  return false;
+}
+
+}  // namespace DiskServices
