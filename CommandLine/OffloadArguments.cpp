@@ -41,19 +41,52 @@ Path sourcePath(PlatformKit::FileSystem& fileSystem, const std::string& typed) {
   return resolved.value();
 }
 
+// Whether the source is a mounted volume as a whole, as a card is.
+bool isWholeVolume(PlatformKit::System system, const Path& source,
+                   const PlatformKit::VolumeFacts& facts) {
+  if (!facts.root) return false;
+  const auto root = system.fileSystem.resolve(*facts.root);
+  return root.ok() && root.value() == source;
+}
+
 // As people know it: the volume's name when the source is a whole volume, else the folder's.
 std::string sourceName(PlatformKit::System system, const Path& source) {
   const auto facts = system.volumes.facts(source);
-  if (facts.root && facts.name) {
-    const auto root = system.fileSystem.resolve(*facts.root);
-    if (root.ok() && root.value() == source) return *facts.name;
-  }
+  if (facts.name && isWholeVolume(system, source, facts)) return *facts.name;
   const std::string folder = OffloadKit::lastComponent(source);
   return folder.empty() ? "Card" : folder;
 }
 
+std::uint64_t freeSpace(PlatformKit::System system, const Path& destination) {
+  const auto facts =
+      system.volumes.facts(OffloadKit::nearestExisting(system.fileSystem, destination));
+  return std::max(facts.availableForImportantUse.value_or(0), facts.available.value_or(0));
+}
+
+OffloadKit::CardImageRequest imageRequest(PlatformKit::System system,
+                                          const DeviceKit::DiskEnumerator& disks,
+                                          const OffloadKit::OffloadPlan& plan) {
+  if (!isWholeVolume(system, plan.source, system.volumes.facts(plan.source))) {
+    throw ArgumentError(quoted(plan.source.native()) +
+                        " is a folder, not a whole card. A card image needs a card as the source.");
+  }
+  const auto disk = disks.wholeDisk(plan.source);
+  if (!disk) {
+    throw ArgumentError("There is no single disk behind " + quoted(plan.source.native()) +
+                        " that a card image could be made of.");
+  }
+  std::size_t emptiest = 0;
+  for (std::size_t i = 1; i < plan.destinations.size(); ++i) {
+    if (freeSpace(system, plan.destinations[i]) > freeSpace(system, plan.destinations[emptiest])) {
+      emptiest = i;
+    }
+  }
+  return {disk->rawPath, emptiest, disk->size};
+}
+
 std::vector<Path> destinationFolders(PlatformKit::FileSystem& fileSystem,
                                      const std::vector<std::string>& typed) {
+  if (typed.size() > 3) throw ArgumentError("At most three destinations can be given.");
   std::vector<Path> folders;
   for (const std::string& destination : typed) {
     if (destination.empty()) throw ArgumentError("A destination is empty. Name a folder.");
@@ -74,7 +107,8 @@ std::vector<Path> destinationFolders(PlatformKit::FileSystem& fileSystem,
 
 }  // namespace
 
-OffloadKit::OffloadPlan planFor(const OffloadArguments& arguments, PlatformKit::System system) {
+OffloadKit::OffloadPlan planFor(const OffloadArguments& arguments, PlatformKit::System system,
+                                const DeviceKit::DiskEnumerator& disks) {
   const auto destinations = destinationFolders(system.fileSystem, arguments.destinations);
   OffloadKit::OffloadPlan plan;
   plan.source = sourcePath(system.fileSystem, arguments.source);
@@ -87,6 +121,7 @@ OffloadKit::OffloadPlan planFor(const OffloadArguments& arguments, PlatformKit::
   plan.algorithm = arguments.checksum;
   plan.verifySource = !arguments.readOnce;
   plan.chunkSize = OffloadKit::kUsualChunkSize;
+  if (arguments.cardImage) plan.cardImage = imageRequest(system, disks, plan);
   return plan;
 }
 

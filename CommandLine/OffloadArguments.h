@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DeviceKit/DiskEnumerator.h"
 #include "HashKit/HashAlgorithm.h"
 #include "OffloadKit/OffloadPlan.h"
 #include "PlatformKit/System.h"
@@ -18,6 +19,7 @@ struct OffloadArguments {
   std::string project;
   HashKit::HashAlgorithm checksum = HashKit::HashAlgorithm::xxh64;
   bool readOnce = false;
+  bool cardImage = false;
   bool json = false;
   bool quiet = false;
 };
@@ -34,8 +36,10 @@ class SourceError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// The plan that the arguments ask for: absolute paths, and on every destination the folder that
-/// the template names. Throws ArgumentError and SourceError.
-OffloadKit::OffloadPlan planFor(const OffloadArguments& arguments, PlatformKit::System system);
+/// The plan that the arguments ask for: absolute paths, on every destination the folder that the
+/// template names, and the card image, if wanted, on the destination with the most free space. Throws
+/// ArgumentError and SourceError.
+OffloadKit::OffloadPlan planFor(const OffloadArguments& arguments, PlatformKit::System system,
+                                const DeviceKit::DiskEnumerator& disks);
 
 }  // namespace CommandLine

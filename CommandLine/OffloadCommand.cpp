@@ -28,10 +28,16 @@ std::unique_ptr<ProgressDisplay> displayFor(const OffloadArguments& arguments,
   return makeLogDisplay(plan, clock);
 }
 
+// Everything that was asked for is there and verified, and all of the card could be read.
+bool isComplete(const OffloadKit::OffloadResult& result) {
+  const auto& image = result.cardImage;
+  return result.allVerified() && result.unreadable.empty() &&
+         (!image || (image->outcome.isVerified() && image->unreadableBlocks == 0));
+}
+
 void tellResult(const OffloadArguments& arguments, const OffloadKit::OffloadResult& result) {
-  const bool allIsWell = result.allVerified() && result.unreadable.empty();
   if (arguments.json) printJsonLine(resultJson(result));
-  if (arguments.quiet && allIsWell) return;
+  if (arguments.quiet && isComplete(result)) return;
   if (arguments.json) {
     printError(verdict(result, true));
   } else {
@@ -45,8 +51,9 @@ void tellError(const std::string& sentence) {
 
 }  // namespace
 
-int runOffload(const OffloadArguments& arguments, PlatformKit::System system) {
-  OffloadKit::OffloadEngine engine(system);
+int runOffload(const OffloadArguments& arguments, const Services& services) {
+  const PlatformKit::System& system = services.system;
+  OffloadKit::OffloadEngine engine(system, services.rawDevices);
   std::atomic<int> interruptedBy = 0;
   const PlatformKit::Interrupts interrupts([&](int signal) {
     interruptedBy = signal;
@@ -54,13 +61,13 @@ int runOffload(const OffloadArguments& arguments, PlatformKit::System system) {
   });
   std::unique_ptr<ProgressDisplay> display = makeSilentDisplay();
   try {
-    const OffloadKit::OffloadPlan plan = planFor(arguments, system);
+    const OffloadKit::OffloadPlan plan = planFor(arguments, system, services.disks);
     display = displayFor(arguments, plan, system.clock);
     const auto result = engine.run(
         plan, [&](const OffloadKit::OffloadProgress& progress) { display->show(progress); });
     display->finish();
     tellResult(arguments, result);
-    return result.allVerified() && result.unreadable.empty() ? allVerified : notEverything;
+    return isComplete(result) ? allVerified : notEverything;
   } catch (const ArgumentError& error) {
     tellError(error.what());
     return wrongArguments;

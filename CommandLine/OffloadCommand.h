@@ -1,12 +1,12 @@
 #pragma once
 
 #include "CommandLine/OffloadArguments.h"
-#include "PlatformKit/System.h"
+#include "CommandLine/Services.h"
 
 namespace CommandLine {
 
 /// Runs "zephrimark offload" and answers the program's exit status (see ExitStatus). Call it on the
 /// main thread before any other thread exists: it watches for Ctrl-C.
-int runOffload(const OffloadArguments& arguments, PlatformKit::System system);
+int runOffload(const OffloadArguments& arguments, const Services& services);
 
 }  // namespace CommandLine

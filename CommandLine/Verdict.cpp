@@ -68,6 +68,25 @@ std::string driveLine(const OffloadResult& result, std::size_t index, bool onSta
   return line + "\n";
 }
 
+std::string imageLine(const OffloadKit::CardImageResult& image, bool onStandardError) {
+  const bool saved = image.outcome.isVerified();
+  std::string line = "  " +
+                     styled(saved ? "✓" : "✗", saved ? Style::good : Style::bad, onStandardError) +
+                     " Card image\n    ";
+  if (!saved) return line + "Not saved: " + image.outcome.reason() + "\n";
+  line += byteCountText(image.size) + " verified";
+  if (image.unreadableBlocks > 0) {
+    line += fmt::format(" · {} unreadable blocks saved as zeros", grouped(image.unreadableBlocks));
+  }
+  return line + "\n    " + singleLineText(image.url.native()) + "\n";
+}
+
+std::string records(const char* title, const std::vector<PlatformKit::Path>& files) {
+  std::string text = files.empty() ? "" : fmt::format("\n{}\n", title);
+  for (const auto& file : files) text += "  " + singleLineText(file.native()) + "\n";
+  return text;
+}
+
 // A file that failed everywhere for one reason needs one line, any other a line per drive.
 std::string failedFile(const OffloadResult& result, const OffloadKit::OffloadedFile& file) {
   const auto& outcomes = file.outcomes;
@@ -91,6 +110,7 @@ std::string verdict(const OffloadResult& result, bool onStandardError) {
   for (std::size_t i = 0; i < result.plan.destinations.size(); ++i) {
     text += driveLine(result, i, onStandardError);
   }
+  if (result.cardImage) text += imageLine(*result.cardImage, onStandardError);
   const auto failed = result.failedFiles();
   if (!failed.empty()) {
     text += "\n" + styled("Not verified everywhere", Style::strong, onStandardError) + "\n";
@@ -105,6 +125,7 @@ std::string verdict(const OffloadResult& result, bool onStandardError) {
           item.reason);
     }
   }
+  text += records("Reports", result.reports) + records("Hash lists", result.mhlFiles);
   return forThisTerminal(text);
 }
 

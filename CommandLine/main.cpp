@@ -1,9 +1,9 @@
+#include "CommandLine/DisksCommand.h"
 #include "CommandLine/ExitStatus.h"
 #include "CommandLine/OffloadCommand.h"
 #include "CommandLine/Output.h"
+#include "CommandLine/Services.h"
 #include "HashKit/HashAlgorithm.h"
-#include "PlatformKit/Linux/LinuxFileSystem.h"
-#include "PlatformKit/Linux/LinuxVolumes.h"
 #include "PlatformKit/Posix/Terminal.h"
 
 #include <memory>
@@ -20,6 +20,11 @@ class OffloadHelp final : public CLI::Formatter {
   }
 };
 
+std::string unknownChecksum(const std::string& name) {
+  if (HashKit::hashAlgorithmFromRawValue(name)) return {};
+  return "There is no checksum \"" + name + "\"; choose xxh64, md5 or sha256.";
+}
+
 void describeOffload(CLI::App& command, CommandLine::OffloadArguments& arguments) {
   command.formatter(std::make_shared<OffloadHelp>());
   command.add_option("SOURCE", arguments.source, "The card, or any folder; it is only read")
@@ -28,9 +33,8 @@ void describeOffload(CLI::App& command, CommandLine::OffloadArguments& arguments
   command
       .add_option("DESTINATION", arguments.destinations,
                   "One to three folders, best on drives of their own")
-      ->required()
       ->type_name("FOLDER")
-      ->expected(1, 3);
+      ->required();
   command
       .add_option("--template", arguments.folderTemplate,
                   "Folder made in each destination; may hold {date} {time} {card} {camera} "
@@ -45,11 +49,15 @@ void describeOffload(CLI::App& command, CommandLine::OffloadArguments& arguments
           [&arguments](const std::string& name) {
             arguments.checksum = HashKit::hashAlgorithmFromRawValue(name).value();
           },
-          "Checksum for every comparison (default: xxh64)")
+          "xxh64 (default), md5 or sha256; hash lists with sha256 are outside the ASC MHL schema, "
+          "so choose another for exchange")
       ->type_name("NAME")
-      ->check(CLI::IsMember({"xxh64", "md5", "sha256"}));
+      ->check(CLI::Validator(unknownChecksum, "", "checksum"));
   command.add_flag("--read-once", arguments.readOnce,
                    "Read the card only once; without this it is read a second time and compared");
+  command.add_flag("--card-image", arguments.cardImage,
+                   "Also save an image of the whole card, deleted files included, on the "
+                   "destination with the most free space");
   command.add_flag("--json", arguments.json,
                    "One JSON object per line on standard output; sentences on standard error");
   command.add_flag("--quiet", arguments.quiet, "No progress, and no verdict when all is verified");
@@ -59,27 +67,47 @@ void describeOffload(CLI::App& command, CommandLine::OffloadArguments& arguments
       "or was stopped by an error; 130 stopped by Ctrl-C. Starting again picks up where it ended.");
 }
 
+// One sentence in our own voice; help and version are no errors.
+int tellParseError(const CLI::App& program, const CLI::ParseError& error) {
+  if (error.get_exit_code() == 0) {
+    program.exit(error);
+    return CommandLine::allVerified;
+  }
+  std::string sentence = error.what();
+  const std::size_t checksum = sentence.find("There is no checksum");
+  if (checksum != std::string::npos) sentence.erase(0, checksum);
+  if (!sentence.ends_with('.')) sentence += ".";
+  CommandLine::printError("zephrimark: " + sentence + " See zephrimark --help.\n");
+  return CommandLine::wrongArguments;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   PlatformKit::openMissingStandardStreams();
-  PlatformKit::LinuxFileSystem fileSystem;
-  PlatformKit::LinuxVolumes volumes;
-  const PlatformKit::SystemClock clock;
-
   CLI::App program("Copies camera cards to one, two or three drives and verifies every copy.",
                    "zephrimark");
   program.set_version_flag("--version", "zephrimark " ZEPHRIMARK_VERSION);
-  program.require_subcommand(1);
+
   CommandLine::OffloadArguments arguments;
   CLI::App* offload =
       program.add_subcommand("offload", "Copy a card or folder and read every copy back");
   describeOffload(*offload, arguments);
+
+  bool allDisks = false;
+  bool disksAsJson = false;
+  CLI::App* disks = program.add_subcommand("disks", "List the disks that can be cards");
+  disks->add_flag("--all", allDisks, "Internal disks and disk images too");
+  disks->add_flag("--json", disksAsJson, "One JSON object per line");
+
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    // CLI11 has error numbers of its own; help and version are no errors.
-    return program.exit(error) == 0 ? CommandLine::allVerified : CommandLine::wrongArguments;
+    return tellParseError(program, error);
   }
-  return CommandLine::runOffload(arguments, {fileSystem, volumes, clock});
+  CommandLine::Services services;
+  if (*offload) return CommandLine::runOffload(arguments, services);
+  if (*disks) return CommandLine::runDisks(allDisks, disksAsJson, services.physicalDisks);
+  CommandLine::printError(program.help());
+  return CommandLine::wrongArguments;
 }

@@ -9,12 +9,14 @@ set(PlatformKit_may "")
 set(HashKit_may "")
 set(DeviceKit_may PlatformKit)
 set(OffloadKit_may HashKit PlatformKit DeviceKit)
-set(CommandLine_may HashKit PlatformKit DeviceKit OffloadKit)
-set(modules PlatformKit HashKit DeviceKit OffloadKit CommandLine)
+set(DiskServices_may PlatformKit)
+set(DeviceHelper_may PlatformKit)
+set(CommandLine_may HashKit PlatformKit DeviceKit OffloadKit DiskServices)
+set(modules PlatformKit HashKit DeviceKit OffloadKit DiskServices DeviceHelper CommandLine)
 
 # The operating system's own headers belong to the lowest layer's implementations.
 set(system_headers "<(unistd|fcntl|dirent|poll|pthread|sched|signal|termios|langinfo|locale)\\.h>|<sys/|<linux/|<csignal>")
-set(system_folders "PlatformKit/(Posix|Linux|Testing)/")
+set(system_folders "^(PlatformKit/(Posix|Linux|Testing)|DiskServices|DeviceHelper)/")
 
 foreach(module IN LISTS modules)
   file(GLOB_RECURSE sources RELATIVE ${root} ${root}/${module}/*.h ${root}/${module}/*.cpp)

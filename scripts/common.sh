@@ -5,7 +5,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 build_packages=(
   g++ cmake ninja-build pkg-config
-  libssl-dev libexpat1-dev libicu-dev libfmt-dev libcli11-dev nlohmann-json3-dev
+  libssl-dev libexpat1-dev libicu-dev libfmt-dev libcli11-dev nlohmann-json3-dev libsystemd-dev
 )
 test_packages=(libgtest-dev libgmock-dev)
 benchmark_packages=(libbenchmark-dev libxxhash-dev)

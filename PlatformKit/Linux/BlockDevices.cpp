@@ -8,6 +8,7 @@
 #include <optional>
 #include <set>
 #include <system_error>
+#include <tuple>
 
 namespace PlatformKit {
 namespace {
@@ -65,8 +66,9 @@ BlockDevices::BlockDevices(const Path& sys) {
     if (!number || !folder) continue;
     devices_.push_back({*folder, *number, numberOf(*folder, "partition"), slavesOf(*folder)});
   }
-  std::sort(devices_.begin(), devices_.end(),
-            [](const auto& a, const auto& b) { return a.number < b.number; });
+  std::sort(devices_.begin(), devices_.end(), [](const auto& a, const auto& b) {
+    return std::tie(a.number.major, a.number.minor) < std::tie(b.number.major, b.number.minor);
+  });
 }
 
 const BlockDevice* BlockDevices::find(DeviceNumber number) const {

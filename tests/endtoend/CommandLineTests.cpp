@@ -121,11 +121,18 @@ class Offload : public testing::Test {
   }
   [[nodiscard]] static Path landed(const Path& destination) { return day(destination) / "A001"; }
 
-  // These copies lie where they should and nothing else does, temporary files included.
+  // What a run leaves beside the copies.
+  [[nodiscard]] static bool isRecord(const std::string& item) {
+    return item.find("Offload Report ") != std::string::npos ||
+           item.find("ascmhl/") != std::string::npos;
+  }
+
+  // These copies lie where they should and nothing else but records does, temporary files included.
   void expectCopied(const Path& destination, Words names) const {
     const Path folder = landed(destination);
     Words found = tree(folder);
-    std::erase_if(found, [](const std::string& name) { return name.ends_with('/'); });
+    std::erase_if(found,
+                  [](const std::string& name) { return name.ends_with('/') || isRecord(name); });
     std::sort(names.begin(), names.end());
     EXPECT_EQ(found, names);
     for (const std::string& name : found) {
@@ -181,6 +188,11 @@ TEST_F(Offload, SecondRunReadsEveryCopyBackAndRewritesNone) {
   const auto identities = [&] {
     std::vector<std::array<std::uint64_t, 3>> list;
     for (const std::string& item : tree(temp_.path())) {
+      // The second run adds records of its own, and so changes their folder.
+      if (isRecord(item) || (temp_.path() / item) == landed(first_) / "" ||
+          (temp_.path() / item) == landed(second_) / "") {
+        continue;
+      }
       struct stat facts {};
       EXPECT_EQ(lstat((temp_.path() / item).c_str(), &facts), 0);
       list.push_back({facts.st_ino, static_cast<std::uint64_t>(facts.st_ctim.tv_sec),
@@ -245,7 +257,7 @@ TEST_F(Offload, WhatCannotBeMeantOrStartedIsToldAndNothingIsMade) {
   const std::vector<Case> cases = {
       {{}, 2, "SOURCE"},
       {{"A001"}, 2, "DESTINATION"},
-      {{"A001", "1", "2", "3", "4"}, 2, "DESTINATION"},
+      {{"A001", "1", "2", "3", "4"}, 2, "At most three destinations"},
       {{"A001", "first", "--turbo"}, 2, "--turbo"},
       {{"A001", "first", "--checksum", "md4"}, 2, "md4"},
       {{"A001", "first", "first"}, 2, "\"first\" is given twice"},
@@ -311,7 +323,10 @@ TEST_F(Offload, JsonIsProgressAndThenOneResultAndQuietLeavesTheResult) {
   const std::string started = result.at("started");
   const std::string finished = result.at("finished");
   EXPECT_TRUE(before <= started && started <= finished && finished <= after) << result;
-  EXPECT_TRUE(result.at("hashLists").is_array() && result.at("reports").is_array());
+  for (const char* member : {"hashLists", "reports"}) {
+    for (const json& file : result.at(member)) EXPECT_TRUE(fs::exists(file.get<std::string>()));
+    EXPECT_FALSE(result.at(member).empty());
+  }
   json rest = result;
   for (const char* member : {"started", "finished", "hashLists", "reports"}) rest.erase(member);
   const json drives = {{{"path", landed(first_).native()}, {"verified", 2}, {"error", nullptr}},
