@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <initializer_list>
-#include <optional>
 #include <sstream>
 #include <system_error>
 
@@ -27,9 +26,9 @@ class SysDisk {
     const Path subsystem = folder.parent_path();
     if (subsystemOf(subsystem) == "nvme-subsystem") connections_ = controllersOf(subsystem);
     if (connections_.empty()) connections_ = {folder};
-    for (const Path& ancestor : ancestorsOf(folder)) {
-      if (subsystemOf(ancestor) == "mmc") mmcCard_ = ancestor;
-    }
+    const auto ancestors = ancestorsOf(folder);
+    isMmc_ = std::any_of(ancestors.begin(), ancestors.end(),
+                         [](const Path& ancestor) { return subsystemOf(ancestor) == "mmc"; });
   }
 
   [[nodiscard]] std::string identifier() const {
@@ -40,12 +39,12 @@ class SysDisk {
   }
 
   [[nodiscard]] std::string mediaName() const {
-    if (mmcCard_) {
-      // For what is soldered in, "MMC" would read as a card in a slot.
-      const std::string type = mmcAttribute("type");
-      return joined({type == "MMC" ? "" : type, mmcAttribute("name")});
-    }
     const Path device = folder_ / "device";
+    if (isMmc_) {
+      // For what is soldered in, "MMC" would read as a card in a slot.
+      const std::string type = attributeOf(device, "type");
+      return joined({type == "MMC" ? "" : type, attributeOf(device, "name")});
+    }
     std::string vendor = attributeOf(device, "vendor");
     // Neither is a maker: a bus's number, and what the kernel says for every disk of that kind.
     if (vendor.starts_with("0x") || vendor == "ATA") vendor.clear();
@@ -55,9 +54,8 @@ class SysDisk {
   }
 
   [[nodiscard]] bool isDiskImage() const {
-    const bool isNetworkBlockDevice = folder_.filename().native().starts_with("nbd");
     return !attributeOf(folder_ / "loop", "backing_file").empty() ||
-           (isNetworkBlockDevice && numberOf(folder_, "size") > 0);
+           folder_.filename().native().starts_with("nbd");
   }
 
   [[nodiscard]] bool isVirtual() const {
@@ -70,7 +68,8 @@ class SysDisk {
 
   [[nodiscard]] bool isRemovableMedia() const {
     // Slots for cards do not set the attribute.
-    return numberOf(folder_, "removable") == 1 || (mmcCard_ && mmcAttribute("type") != "MMC");
+    return numberOf(folder_, "removable") == 1 ||
+           (isMmc_ && attributeOf(folder_ / "device", "type") != "MMC");
   }
 
   [[nodiscard]] bool isHotPluggable() const {
@@ -87,7 +86,6 @@ class SysDisk {
     std::vector<Path> controllers;
     for (const Path& item : itemsOf(subsystem)) {
       std::error_code error;
-      if (!std::filesystem::is_symlink(item, error)) continue;
       Path controller = std::filesystem::canonical(item, error);
       if (!error && subsystemOf(controller) == "nvme") controllers.push_back(std::move(controller));
     }
@@ -114,11 +112,6 @@ class SysDisk {
            attributeOf(ancestor, "removable") != "fixed";
   }
 
-  [[nodiscard]] std::string mmcAttribute(const char* name) const {
-    std::string value = attributeOf(*mmcCard_, name);
-    return value.empty() ? attributeOf(folder_ / "device", name) : value;
-  }
-
   // Makers fill their fields up with spaces.
   static std::string joined(std::initializer_list<std::string> parts) {
     std::string result;
@@ -132,7 +125,7 @@ class SysDisk {
   Path folder_;
   Path devices_;
   std::vector<Path> connections_;  // never empty
-  std::optional<Path> mmcCard_;
+  bool isMmc_ = false;
 };
 
 }  // namespace

@@ -152,10 +152,10 @@ TEST_F(LinuxDisksOfAMachine, EveryKindOfConnectionTellsItsFacts) {
   const auto mmc = [&](const std::string& card) {
     return way({"pci0000=00", "0000=02=00.0:pci", "mmc_host", "mmc0:mmc_host", card + ":mmc"});
   };
-  set(mmc("mmc0=aaaa"), {{"type", "SD"}, {"name", "SN64G"}});
-  add(mmc("mmc0=aaaa") + "/block/mmcblk0", "179:0");
-  set(mmc("mmc1=0001"), {{"type", "MMC"}, {"name", "BJTD4R"}});
-  add(mmc("mmc1=0001") + "/block/mmcblk1", "179:8");
+  add(mmc("mmc0=aaaa") + "/block/mmcblk0", "179:0",
+      {{"device/type", "SD"}, {"device/name", "SN64G"}});
+  add(mmc("mmc1=0001") + "/block/mmcblk1", "179:8",
+      {{"device/type", "MMC"}, {"device/name", "BJTD4R"}});
   add(mmc("mmc1=0001") + "/block/mmcblk1/mmcblk1boot0", "179:16");
   add(way({"pci0000=00", "0000=3c=00.0:pci:fixed", "nvme", "nvme0:nvme"}) + "/nvme0n1", "259:0",
       {{"device/model", "INT SSD"}});

@@ -1,0 +1,126 @@
+#include "PlatformKit/Posix/DescriptorPassing.h"
+#include "PlatformKit/Posix/HelperOpener.h"
+#include "tests/DiskServices/Machine.h"
+
+#include <array>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace DiskServices::Testing {
+namespace {
+
+using PlatformKit::Path;
+using PlatformKit::UniqueFd;
+using PlatformKit::Testing::pattern;
+using PlatformKit::Testing::readFile;
+using PlatformKit::Testing::TempFolder;
+using PlatformKit::Testing::writeFile;
+
+class DeviceHelper : public ::testing::Test {
+ protected:
+  DeviceHelper() {
+    if (geteuid() != 0) return;
+    writeFile(folder_.path() / "image", pattern(8192));
+    device_ = std::make_unique<LoopDevice>(folder_.path() / "image");
+  }
+  void SetUp() override {
+    if (geteuid() != 0) GTEST_SKIP() << "Only the administrator can make block devices.";
+  }
+
+  // Runs the helper with these streams; answers its status.
+  int run(const std::vector<std::string>& arguments, int output) {
+    std::vector<std::string> command = {ZEPHRIMARK_DEVICE_HELPER};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    std::vector<char*> list;
+    for (std::string& argument : command) list.push_back(argument.data());
+    list.push_back(nullptr);
+    const UniqueFd errors(open(errors_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+    const pid_t child = fork();
+    if (child == 0) {
+      dup2(output, STDOUT_FILENO);
+      dup2(errors.get(), STDERR_FILENO);
+      execv(list.front(), list.data());
+      _exit(99);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+  void expectRefusal(const std::vector<std::string>& arguments) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()), 0);
+    const UniqueFd ours(ends[0]);
+    {
+      const UniqueFd theirs(ends[1]);
+      EXPECT_EQ(run(arguments, theirs.get()), 1) << ::testing::PrintToString(arguments);
+    }
+    EXPECT_FALSE(PlatformKit::receiveDescriptor(ours.get()).valid())
+        << ::testing::PrintToString(arguments);
+    EXPECT_TRUE(readFile(errors_).ends_with(".\n")) << readFile(errors_);
+  }
+
+  const TempFolder folder_;
+  const Path errors_ = folder_.path() / "errors";
+  std::unique_ptr<LoopDevice> device_;
+};
+
+TEST_F(DeviceHelper, HandsOverTheDeviceForReadingOnly) {
+  const auto before = openDescriptors();
+  {
+    const auto answer =
+        PlatformKit::HelperOpener({ZEPHRIMARK_DEVICE_HELPER}).openReadOnly(device_->path());
+    ASSERT_EQ(answer.kind, Kind::opened);
+    std::string bytes(8192, '\0');
+    EXPECT_EQ(pread(answer.descriptor.get(), bytes.data(), bytes.size(), 0), 8192);
+    EXPECT_EQ(bytes, pattern(8192));
+    EXPECT_LT(write(answer.descriptor.get(), "x", 1), 0);
+    EXPECT_NE(fcntl(answer.descriptor.get(), F_GETFD) & FD_CLOEXEC, 0);
+  }
+  EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST_F(DeviceHelper, RefusesWhatIsNotABlockDeviceRightInDev) {
+  const Path link = "/dev/zephrimark-test-" + std::to_string(getpid());
+  std::filesystem::create_symlink(device_->path(), link);
+  expectRefusal({link});
+  std::filesystem::remove(link);
+  writeFile(link, "a regular file");
+  expectRefusal({link});
+  std::filesystem::remove(link);
+  ASSERT_EQ(mkfifo(link.c_str(), 0600), 0);
+  expectRefusal({link});
+  std::filesystem::remove(link);
+  expectRefusal({link});  // nothing there
+  const Path node = folder_.path() / "node";
+  struct stat status {};
+  ASSERT_EQ(stat(device_->path().c_str(), &status), 0);
+  ASSERT_EQ(mknod(node.c_str(), S_IFBLK | 0600, status.st_rdev), 0);
+  const std::string name = device_->name();
+  for (const std::string& path :
+       {node.native(), std::string("/dev/null"), std::string("/dev/../etc/passwd"),
+        "/dev/../dev/" + name, "/dev//" + name, "/dev/./" + name, "//dev/" + name, name,
+        "dev/" + name, std::string("/dev/"), std::string("/dev"), std::string("/dev/.."),
+        std::string("/etc/passwd"), std::string()}) {
+    expectRefusal({path});
+  }
+}
+
+TEST_F(DeviceHelper, RefusesOtherArgumentsAndOtherOutputs) {
+  expectRefusal({});
+  expectRefusal({device_->path(), device_->path()});
+  expectRefusal({"--", device_->path()});
+  const Path output = folder_.path() / "output";
+  const UniqueFd file(open(output.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+  EXPECT_EQ(run({device_->path()}, file.get()), 1);
+  EXPECT_EQ(readFile(output), "");
+  EXPECT_NE(readFile(errors_), "");
+}
+
+}  // namespace
+}  // namespace DiskServices::Testing
