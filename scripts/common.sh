@@ -7,7 +7,13 @@ build_packages=(
   g++ cmake ninja-build pkg-config
   libssl-dev libexpat1-dev libicu-dev libfmt-dev libcli11-dev nlohmann-json3-dev libsystemd-dev
 )
-test_packages=(libgtest-dev libgmock-dev)
+test_packages=(
+  libgtest-dev libgmock-dev
+  # Real faults, real disks and the services of a desktop; a test whose package is missing says so
+  # and is skipped.
+  libfuse3-dev fuse3 e2fsprogs fdisk mount libxml2-utils
+  dbus polkitd pkexec udisks2 udev python3-dbusmock python3-gi
+)
 benchmark_packages=(libbenchmark-dev libxxhash-dev)
 
 # install_missing PACKAGE...: installs those that are not there yet, and says which.

@@ -5,7 +5,7 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <functional>
+#include <cstdlib>
 #include <optional>
 #include <thread>
 
@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <sys/wait.h>
@@ -33,8 +34,10 @@ using PlatformKit::Testing::writeFile;
 using namespace std::chrono_literals;
 
 constexpr unsigned kOrdinaryUser = 65534;
+constexpr int kWrong = 9;  // no Kind
 constexpr const char* kActions = "/usr/share/polkit-1/actions";
 constexpr const char* kUdisksd = "/usr/libexec/udisks2/udisksd";
+constexpr const char* kUdevd = "/lib/systemd/systemd-udevd";
 constexpr const char* kPolkitd = "/usr/lib/polkit-1/polkitd";
 
 std::optional<std::string> whatIsMissing() {
@@ -47,10 +50,6 @@ std::optional<std::string> whatIsMissing() {
   // Mounts and devices of the real machine stay out of sight, and ours out of its.
   if (unshare(CLONE_NEWNS | CLONE_NEWNET) != 0) return "Needs the right to make namespaces.";
   return std::nullopt;
-}
-
-void makeEmpty(const char* folder) {
-  ASSERT_EQ(mount("tmpfs", folder, "tmpfs", 0, "mode=755"), 0) << folder;
 }
 
 void waitForService(const char* name) {
@@ -77,7 +76,7 @@ class DiskStack : public ::testing::Test {
   void SetUp() override {
     if (const auto missing = whatIsMissing()) GTEST_SKIP() << *missing;
     ASSERT_EQ(mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr), 0);
-    for (const char* folder : {"/run", "/var/lib/udisks2"}) makeEmpty(folder);
+    for (const char* folder : {"/run", "/var/lib"}) mountAt(folder, "tmpfs", "tmpfs", 0);
     std::filesystem::permissions(folder_.path(), std::filesystem::perms(0755));
     installPolicies();
     attachCard();
@@ -92,22 +91,28 @@ class DiskStack : public ::testing::Test {
   }
 
   void TearDown() override {
-    for (const char* place : {"a", "b"}) umount2((folder_.path() / place).c_str(), MNT_DETACH);
+    deviceManager_.reset();
     udisks_.reset();
     polkit_.reset();
     bus_.reset();
-    for (const char* folder : {kActions, "/var/lib/udisks2", "/run"}) umount2(folder, MNT_DETACH);
+    // Only what was mounted here: without a namespace of its own it would be the machine's.
+    for (; !mounted_.empty(); mounted_.pop_back()) umount2(mounted_.back().c_str(), MNT_DETACH);
+  }
+
+  void mountAt(const Path& place, const char* source, const char* type, unsigned long flags) {
+    ASSERT_EQ(mount(source, place.c_str(), type, flags, nullptr), 0) << place;
+    mounted_.push_back(place);
   }
 
   // Ours beside those of the system, for the helper that was built.
-  void installPolicies() const {
+  void installPolicies() {
     const Path copy = folder_.path() / "actions";
     std::filesystem::copy(kActions, copy);
     std::string policy = readFile(ZEPHRIMARK_POLICY);
     const std::string variable = "@ZEPHRIMARK_DEVICE_HELPER@";
     policy.replace(policy.find(variable), variable.size(), ZEPHRIMARK_DEVICE_HELPER);
     writeFile(copy / "com.zephrimark.offload.policy", policy);
-    ASSERT_EQ(mount(copy.c_str(), kActions, nullptr, MS_BIND, nullptr), 0);
+    mountAt(kActions, copy.c_str(), nullptr, MS_BIND);
   }
 
   void attachCard() {
@@ -129,22 +134,73 @@ class DiskStack : public ::testing::Test {
               "I:1\nE:ID_FS_USAGE=filesystem\nE:ID_FS_TYPE=ext4\nE:ID_FS_VERSION=1.0\nV:1\n");
   }
 
-  // What an ordinary user gets whose prompt is answered so ("allow", "dismiss"; empty: there is
-  // nobody to ask). The first line the user was asked with goes to `asked_`.
-  std::optional<Kind> openAsUser(PrivilegedOpener& opener, const std::string& reaction) {
-    std::array<int, 2> ends{};
-    if (pipe2(ends.data(), O_CLOEXEC) != 0) return std::nullopt;
-    const UniqueFd wait(ends[0]);
-    UniqueFd go(ends[1]);
-    const pid_t child = fork();
-    if (child == 0) {
-      go = UniqueFd(close(go.release()));  // the end of the parent's is what it waits for
-      _exit(becomeUserAndOpen(opener, wait.get()));
+  // The device manager, which UDisks2 waits for when it unmounts. Here /dev and the notes it
+  // changes are ours, so that nothing of the machine changes.
+  void startDeviceManager() {
+    const Path devices = folder_.path() / "dev";
+    std::filesystem::create_directory(devices);
+    ASSERT_EQ(mount("tmpfs", devices.c_str(), "tmpfs", 0, nullptr), 0);
+    for (const std::string& name : {std::string("null"), std::string("urandom"), card_->name()}) {
+      struct stat status {};
+      ASSERT_EQ(stat(("/dev/" + name).c_str(), &status), 0);
+      ASSERT_EQ(mknod((devices / name).c_str(), status.st_mode, status.st_rdev), 0);
     }
+    mountAt("/dev", devices.c_str(), nullptr, MS_MOVE);
+    deviceManager_.emplace(std::vector<std::string>{kUdevd});
+    const auto deadline = std::chrono::steady_clock::now() + 10s;
+    while (access("/run/udev/control", F_OK) != 0 && std::chrono::steady_clock::now() < deadline) {
+      std::this_thread::sleep_for(5ms);
+    }
+    ASSERT_EQ(access("/run/udev/control", F_OK), 0);
+  }
+
+  // What an ordinary user gets whose prompt is answered so ("allow", "dismiss"; empty: there is
+  // nobody to ask). `asked_` is what the user was asked.
+  Kind openAsUser(PrivilegedOpener& opener, const std::string& reaction) {
+    std::array<int, 2> ends{};
+    EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()), 0);
+    const UniqueFd ours(ends[0]);
+    const UniqueFd theirs(ends[1]);
+    const pid_t child = fork();
+    if (child == 0) _exit(becomeUserAndOpen(opener, theirs.get()));
+    char byte = 0;
+    EXPECT_EQ(read(ours.get(), &byte, 1), 1);
     std::optional<Daemon> agent;
-    if (!reaction.empty()) agent = startAgent(child, reaction);
-    go = UniqueFd();
-    return std::nullopt;
+    if (!reaction.empty()) {
+      const Path script = Path(ZEPHRIMARK_TEST_SCRIPTS) / "polkit_agent.py";
+      agent.emplace(
+          std::vector<std::string>{"/usr/bin/python3", script, std::to_string(child), reaction});
+      EXPECT_EQ(agent->readLine(), "READY") << "needs python3-dbus and python3-gi";
+    }
+    EXPECT_EQ(write(ours.get(), &byte, 1), 1);
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) < kWrong) << status;
+    if (agent) asked_ = agent->readLine();
+    return static_cast<Kind>(WEXITSTATUS(status));
+  }
+
+  // In a process of its own; answers the kind, or kWrong.
+  int becomeUserAndOpen(PrivilegedOpener& opener, int socket) const {
+    char byte = 0;
+    if (setgroups(0, nullptr) != 0 || setgid(kOrdinaryUser) != 0 || setuid(kOrdinaryUser) != 0 ||
+        open(card_->path().c_str(), O_RDONLY | O_CLOEXEC) >= 0 || write(socket, &byte, 1) != 1 ||
+        read(socket, &byte, 1) != 1) {
+      return kWrong;
+    }
+    const auto before = openDescriptors();
+    int result = kWrong;
+    {
+      const auto answer = opener.openReadOnly(card_->path());
+      result = static_cast<int>(answer.kind);
+      std::string magic(2, '\0');
+      if (answer.kind == Kind::opened &&
+          (pread(answer.descriptor.get(), magic.data(), 2, 1024 + 56) != 2 || magic != "\x53\xEF" ||
+           write(answer.descriptor.get(), "x", 1) >= 0)) {
+        result = kWrong;
+      }
+    }
+    return openDescriptors() == before ? result : kWrong;
   }
 
   const TempFolder folder_;
@@ -152,8 +208,45 @@ class DiskStack : public ::testing::Test {
   std::optional<PrivateBus> bus_;
   std::optional<Daemon> polkit_;
   std::optional<Daemon> udisks_;
+  std::optional<Daemon> deviceManager_;
+  std::vector<Path> mounted_;
   std::string asked_;
 };
+
+TEST_F(DiskStack, AnOrdinaryUserReadsTheCardOnceTheyAuthenticate) {
+  UDisks disks;
+  EXPECT_EQ(openAsUser(disks, "allow"), Kind::opened);
+  EXPECT_TRUE(asked_.starts_with("org.freedesktop.udisks2.open-device")) << asked_;
+  EXPECT_EQ(openAsUser(disks, "dismiss"), Kind::declined);
+  EXPECT_EQ(openAsUser(disks, ""), Kind::unavailable) << "nobody was asked";
+}
+
+TEST_F(DiskStack, TheHelperServesWhereThereIsNoDiskService) {
+  if (access("/usr/bin/pkexec", X_OK) != 0) GTEST_SKIP() << "Needs the package pkexec.";
+  PlatformKit::HelperOpener helper({"pkexec", ZEPHRIMARK_DEVICE_HELPER});
+  EXPECT_EQ(openAsUser(helper, "allow"), Kind::opened);
+  EXPECT_TRUE(asked_.starts_with("com.zephrimark.offload.open-device: ")) << asked_;
+  EXPECT_EQ(openAsUser(helper, "dismiss"), Kind::declined);
+}
+
+TEST_F(DiskStack, UnmountsACardEverywhereUnlessItIsInUse) {
+  if (access(kUdevd, X_OK) != 0) GTEST_SKIP() << "Needs the package udev.";
+  startDeviceManager();
+  if (HasFatalFailure()) return;
+  UDisks disks;
+  EXPECT_TRUE(disks.unmountDisk(card_->name()));
+  for (const char* place : {"a", "b"}) {
+    std::filesystem::create_directory(folder_.path() / place);
+    mountAt(folder_.path() / place, card_->path().c_str(), "ext4", MS_RDONLY);
+  }
+  {
+    const UniqueFd inUse(open((folder_.path() / "a/lost+found").c_str(), O_RDONLY | O_CLOEXEC));
+    ASSERT_TRUE(inUse.valid());
+    EXPECT_FALSE(disks.unmountDisk(card_->name()));
+  }
+  EXPECT_TRUE(disks.unmountDisk(card_->name()));
+  EXPECT_EQ(readFile("/proc/self/mountinfo").find(card_->path().native() + " "), std::string::npos);
+}
 
 }  // namespace
 }  // namespace DiskServices::Testing

@@ -132,8 +132,7 @@ TEST_F(FakeHelper, GetsThePathAndItsThreeStreamsAndNothingElse) {
   pthread_sigmask(SIG_BLOCK, &interrupt, &before);
   const UniqueFd inheritable(open("/dev/null", O_RDONLY));
   const Path log = folder_.path() / "log";
-  EXPECT_EQ(kindOf("ls /proc/$$/fd >" + log.native() + "; echo \"$1\" >>" + log.native() +
-                       "; cat >>" + log.native() + "; kill -INT $$",
+  EXPECT_EQ(kindOf("exec >" + log.native() + "; ls /proc/$$/fd; echo \"$1\"; cat; kill -INT $$",
                    "/dev/a name"),
             Kind::declined);
   pthread_sigmask(SIG_SETMASK, &before, nullptr);
@@ -150,8 +149,12 @@ TEST_F(FakeHelper, OnlyAReadOnlyDescriptorOfTheDeviceItselfIsTaken) {
   const auto kindOfSending = [&](const std::string& paths, const std::string& flags) {
     const std::string script =
         "import os, socket, sys\n"
-        "device, other, null = sys.argv[1], '" + other.path().native() + "', '/dev/null'\n"
-        "numbers = [os.open(path, " + flags + ") for path in [" + paths + "]]\n"
+        "device, other, null = sys.argv[1], '" +
+        other.path().native() +
+        "', '/dev/null'\n"
+        "numbers = [os.open(path, " +
+        flags + ") for path in [" + paths +
+        "]]\n"
         "socket.send_fds(socket.socket(fileno=1), [b'x'], numbers)\n";
     return HelperOpener({"/usr/bin/python3", "-c", script}).openReadOnly(device.path()).kind;
   };

@@ -2,10 +2,12 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <stdexcept>
 #include <system_error>
+#include <thread>
 
 #include <fcntl.h>
 #include <linux/loop.h>
@@ -19,6 +21,7 @@ namespace {
 
 using PlatformKit::Path;
 using PlatformKit::UniqueFd;
+using namespace std::chrono_literals;
 
 void check(bool worked, const char* what) {
   if (!worked) throw std::system_error(errno, std::generic_category(), what);
@@ -30,13 +33,14 @@ std::vector<std::string> busCommand(const Path& folder, const Path& socket) {
       config,
       "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\"\n"
       " \"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"
-      "<busconfig><type>system</type><auth>EXTERNAL</auth><listen>unix:path=" +
+      "<busconfig><auth>EXTERNAL</auth><listen>unix:path=" +
           socket.native() +
           "</listen>"
           "<policy context=\"default\"><allow user=\"*\"/><allow own=\"*\"/>"
-          "<allow send_destination=\"*\"/></policy></busconfig>\n");
-  return {"dbus-daemon", "--config-file=" + config.native(), "--nofork", "--nopidfile",
-          "--nosyslog", "--print-address=1"};
+          "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/></policy></busconfig>\n");
+  return {"dbus-daemon", "--config-file=" + config.native(),
+          "--nofork",    "--nopidfile",
+          "--nosyslog",  "--print-address=1"};
 }
 
 }  // namespace
@@ -87,6 +91,12 @@ Daemon::Daemon(std::vector<std::string> command) {
 }
 
 Daemon::~Daemon() {
+  // Asked first, so that one with processes of its own can end those.
+  kill(process_, SIGTERM);
+  for (int tries = 0; tries < 500; ++tries) {
+    if (waitpid(process_, nullptr, WNOHANG) != 0) return;
+    std::this_thread::sleep_for(10ms);
+  }
   kill(process_, SIGKILL);
   waitpid(process_, nullptr, 0);
 }

@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <optional>
+#include <sstream>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -134,7 +135,7 @@ TEST_F(UDisksOnABus, UnmountsAllOfTheDiskAndNothingElse) {
                   "sdbboot": {"drive": "Reader", "mounts": ["/media/e"]},
                   "sdc": {"drive": "Other", "mounts": ["/media/f"]},
                   "sdbb1": {"table": "sdbb", "mounts": ["/media/g"]},
-                  "loop0": {"mounts": ["/media/h"]}, "loop1": {}})");
+                  "loop0": {"mounts": ["/media/h"]}, "loop1": {})");
   if (IsSkipped() || HasFatalFailure()) return;
   EXPECT_TRUE(unmount("loop1"));
   EXPECT_FALSE(unmount("sdx"));
