@@ -12,15 +12,20 @@ namespace {
 using PlatformKit::Path;
 
 // Absolute and without links, also where the last components do not exist yet: then two ways of
-// writing one folder are one path.
+// writing one folder are one path. ".." is taken as the kernel does, behind links.
 Path absolutePath(PlatformKit::FileSystem& fileSystem, const std::string& typed) {
-  Path path = std::filesystem::absolute(typed).lexically_normal();
-  if (!path.has_filename() && path.has_relative_path()) path = path.parent_path();
+  Path path = std::filesystem::absolute(typed);
+  while (!path.has_filename() && path.has_relative_path()) path = path.parent_path();
   const Path existing = OffloadKit::nearestExisting(fileSystem, path);
   const auto resolved = fileSystem.resolve(existing);
-  if (!resolved.ok()) return path;
-  const Path rest = path.lexically_relative(existing);
-  return rest == "." ? resolved.value() : resolved.value() / rest;
+  if (!resolved.ok()) return path.lexically_normal();
+  Path rest;
+  for (auto part = std::next(path.begin(), std::distance(existing.begin(), existing.end()));
+       part != path.end(); ++part) {
+    rest /= *part;
+  }
+  const Path whole = rest.empty() ? resolved.value() : (resolved.value() / rest).lexically_normal();
+  return whole.has_filename() || !whole.has_relative_path() ? whole : whole.parent_path();
 }
 
 std::string quoted(const std::string& text) {

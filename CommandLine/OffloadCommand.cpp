@@ -58,6 +58,8 @@ int runOffload(const OffloadArguments& arguments, const Services& services) {
   const PlatformKit::Interrupts interrupts([&](int signal) {
     interruptedBy = signal;
     engine.cancel();
+    // A check of a large file can still take a while.
+    printError("\nStopping after this step. Press Ctrl-C again to end at once.\n");
   });
   std::unique_ptr<ProgressDisplay> display = makeSilentDisplay();
   try {

@@ -11,6 +11,8 @@
 #include "PlatformKit/Unicode.h"
 #include "PlatformKit/WorkerPool.h"
 
+#include <cerrno>
+
 namespace OffloadKit::CardImager {
 namespace {
 
@@ -48,7 +50,7 @@ class Imaging {
     image.close();
     compare(temporary, hash);
     check(image.commit());
-    check(system_.fileSystem.flushFolder(folder));
+    makeNameDurable(folder, final);
     return hash;
   }
 
@@ -57,6 +59,16 @@ class Imaging {
  private:
   static void check(int error) {
     if (error != 0) throw Failure{describe(error)};
+  }
+
+  // A name that a power cut could take away is not a saved image.
+  void makeNameDurable(const Path& folder, const Path& final) {
+    const int error = system_.fileSystem.flushFolder(folder);
+    static_cast<void>(system_.fileSystem.flushFolder(folder.parent_path()));
+    // A folder that this user may write to but not open cannot be flushed; that is no fault.
+    if (error == 0 || error == EACCES || error == EPERM) return;
+    static_cast<void>(system_.fileSystem.removeFile(final));
+    throw Failure{describe(error)};
   }
 
   // While one chunk is written and hashed, the next one is read: card and drive work at once. What
@@ -69,7 +81,7 @@ class Imaging {
     while (count > 0) {
       const std::span<const std::byte> chunk = buffers[current].bytes().first(count);
       int error = 0;
-      const PlatformKit::WorkerPool::Job handle = [&](std::size_t job) {
+      const auto handle = [&](std::size_t job) {
         if (job == 0) error = writeBehind(file, chunk, done_, chunkSize_, source_.size());
         if (job == 1) hasher->update(chunk);
       };

@@ -50,11 +50,16 @@ class TemporaryNames {
   std::unordered_set<std::string> taken_;
 };
 
+/// Whether the file lies in the destination folder by way of a link out of it. Any thread.
+bool leadsOut(PlatformKit::FileSystem& fileSystem, const PlatformKit::Path& file,
+              const PlatformKit::Path& destination);
+
 /// Decides what to do for one file on every destination, in order: nothing where the destination
-/// was given up, resume where a copy is already there, nothing where something else has the name,
+/// was given up or a link leads out of it, resume where a copy is already there, nothing where something else has the name,
 /// else write (missing folders are made, the temporary file is opened). `outcomes` has one entry
 /// per destination; those of destinations where nothing is to be done are set to the reason.
 std::vector<CopyTarget> chooseTargets(PlatformKit::FileSystem& fileSystem, const SourceFile& file,
+                                      const PlatformKit::Path& source,
                                       const std::vector<PlatformKit::Path>& destinations,
                                       const TemporaryNames& temporaryNames,
                                       DestinationHealth& health,

@@ -8,11 +8,25 @@ namespace OffloadKit {
 
 DestinationHealth::DestinationHealth(PlatformKit::System system,
                                      const std::vector<PlatformKit::Path>& destinations)
-    : system_(system) {
-  devices_.reserve(destinations.size());
-  for (const auto& destination : destinations) {
-    devices_.push_back(system.volumes.facts(destination).device);
+    : system_(system), destinations_(destinations) {
+  for (std::size_t i = 0; i < destinations.size(); ++i) {
+    devices_.push_back(system.volumes.facts(destinations[i]).device);
+    volumes_.push_back(volumeOf(i));
   }
+}
+
+void DestinationHealth::checkVolume(std::size_t destination) {
+  if (volumes_[destination] && volumeOf(destination) != volumes_[destination]) {
+    givenUp_.emplace(destination, describe(ENODEV));
+  }
+}
+
+std::optional<std::uint64_t> DestinationHealth::volumeOf(std::size_t destination) const {
+  const auto folder = system_.fileSystem.resolve(destinations_[destination]);
+  if (!folder.ok()) return std::nullopt;
+  const auto status = system_.fileSystem.status(folder.value());
+  if (!status.ok()) return std::nullopt;
+  return status.value().identity.volume;
 }
 
 std::string DestinationHealth::contentError(std::size_t destination, int error) {

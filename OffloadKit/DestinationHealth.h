@@ -29,6 +29,10 @@ class DestinationHealth {
   /// gone.
   std::string otherError(std::size_t destination, int error);
 
+  /// Looks whether the destination still lies on the volume it lay on at the start; an unmounted drive
+  /// leaves an empty folder behind, which lies on another. If not, gives it up as disconnected.
+  void checkVolume(std::size_t destination);
+
   /// The sentence that made the run give the destination up; null while it is of use.
   [[nodiscard]] const std::string* givenUp(std::size_t destination) const;
 
@@ -38,8 +42,12 @@ class DestinationHealth {
  private:
   [[nodiscard]] bool isPulled(std::size_t destination, int error) const;
 
+  [[nodiscard]] std::optional<std::uint64_t> volumeOf(std::size_t destination) const;
+
   PlatformKit::System system_;
+  std::vector<PlatformKit::Path> destinations_;
   std::vector<std::optional<PlatformKit::DeviceNumber>> devices_;
+  std::vector<std::optional<std::uint64_t>> volumes_;
   std::map<std::size_t, std::string> givenUp_;
 };
 

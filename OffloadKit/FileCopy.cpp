@@ -31,8 +31,9 @@ FileCopy::FileCopy(const SourceFile& file, CopyResources& resources)
       writeErrors_(resources.plan.destinations.size(), 0) {}
 
 OffloadedFile FileCopy::run(const Advance& copied, const Advance& verifying) {
-  targets_ = chooseTargets(resources_.system.fileSystem, file_, resources_.plan.destinations,
-                           resources_.temporaryNames, resources_.health, outcomes_);
+  targets_ =
+      chooseTargets(resources_.system.fileSystem, file_, source_, resources_.plan.destinations,
+                    resources_.temporaryNames, resources_.health, outcomes_);
   std::string hash = streamSource(copied);
   finishWrites();
   readBack(hash, verifying);
@@ -68,7 +69,7 @@ std::string FileCopy::streamSource(const Advance& copied) {
 
 void FileCopy::writeChunk(std::span<const std::byte> chunk, std::uint64_t offset,
                           HashKit::StreamingHasher& hasher) {
-  const PlatformKit::WorkerPool::Job write = [&](std::size_t i) {
+  const auto write = [&](std::size_t i) {
     WritableFile* file = writableOf(targets_[i]);
     if (file == nullptr || writeErrors_[i] != 0) return;
     writeErrors_[i] = writeBehind(*file, chunk, offset, resources_.plan.chunkSize, file_.size);
@@ -94,7 +95,7 @@ void FileCopy::finishWrites() {
 }
 
 void FileCopy::flushCopies() {
-  const PlatformKit::WorkerPool::Job flush = [&](std::size_t i) {
+  const auto flush = [&](std::size_t i) {
     WritableFile* file = writableOf(targets_[i]);
     if (file == nullptr || writeErrors_[i] != 0) return;
     // Dated before the move, so that a cut between the two leaves a copy that the next run knows. A
@@ -143,7 +144,7 @@ void FileCopy::hashAll(const std::vector<FileDigest*>& digests) {
   const std::size_t half = resources_.plan.chunkSize / 2 / kPage * kPage;
   const bool inPairs = half > 0 && file_.size > half;
   const std::size_t threads = inPairs ? 2 : 1;
-  const PlatformKit::WorkerPool::Job hash = [&](std::size_t job) {
+  const auto hash = [&](std::size_t job) {
     std::span<std::byte> buffer = resources_.readBackBuffers[job / threads].bytes();
     if (inPairs) buffer = buffer.subspan(job % 2 * half, half);
     digests[job / threads]->work(buffer);

@@ -2,6 +2,9 @@
 
 #include "PlatformKit/AlignedBuffer.h"
 
+#include <cerrno>
+#include <exception>
+
 namespace OffloadKit {
 
 using PlatformKit::ErrorNumber;
@@ -22,7 +25,7 @@ void FileDigest::work(std::span<std::byte> piece) {
       lock.unlock();
       absorb(read, piece);
       lock.lock();
-      ended_ = !read.ok() || read.value() < piece.size();
+      ended_ = error_ != 0 || read.value() < piece.size();
     }
     ++turn_;
     turnChanged_.notify_all();
@@ -31,24 +34,34 @@ void FileDigest::work(std::span<std::byte> piece) {
 
 std::optional<std::uint64_t> FileDigest::takePiece() {
   const std::lock_guard lock(mutex_);
-  if (!opened_) {
-    // Opened by the first worker rather than by the constructor: the files of a read-back are
-    // opened in parallel.
-    opened_ = true;
-    auto opened = fileSystem_.openForReading(path_, PlatformKit::ReadMode::pastCache);
-    if (opened.ok()) file_ = std::move(opened.value());
-    error_ = opened.error();
-    ended_ = !opened.ok();
-  }
+  // Opened by the first worker rather than by the constructor: the files of a read-back are opened in
+  // parallel.
+  if (!opened_) open();
   if (ended_) return std::nullopt;
   return nextPiece_++;
 }
 
+void FileDigest::open() {
+  opened_ = true;
+  ended_ = true;
+  try {
+    auto opened = fileSystem_.openForReading(path_, PlatformKit::ReadMode::pastCache);
+    error_ = opened.error();
+    ended_ = !opened.ok();
+    if (opened.ok()) file_ = std::move(opened.value());
+  } catch (const std::exception&) {
+    error_ = ENOMEM;
+  }
+}
+
 void FileDigest::absorb(const Result<std::size_t>& read, std::span<const std::byte> piece) {
-  if (read.ok()) {
+  error_ = read.error();
+  if (!read.ok()) return;
+  try {
     hasher_->update(piece.first(read.value()));
-  } else {
-    error_ = read.error();
+  } catch (const std::exception&) {
+    // Other workers wait for their turn, so nothing may leave this one early.
+    error_ = ENOMEM;
   }
 }
 

@@ -34,6 +34,7 @@ class FileDigest {
 
  private:
   [[nodiscard]] std::optional<std::uint64_t> takePiece();
+  void open();
   void absorb(const PlatformKit::Result<std::size_t>& read, std::span<const std::byte> piece);
 
   PlatformKit::FileSystem& fileSystem_;

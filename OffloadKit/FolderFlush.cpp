@@ -41,8 +41,11 @@ void FolderFlush::verified(std::size_t destination, const Path& final, bool resu
 void FolderFlush::flush(std::vector<OffloadedFile>& files, DestinationHealth& health) {
   for (std::size_t i = 0; i < destinations_.size(); ++i) {
     const bool toldAlready = health.givenUp(i) != nullptr;
-    for (const Unflushed& unflushed : flushDestination(i)) {
-      if (toldAlready) break;
+    std::vector<Unflushed> failed = flushDestination(i);
+    health.checkVolume(i);
+    if (toldAlready) continue;
+    if (health.givenUp(i) != nullptr) failed.push_back({destinations_[i], ENODEV});
+    for (const Unflushed& unflushed : failed) {
       const std::string sentence = health.contentError(i, unflushed.error);
       for (OffloadedFile& file : files) {
         Outcome& outcome = file.outcomes[i];
@@ -58,7 +61,7 @@ void FolderFlush::flush(std::vector<OffloadedFile>& files, DestinationHealth& he
 std::vector<FolderFlush::Unflushed> FolderFlush::flushDestination(std::size_t destination) {
   std::vector<Unflushed> unflushed;
   const auto note = [&unflushed](const Path& folder, int error) {
-    // A folder that this user may write to but not open cannot be flushed by anybody's fault.
+    // A folder that this user may write to but not open cannot be flushed; that is no fault.
     if (error != 0 && error != EACCES && error != EPERM) unflushed.push_back({folder, error});
   };
   if (resumed_[destination]) {

@@ -45,7 +45,7 @@ std::vector<Entry> rowsOf(const std::vector<OffloadedFile>& files, std::size_t d
 }
 
 // The reports of this and earlier runs that lie in the folder.
-void addReports(System system, const Path& folder, HashKit::HashAlgorithm algorithm, Date now,
+void addReports(System system, const Path& folder, HashKit::HashAlgorithm algorithm,
                 std::vector<Entry>& rows) {
   constexpr std::size_t kPiece = std::size_t{1} << 20;
   const auto listing = system.fileSystem.list(folder);
@@ -59,8 +59,7 @@ void addReports(System system, const Path& folder, HashKit::HashAlgorithm algori
     const auto hash = hashFile(system.fileSystem, folder / item.name, algorithm, kPiece);
     if (!hash.ok()) continue;
     const auto& status = item.status.value();
-    rows.push_back(
-        {item.name, status.size, status.modified == Date{} ? now : status.modified, hash.value()});
+    rows.push_back({item.name, status.size, status.modified, hash.value()});
   }
 }
 
@@ -116,7 +115,7 @@ Path writeGeneration(System system, const std::vector<OffloadedFile>& files,
 
   std::vector<Entry> rows = rowsOf(files, destinationIndex);
   rows.insert(rows.end(), extra.begin(), extra.end());
-  addReports(system, folder, algorithm, now, rows);
+  addReports(system, folder, algorithm, rows);
   rows = inFileBrowserOrder(std::move(rows));
   const std::vector<bool> known = knownRows(system.fileSystem, lists, chain, rows);
 

@@ -15,6 +15,10 @@ struct Describe {
   std::string operator()(const OffloadError::DestinationUnavailable& error) const {
     return error.destination + " isn't available or can't be written to.";
   }
+  std::string operator()(const OffloadError::DestinationInUse& error) const {
+    return error.destination +
+           " is already being copied to. Choose another folder, or wait until that is finished.";
+  }
   std::string operator()(const OffloadError::NotEnoughSpace& error) const {
     return error.destination + " needs " + PlatformKit::byteCountText(error.needed) +
            " free but has " + PlatformKit::byteCountText(error.available) + ".";
@@ -44,6 +48,9 @@ OffloadError OffloadError::destinationOnSource(std::string destination) {
 }
 OffloadError OffloadError::destinationUnavailable(std::string destination) {
   return OffloadError(DestinationUnavailable{std::move(destination)});
+}
+OffloadError OffloadError::destinationInUse(std::string destination) {
+  return OffloadError(DestinationInUse{std::move(destination)});
 }
 OffloadError OffloadError::notEnoughSpace(std::string destination, std::uint64_t needed,
                                           std::uint64_t available) {

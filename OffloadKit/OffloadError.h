@@ -22,6 +22,10 @@ class OffloadError final : public std::exception {
     std::string destination;
     friend bool operator==(const DestinationUnavailable&, const DestinationUnavailable&) = default;
   };
+  struct DestinationInUse {
+    std::string destination;
+    friend bool operator==(const DestinationInUse&, const DestinationInUse&) = default;
+  };
   struct NotEnoughSpace {
     std::string destination;
     std::uint64_t needed;     ///< bytes
@@ -38,14 +42,17 @@ class OffloadError final : public std::exception {
   struct Cancelled {
     friend bool operator==(const Cancelled&, const Cancelled&) = default;
   };
-  using Kind = std::variant<SourceUnreadable, DestinationOnSource, DestinationUnavailable,
-                            NotEnoughSpace, CardImageUnavailable, NoFiles, Cancelled>;
+  using Kind =
+      std::variant<SourceUnreadable, DestinationOnSource, DestinationUnavailable, DestinationInUse,
+                   NotEnoughSpace, CardImageUnavailable, NoFiles, Cancelled>;
 
   /// `what`: what could not be read, with the reason.
   static OffloadError sourceUnreadable(std::string what);
-  /// The next three take the destination's display name.
+  /// The next four take the destination's display name.
   static OffloadError destinationOnSource(std::string destination);
   static OffloadError destinationUnavailable(std::string destination);
+  /// Another offload, or another destination of this one, is the same folder.
+  static OffloadError destinationInUse(std::string destination);
   static OffloadError notEnoughSpace(std::string destination, std::uint64_t needed,
                                      std::uint64_t available);
   static OffloadError cardImageUnavailable(std::string reason);

@@ -6,6 +6,7 @@
 #include "OffloadKit/SourceScan.h"
 
 #include <algorithm>
+#include <cerrno>
 
 namespace OffloadKit {
 
@@ -32,6 +33,7 @@ OffloadResult OffloadRun::execute(bool checkSpace) {
   scanSource();
   preflight(system_, plan_, checkSpace ? files_ : std::vector<SourceFile>{});
   auto existingBefore = createDestinations();
+  lockDestinations();
   closing_.openCardDevice();
   countWork();
   copyFiles(std::move(existingBefore));
@@ -49,6 +51,11 @@ OffloadResult OffloadRun::execute(bool checkSpace) {
 
 void OffloadRun::scanSource() {
   SourceScan found = scan(system_, plan_.source);
+  if (found.files.empty() && !found.unreadable.empty()) {
+    // A card that refuses everything must not look like one that may be erased.
+    const UnreadableItem& first = found.unreadable.front();
+    throw OffloadError::sourceUnreadable(first.relativePath + ": " + first.reason);
+  }
   if (found.files.empty()) throw OffloadError::noFiles();
   files_ = std::move(found.files);
   result_.unreadable = std::move(found.unreadable);
@@ -64,6 +71,19 @@ std::vector<Path> OffloadRun::createDestinations() const {
     }
   }
   return existingBefore;
+}
+
+// Two runs into one folder would take each other's temporary copies, and two destinations that are one
+// folder would be one copy counted twice.
+void OffloadRun::lockDestinations() {
+  for (const Path& destination : plan_.destinations) {
+    auto lock = system_.fileSystem.lockFolder(destination);
+    if (lock.error() == EWOULDBLOCK) {
+      throw OffloadError::destinationInUse(displayName(system_, destination));
+    }
+    // Ignored on purpose: some file systems know no locks.
+    if (lock.ok()) locks_.push_back(std::move(lock.value()));
+  }
 }
 
 void OffloadRun::countWork() {

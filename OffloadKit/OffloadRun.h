@@ -24,6 +24,7 @@ class OffloadRun {
  private:
   void scanSource();
   [[nodiscard]] std::vector<PlatformKit::Path> createDestinations() const;
+  void lockDestinations();
   void countWork();
   void copyFiles(std::vector<PlatformKit::Path> existingBefore);
   void copyFile(const SourceFile& file, CopyResources& resources);
@@ -39,6 +40,7 @@ class OffloadRun {
   const std::function<void(const PlatformKit::Path&)>& afterWrite_;
 
   RunClosing closing_;
+  std::vector<std::unique_ptr<PlatformKit::FolderLock>> locks_;
   std::vector<SourceFile> files_;
   OffloadResult result_;
   std::uint64_t totalBytes_ = 0;

@@ -18,20 +18,27 @@ Result<PendingCopy> PendingCopy::create(FileSystem& fileSystem, Path temporary, 
     created = fileSystem.createFile(temporary);
   }
   if (!created.ok()) return ErrorNumber{created.error()};
-  return PendingCopy(fileSystem, std::move(created.value()), std::move(temporary),
+  const auto identity = created.value()->identity();
+  if (!identity.ok()) {
+    static_cast<void>(fileSystem.removeFile(temporary));
+    return ErrorNumber{identity.error()};
+  }
+  return PendingCopy(fileSystem, std::move(created.value()), identity.value(), std::move(temporary),
                      std::move(final));
 }
 
 PendingCopy::PendingCopy(FileSystem& fileSystem, std::unique_ptr<PlatformKit::WritableFile> file,
-                         Path temporary, Path final)
+                         PlatformKit::ItemIdentity identity, Path temporary, Path final)
     : fileSystem_(&fileSystem),
       file_(std::move(file)),
+      identity_(identity),
       temporary_(std::move(temporary)),
       final_(std::move(final)) {}
 
 PendingCopy::PendingCopy(PendingCopy&& other) noexcept
     : fileSystem_(std::exchange(other.fileSystem_, nullptr)),
       file_(std::move(other.file_)),
+      identity_(other.identity_),
       temporary_(std::move(other.temporary_)),
       final_(std::move(other.final_)) {}
 
@@ -41,11 +48,19 @@ PendingCopy::~PendingCopy() {
 }
 
 int PendingCopy::commit() {
+  if (const int error = checkIdentity(); error != 0) return error;
   return committed(fileSystem_->moveWithoutReplacing(temporary_, final_));
 }
 
 int PendingCopy::commitReplacing() {
+  if (const int error = checkIdentity(); error != 0) return error;
   return committed(fileSystem_->moveReplacing(temporary_, final_));
+}
+
+int PendingCopy::checkIdentity() const {
+  const auto status = fileSystem_->status(temporary_);
+  if (!status.ok()) return status.error();
+  return status.value().identity == identity_ ? 0 : ESTALE;
 }
 
 int PendingCopy::committed(int error) {

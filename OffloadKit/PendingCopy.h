@@ -29,19 +29,23 @@ class PendingCopy {
   void close() { file_.reset(); }
 
   /// Gives the copy its final name; whatever has that name by now stays. Answers 0, or the error
-  /// number; the temporary file then goes with this object.
+  /// number; the temporary file then goes with this object. ESTALE when the temporary name is no longer
+  /// this copy's: somebody else took it.
   [[nodiscard]] int commit();
   /// As `commit`, but in place of a file that has that name.
   [[nodiscard]] int commitReplacing();
 
  private:
+  [[nodiscard]] int checkIdentity() const;
   int committed(int error);
   PendingCopy(PlatformKit::FileSystem& fileSystem, std::unique_ptr<PlatformKit::WritableFile> file,
-              PlatformKit::Path temporary, PlatformKit::Path final);
+              PlatformKit::ItemIdentity identity, PlatformKit::Path temporary,
+              PlatformKit::Path final);
 
   // Null once the copy was committed or moved away: nothing is left to remove.
   PlatformKit::FileSystem* fileSystem_;
   std::unique_ptr<PlatformKit::WritableFile> file_;
+  PlatformKit::ItemIdentity identity_;
   PlatformKit::Path temporary_;
   PlatformKit::Path final_;
 };

@@ -19,8 +19,16 @@ using Path = std::filesystem::path;
 
 enum class ItemKind { regularFile, folder, symbolicLink, other };
 
+/// Tells items apart, under whatever names they are reached.
+struct ItemIdentity {
+  std::uint64_t volume = 0;  ///< as VolumeIdentifier
+  std::uint64_t number = 0;  ///< the item's number on its volume
+  friend bool operator==(const ItemIdentity&, const ItemIdentity&) = default;
+};
+
 /// What the file system says about one item.
 struct ItemStatus {
+  ItemIdentity identity;
   ItemKind kind = ItemKind::other;
   std::uint64_t size = 0;  ///< bytes
   Date modified{};
@@ -82,12 +90,21 @@ class WritableFile {
   /// error answered here (0: none) is not told again by `flush`.
   [[nodiscard]] virtual int finishWriteback(std::uint64_t offset, std::uint64_t length) = 0;
 
+  /// Which file this is.
+  [[nodiscard]] virtual Result<ItemIdentity> identity() = 0;
+
   /// Sets the dates of the file. `created` is ignored where the system cannot set it, as on Linux.
   /// Answers 0 or an error number.
   [[nodiscard]] virtual int setDates(Date modified, std::optional<Date> created) = 0;
 
   /// Returns when content, size and dates are on the drive (fsync). Answers 0 or an error number.
   [[nodiscard]] virtual int flush() = 0;
+};
+
+/// Keeps a folder locked as long as it lives.
+class FolderLock {
+ public:
+  virtual ~FolderLock() = default;
 };
 
 /// The file system, in steps the size of system calls and without any policy: loops, retries and
@@ -131,6 +148,10 @@ class FileSystem {
   /// Sets the dates of the item at `path` itself; `created` as in WritableFile::setDates.
   [[nodiscard]] virtual int setDates(const Path& path, Date modified,
                                      std::optional<Date> created) = 0;
+
+  /// Locks the folder against others that lock it, in this process too. EWOULDBLOCK when it is locked;
+  /// other errors where the file system knows no locks.
+  [[nodiscard]] virtual Result<std::unique_ptr<FolderLock>> lockFolder(const Path& folder) = 0;
 
   /// Returns when the folder's names are on the drive, so that a power cut does not undo a move. 0
   /// also where the file system has no such operation for folders.

@@ -3,6 +3,7 @@
 #include "PlatformKit/Posix/SignalMask.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace PlatformKit {
 
@@ -31,14 +32,15 @@ void WorkerPool::stopAndJoin() {
   for (std::thread& thread : threads_) thread.join();
 }
 
-void WorkerPool::parallelFor(std::size_t count, const Job& job) {
+void WorkerPool::parallelFor(std::size_t count, Job job) {
   start(count, job).wait();
 }
 
-WorkerPool::Batch WorkerPool::start(std::size_t count, const Job& job) {
+WorkerPool::Batch WorkerPool::start(std::size_t count, Job job) {
   {
     const std::lock_guard lock(mutex_);
-    job_ = &job;
+    job_ = job;
+    thrown_ = nullptr;
     next_ = 0;
     count_ = count;
     unfinished_ = count;
@@ -50,6 +52,12 @@ WorkerPool::Batch WorkerPool::start(std::size_t count, const Job& job) {
 void WorkerPool::Batch::wait() {
   std::unique_lock lock(pool_.mutex_);
   pool_.batchDone_.wait(lock, [this] { return pool_.unfinished_ == 0; });
+  if (pool_.thrown_) std::rethrow_exception(std::exchange(pool_.thrown_, nullptr));
+}
+
+WorkerPool::Batch::~Batch() {
+  std::unique_lock lock(pool_.mutex_);
+  pool_.batchDone_.wait(lock, [this] { return pool_.unfinished_ == 0; });
 }
 
 void WorkerPool::work() {
@@ -58,10 +66,16 @@ void WorkerPool::work() {
     workArrived_.wait(lock, [this] { return stopping_ || next_ < count_; });
     if (stopping_) return;
     const std::size_t mine = next_++;
-    const Job& job = *job_;
+    const Job job = *job_;
     lock.unlock();
-    job(mine);
+    std::exception_ptr thrown;
+    try {
+      job(mine);
+    } catch (...) {
+      thrown = std::current_exception();
+    }
     lock.lock();
+    if (thrown && !thrown_) thrown_ = thrown;
     if (--unfinished_ == 0) batchDone_.notify_one();
   }
 }

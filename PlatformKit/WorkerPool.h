@@ -2,8 +2,9 @@
 
 #include <condition_variable>
 #include <cstddef>
-#include <functional>
+#include <exception>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -15,8 +16,20 @@ namespace PlatformKit {
 /// The pool belongs to the thread that made it: only that thread starts batches and waits for them.
 class WorkerPool {
  public:
-  /// A job gets its number. It must not throw: failures go into a slot of the job's own.
-  using Job = std::function<void(std::size_t)>;
+  /// Anything that can be called with a job's number. Refers to it, so that a batch allocates nothing.
+  class Job {
+   public:
+    template <class Callable>
+    Job(const Callable& callable)
+        : callable_(&callable), call_([](const void* what, std::size_t number) {
+            (*static_cast<const Callable*>(what))(number);
+          }) {}
+    void operator()(std::size_t number) const { call_(callable_, number); }
+
+   private:
+    const void* callable_;
+    void (*call_)(const void*, std::size_t);
+  };
 
   /// Makes `threads` threads (at least one). They receive none of the process's signals. Throws
   /// std::system_error when the system gives no more threads.
@@ -27,16 +40,18 @@ class WorkerPool {
   WorkerPool& operator=(const WorkerPool&) = delete;
 
   /// Runs `job(0)` to `job(count - 1)` on the workers, in any order, and returns when all are done.
-  void parallelFor(std::size_t count, const Job& job);
+  /// Throws the first exception that a job threw.
+  void parallelFor(std::size_t count, Job job);
 
   /// A batch that runs while its starter does something else; joined at the latest when it goes out
   /// of scope.
   class [[nodiscard]] Batch {
    public:
-    ~Batch() { wait(); }
+    ~Batch();
     Batch(const Batch&) = delete;
     Batch& operator=(const Batch&) = delete;
-    /// Returns when every job is done; everything the jobs wrote is then visible to the caller.
+    /// Returns when every job is done; everything the jobs wrote is then visible to the caller. Throws
+    /// the first exception that a job threw, once.
     void wait();
 
    private:
@@ -45,9 +60,9 @@ class WorkerPool {
     WorkerPool& pool_;
   };
 
-  /// As `parallelFor`, but returns at once. `job` must live until the batch is joined, and no other
-  /// batch may be started before.
-  Batch start(std::size_t count, const Job& job);
+  /// As `parallelFor`, but returns at once. What `job` refers to must live until the batch is joined,
+  /// and no other batch may be started before.
+  Batch start(std::size_t count, Job job);
 
  private:
   void work();
@@ -56,7 +71,8 @@ class WorkerPool {
   std::mutex mutex_;
   std::condition_variable workArrived_;
   std::condition_variable batchDone_;
-  const Job* job_ = nullptr;
+  std::optional<Job> job_;
+  std::exception_ptr thrown_;
   std::size_t next_ = 0;
   std::size_t count_ = 0;
   std::size_t unfinished_ = 0;

@@ -10,7 +10,9 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 namespace PlatformKit {
@@ -36,6 +38,7 @@ Result<ItemStatus> statusAt(int folder, const char* name) {
     return ErrorNumber{errno};
   }
   ItemStatus status;
+  status.identity = {makedev(facts.stx_dev_major, facts.stx_dev_minor), facts.stx_ino};
   status.kind = kindOf(facts.stx_mode);
   status.size = facts.stx_size;
   status.modified = dateOf(facts.stx_mtime);
@@ -45,6 +48,14 @@ Result<ItemStatus> statusAt(int folder, const char* name) {
 
 struct CloseFolder {
   void operator()(DIR* folder) const { closedir(folder); }
+};
+
+class LinuxFolderLock final : public FolderLock {
+ public:
+  explicit LinuxFolderLock(UniqueFd fd) : fd_(std::move(fd)) {}
+
+ private:
+  UniqueFd fd_;  // the lock goes with its descriptor
 };
 
 int done(int result) {
@@ -91,6 +102,8 @@ Result<std::unique_ptr<ReadableFile>> LinuxFileSystem::openForReading(const Path
   if (direct && opened.error() == EINVAL) {
     direct = false;
     opened = openKeepingAccessDate(path, kSafely);
+    // What is not written out yet would be read from memory. An error shows when the file is read.
+    if (opened.ok()) static_cast<void>(fdatasync(opened.value().get()));
   }
   if (!opened.ok()) return ErrorNumber{opened.error()};
   return std::unique_ptr<ReadableFile>(
@@ -128,6 +141,12 @@ int LinuxFileSystem::removeFile(const Path& path) {
 int LinuxFileSystem::setDates(const Path& path, Date modified, std::optional<Date> /*created*/) {
   return done(
       utimensat(AT_FDCWD, path.c_str(), modificationOnly(modified).data(), AT_SYMLINK_NOFOLLOW));
+}
+
+Result<std::unique_ptr<FolderLock>> LinuxFileSystem::lockFolder(const Path& folder) {
+  UniqueFd fd(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!fd.valid() || flock(fd.get(), LOCK_EX | LOCK_NB) != 0) return ErrorNumber{errno};
+  return std::unique_ptr<FolderLock>(std::make_unique<LinuxFolderLock>(std::move(fd)));
 }
 
 int LinuxFileSystem::flushFolder(const Path& folder) {

@@ -18,6 +18,7 @@ class LinuxFileSystem final : public FileSystem {
   [[nodiscard]] int moveReplacing(const Path& from, const Path& to) override;
   [[nodiscard]] int removeFile(const Path& path) override;
   [[nodiscard]] int setDates(const Path& path, Date modified, std::optional<Date> created) override;
+  [[nodiscard]] Result<std::unique_ptr<FolderLock>> lockFolder(const Path& folder) override;
   [[nodiscard]] int flushFolder(const Path& folder) override;
   [[nodiscard]] int flushVolume(const Path& folder) override;
   [[nodiscard]] int checkWritable(const Path& path) override;

@@ -84,6 +84,8 @@ Result<std::size_t> LinuxReadableFile::readAt(std::span<std::byte> buffer, std::
 void LinuxReadableFile::leaveDirect() {
   const int flags = fcntl(fd_.get(), F_GETFL);
   if (flags >= 0) static_cast<void>(fcntl(fd_.get(), F_SETFL, flags & ~O_DIRECT));
+  // Only pages that are written out can be dropped. An error of that shows when the file is read.
+  static_cast<void>(fdatasync(fd_.get()));
   advise(fd_.get(), 0, 0, POSIX_FADV_DONTNEED);
   // Last, so that whoever sees it may rely on the descriptor being changed.
   direct_ = false;
@@ -115,6 +117,12 @@ int LinuxWritableFile::finishWriteback(std::uint64_t offset, std::uint64_t lengt
                 SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER);
   advise(fd_.get(), offset, length, POSIX_FADV_DONTNEED);
   return error;
+}
+
+Result<ItemIdentity> LinuxWritableFile::identity() {
+  struct stat status {};
+  if (fstat(fd_.get(), &status) != 0) return ErrorNumber{errno};
+  return ItemIdentity{status.st_dev, status.st_ino};
 }
 
 int LinuxWritableFile::setDates(Date modified, std::optional<Date> /*created*/) {

@@ -41,6 +41,7 @@ class LinuxWritableFile final : public WritableFile {
   [[nodiscard]] Result<std::size_t> write(std::span<const std::byte> bytes) override;
   [[nodiscard]] int startWriteback(std::uint64_t offset, std::uint64_t length) override;
   [[nodiscard]] int finishWriteback(std::uint64_t offset, std::uint64_t length) override;
+  [[nodiscard]] Result<ItemIdentity> identity() override;
   [[nodiscard]] int setDates(Date modified, std::optional<Date> created) override;
   [[nodiscard]] int flush() override;
 

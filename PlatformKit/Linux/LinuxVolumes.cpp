@@ -40,8 +40,14 @@ bool LinuxVolumes::isGone(DeviceNumber device) {
   std::error_code error;
   // Without the list (no /sys in a container) nothing is known, and nothing must be made of it.
   if (!std::filesystem::is_directory(devices, error)) return false;
-  return std::filesystem::status(devices / numbersText(device), error).type() ==
-         std::filesystem::file_type::not_found;
+  const Path entry = devices / numbersText(device);
+  if (!std::filesystem::exists(entry, error)) return !error;
+  // An encrypted or logical volume stays behind when its disk is pulled, with nothing below it.
+  if (!std::filesystem::exists(entry / "dm", error)) return false;
+  for (const auto& below : std::filesystem::directory_iterator(entry / "slaves", error)) {
+    if (std::filesystem::exists(below.path(), error)) return false;
+  }
+  return !error;
 }
 
 }  // namespace PlatformKit

@@ -52,6 +52,7 @@ class Preparation {
   [[nodiscard]] pid_t start(std::vector<std::string> command) const {
     if (failed_) return -1;
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (std::string& argument : command) arguments.push_back(argument.data());
     arguments.push_back(nullptr);
     pid_t child = -1;

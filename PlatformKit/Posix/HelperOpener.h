@@ -20,8 +20,7 @@ class HelperOpener final : public PrivilegedOpener {
   /// no other descriptor of this process. Any thread, several at once; never throws.
   ///
   /// - opened: a descriptor came that is read-only and the device's, whatever the program's status.
-  /// - declined: no such descriptor came, and the program's status is that of pkexec for
-  /// "dismissed"
+  /// - declined: no such descriptor came, and the program's status is that of pkexec for "dismissed"
   ///   (126) or "not authorized, or an error" (127), or it was ended by Ctrl-C.
   /// - unavailable: a program of the command is missing or cannot be started, or it ended otherwise
   ///   without handing over such a descriptor.

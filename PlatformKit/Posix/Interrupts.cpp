@@ -8,23 +8,33 @@
 namespace PlatformKit {
 namespace {
 
-// Asks the watcher to end; nobody else sends it, as it is blocked everywhere.
+// Wakes the watcher to see that it is to end.
 constexpr int kStopWatching = SIGUSR2;
+
+// A signal that was ignored when the program started stays ignored: nohup relies on that.
+bool isIgnored(int signal) {
+  struct sigaction action {};
+  return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
 
 sigset_t watchedSignals() {
   sigset_t watched;
   sigemptyset(&watched);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP, kStopWatching}) sigaddset(&watched, signal);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    if (!isIgnored(signal)) sigaddset(&watched, signal);
+  }
+  sigaddset(&watched, kStopWatching);
   return watched;
 }
 
-void watch(const std::function<void(int)>& onFirst) {
+void watch(const std::function<void(int)>& onFirst, const std::atomic<bool>& stopping) {
   const sigset_t watched = watchedSignals();
   bool interrupted = false;
   for (;;) {
     int signal = 0;
     if (sigwait(&watched, &signal) != 0) continue;
-    if (signal == kStopWatching) return;
+    if (stopping) return;
+    if (signal == kStopWatching) continue;  // somebody else's
     if (interrupted) std::_Exit(128 + signal);
     interrupted = true;
     onFirst(signal);
@@ -37,10 +47,11 @@ Interrupts::Interrupts(std::function<void(int)> onFirst) {
   const sigset_t watched = watchedSignals();
   pthread_sigmask(SIG_BLOCK, &watched, nullptr);
   std::signal(SIGPIPE, SIG_IGN);
-  watcher_ = std::thread([onFirst = std::move(onFirst)] { watch(onFirst); });
+  watcher_ = std::thread([this, onFirst = std::move(onFirst)] { watch(onFirst, stopping_); });
 }
 
 Interrupts::~Interrupts() {
+  stopping_ = true;
   pthread_kill(watcher_.native_handle(), kStopWatching);
   watcher_.join();
 }

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <thread>
 
 namespace PlatformKit {
 
-/// Turns Ctrl-C (SIGINT), SIGTERM and SIGHUP into a call. Make it before any other thread: the
+/// Turns Ctrl-C (SIGINT), SIGTERM and SIGHUP into a call; those that were ignored at the start (as by
+/// nohup) stay ignored. Make it before any other thread: the
 /// signals are blocked in the calling thread and in every thread started later, and a thread of its
 /// own waits for them. While it lives, a broken output pipe (SIGPIPE) does not end the process.
 class Interrupts {
@@ -19,6 +21,7 @@ class Interrupts {
   Interrupts& operator=(const Interrupts&) = delete;
 
  private:
+  std::atomic<bool> stopping_ = false;
   std::thread watcher_;
 };
 

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "PlatformKit/RawDevices.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <map>
 #include <set>
 #include <string>
 #include <vector>
-
-#include "PlatformKit/RawDevices.h"
 
 namespace PlatformKit::Testing {
 
@@ -20,7 +20,7 @@ class FakeRawDevices final : public RawDevices {
     int openError = 0;
     std::map<std::uint64_t, int> badBlocks;  ///< block number: the error of reading it
     std::size_t longestRead = SIZE_MAX;
-    int interruptions = 0;             ///< so many reads answer EINTR first
+    int interruptions = 0;                 ///< so many reads answer EINTR first
     std::uint64_t goneAfter = UINT64_MAX;  ///< pulled once this offset is read; reads then answer 0
     bool gone = false;
     int reads = 0;
@@ -69,9 +69,9 @@ class FakeRawDevices final : public RawDevices {
         const std::uint64_t start = block * 512;
         if (start < offset + count && start + 512 > offset) return ErrorNumber{error};
       }
-      std::copy_n(std::as_bytes(std::span(device_.content)).begin() +
-                      static_cast<std::ptrdiff_t>(offset),
-                  count, buffer.begin());
+      std::copy_n(
+          std::as_bytes(std::span(device_.content)).begin() + static_cast<std::ptrdiff_t>(offset),
+          count, buffer.begin());
       return count;
     }
     Result<BlockGeometry> geometry() override {

@@ -60,6 +60,11 @@ class FaultyWritableFile final : public WritableFile {
     const int error = owner_.ask(Call::finishWriteback, path_, offset).error;
     return error != 0 ? error : below_->finishWriteback(offset, length);
   }
+  Result<ItemIdentity> identity() override {
+    const int error = owner_.ask(Call::identity, path_).error;
+    if (error != 0) return ErrorNumber{error};
+    return below_->identity();
+  }
   int setDates(Date modified, std::optional<Date> created) override {
     const int error = owner_.ask(Call::setFileDates, path_).error;
     return error != 0 ? error : below_->setDates(modified, created);
@@ -83,15 +88,18 @@ FaultyFileSystem::Script FaultyFileSystem::failing(Call call, std::string part, 
   };
 }
 
-Intervention FaultyFileSystem::ask(Call call, const Path& path, std::uint64_t offset) {
+Intervention FaultyFileSystem::ask(Call call, const Path& path, std::uint64_t offset,
+                                   ReadMode mode) {
   const std::lock_guard lock(mutex_);
-  return script_ ? script_({call, path, offset}) : Intervention{};
+  return script_ ? script_({call, path, offset, mode}) : Intervention{};
 }
 
 Result<ItemStatus> FaultyFileSystem::status(const Path& path) {
-  const int error = ask(Call::status, path).error;
-  if (error != 0) return ErrorNumber{error};
-  return below_.status(path);
+  const Intervention intervention = ask(Call::status, path);
+  if (intervention.error != 0) return ErrorNumber{intervention.error};
+  auto status = below_.status(path);
+  if (status.ok() && intervention.otherVolume) ++status.value().identity.volume;
+  return status;
 }
 
 Result<Path> FaultyFileSystem::resolve(const Path& path) {
@@ -119,7 +127,7 @@ Result<FolderListing> FaultyFileSystem::list(const Path& folder) {
 
 Result<std::unique_ptr<ReadableFile>> FaultyFileSystem::openForReading(const Path& path,
                                                                        ReadMode mode) {
-  const int error = ask(Call::openForReading, path).error;
+  const int error = ask(Call::openForReading, path, 0, mode).error;
   if (error != 0) return ErrorNumber{error};
   auto opened = below_.openForReading(path, mode);
   if (!opened.ok()) return opened;
@@ -159,6 +167,12 @@ int FaultyFileSystem::removeFile(const Path& path) {
 int FaultyFileSystem::setDates(const Path& path, Date modified, std::optional<Date> created) {
   const int error = ask(Call::setDates, path).error;
   return error != 0 ? error : below_.setDates(path, modified, created);
+}
+
+Result<std::unique_ptr<FolderLock>> FaultyFileSystem::lockFolder(const Path& folder) {
+  const int error = ask(Call::lockFolder, folder).error;
+  if (error != 0) return ErrorNumber{error};
+  return below_.lockFolder(folder);
 }
 
 int FaultyFileSystem::flushFolder(const Path& folder) {

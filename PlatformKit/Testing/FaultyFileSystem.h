@@ -21,6 +21,7 @@ enum class Call {
   openForReading,
   read,
   createFile,
+  identity,
   write,
   startWriteback,
   finishWriteback,
@@ -31,6 +32,7 @@ enum class Call {
   moveReplacing,
   remove,
   setDates,
+  lockFolder,
   flushFolder,
   flushVolume,
   checkWritable,
@@ -42,14 +44,16 @@ struct Intervention {
   /// A read or write transfers at most so many bytes; a listing breaks off with EIO after so many
   /// entries.
   std::size_t limit = std::numeric_limits<std::size_t>::max();
-  bool flipBit = false;  ///< one bit of the first byte read or written is wrong
+  bool otherVolume = false;  ///< a status says that the item lies on another volume
+  bool flipBit = false;      ///< one bit of the first byte read or written is wrong
 };
 
 /// A call that is about to be made. A move is reported with the new name.
 struct CallInfo {
   Call call;
   const Path& path;
-  std::uint64_t offset = 0;  ///< of a read or write, bytes
+  std::uint64_t offset = 0;            ///< of a read or write, bytes
+  ReadMode mode = ReadMode::streamed;  ///< of opening for reading
 };
 
 /// Passes every call to another file system, unless the test intervenes. The tests' way to drives
@@ -81,6 +85,7 @@ class FaultyFileSystem final : public FileSystem {
   [[nodiscard]] int moveReplacing(const Path& from, const Path& to) override;
   [[nodiscard]] int removeFile(const Path& path) override;
   [[nodiscard]] int setDates(const Path& path, Date modified, std::optional<Date> created) override;
+  [[nodiscard]] Result<std::unique_ptr<FolderLock>> lockFolder(const Path& folder) override;
   [[nodiscard]] int flushFolder(const Path& folder) override;
   [[nodiscard]] int flushVolume(const Path& folder) override;
   [[nodiscard]] int checkWritable(const Path& path) override;
@@ -88,7 +93,8 @@ class FaultyFileSystem final : public FileSystem {
  private:
   friend class FaultyReadableFile;
   friend class FaultyWritableFile;
-  Intervention ask(Call call, const Path& path, std::uint64_t offset = 0);
+  Intervention ask(Call call, const Path& path, std::uint64_t offset = 0,
+                   ReadMode mode = ReadMode::streamed);
 
   FileSystem& below_;
   std::mutex mutex_;

@@ -6,9 +6,9 @@
 
 #include <cerrno>
 #include <functional>
-#include <unistd.h>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace DeviceKit {
 namespace {

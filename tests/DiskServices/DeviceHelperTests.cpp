@@ -3,6 +3,7 @@
 #include "tests/DiskServices/Machine.h"
 
 #include <array>
+#include <memory>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -37,6 +38,7 @@ class DeviceHelper : public ::testing::Test {
     std::vector<std::string> command = {ZEPHRIMARK_DEVICE_HELPER};
     command.insert(command.end(), arguments.begin(), arguments.end());
     std::vector<char*> list;
+    list.reserve(command.size() + 1);
     for (std::string& argument : command) list.push_back(argument.data());
     list.push_back(nullptr);
     const UniqueFd errors(open(errors_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));

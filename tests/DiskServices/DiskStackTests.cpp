@@ -75,7 +75,9 @@ class DiskStack : public ::testing::Test {
  protected:
   void SetUp() override {
     if (const auto missing = whatIsMissing()) GTEST_SKIP() << *missing;
-    ASSERT_EQ(mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr), 0);
+    if (mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
+      GTEST_SKIP() << "Mounts cannot be kept private here: the root folder is not a mount.";
+    }
     for (const char* folder : {"/run", "/var/lib"}) mountAt(folder, "tmpfs", "tmpfs", 0);
     std::filesystem::permissions(folder_.path(), std::filesystem::perms(0755));
     installPolicies();

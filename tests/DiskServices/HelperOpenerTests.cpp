@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
-#include <numeric>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -100,7 +99,7 @@ class FakeHelper : public ::testing::Test {
     return HelperOpener({"sh", "-c", script, "sh"}).openReadOnly(device).kind;
   }
 
-  ~FakeHelper() override { EXPECT_EQ(openDescriptors(), before_); }
+  void TearDown() override { EXPECT_EQ(openDescriptors(), before_); }
 
   const TempFolder folder_;
   const std::set<int> before_ = openDescriptors();

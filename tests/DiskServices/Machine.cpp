@@ -77,6 +77,7 @@ Daemon::Daemon(std::vector<std::string> command) {
   output_ = UniqueFd(ends[0]);
   const UniqueFd theirs(ends[1]);
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (std::string& argument : command) arguments.push_back(argument.data());
   arguments.push_back(nullptr);
   const pid_t parent = getpid();

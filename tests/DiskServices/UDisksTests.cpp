@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <optional>
+#include <set>
 #include <sstream>
 
 #include <fcntl.h>

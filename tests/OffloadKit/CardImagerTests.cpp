@@ -124,6 +124,7 @@ TEST_F(Imager, failsWithASentenceWhateverTheDriveDoes) {
       {Call::openForReading, EIO, "The image couldn't be read back"},
       {Call::read, EIO, "The image couldn't be read back"},
       {Call::move, EIO, "The drive reported a write error"},
+      {Call::flushFolder, EIO, "The drive reported a write error"},
   };
   for (const auto& [call, error, reason] : faults) {
     fileSystem_.setScript(FaultyFileSystem::failing(call, "Card Image", error));

@@ -60,6 +60,7 @@ TEST(TemporaryNames, areHiddenNeighboursThatFitAndThatNoFileOfTheCardHas) {
   EXPECT_EQ(named({".IMG.zmpart"}, "IMG"), ".IMG~1.zmpart");
   EXPECT_EQ(named({".img.ZMPART", ".IMG~1.zmpart"}, "IMG"), ".IMG~2.zmpart");
   EXPECT_EQ(named({"other/.IMG.zmpart"}, "IMG"), ".IMG.zmpart");
+  EXPECT_EQ(named({".IMG.zmpart/inside"}, "IMG"), ".IMG~1.zmpart");
 }
 
 class Targets : public OffloadFixture {
@@ -67,7 +68,7 @@ class Targets : public OffloadFixture {
   std::vector<CopyTarget> choose(const SourceFile& file) {
     DestinationHealth health(system_, {drive(1), drive(2)});
     outcomes_.assign(2, Outcome::failed("Not copied"));
-    return chooseTargets(fileSystem_, file, {drive(1), drive(2)},
+    return chooseTargets(fileSystem_, file, card_ / file.relativePath, {drive(1), drive(2)},
                          TemporaryNames({file.relativePath}), health, outcomes_);
   }
   std::vector<Outcome> outcomes_;

@@ -135,6 +135,11 @@ TEST_F(FaultMatrix, interruptedAndShortWritesAreCarriedOn) {
   EXPECT_TRUE(run(plan(3)).allVerified());
   for (int number = 1; number <= 3; ++number) expectIdentical(number);
 
+  // A write that failed once is not made good by the next one that succeeds.
+  prepare();
+  failFor(drive(2), Call::write, EFBIG, true);
+  EXPECT_EQ(run(plan(3)).files[1].outcomes[1], Outcome::failed(describe(EFBIG)));
+
   // A drive that takes nothing and reports nothing must not hang the run.
   prepare();
   fileSystem_.setScript([this](const CallInfo& info) {

@@ -138,6 +138,94 @@ TEST_F(Offload, countsNoFilesForSpaceWhenAskedNotTo) {
                   .allVerified());
 }
 
+TEST_F(Offload, doesNotCallACardEmptyThatRefusesToBeRead) {
+  addFile("DCIM/a", "x");
+  fileSystem_.setScript(FaultyFileSystem::failing(Call::list, "DCIM", EACCES));
+  EXPECT_EQ(offloadErrorOf([&] { run(plan()); }),
+            "The card couldn't be read: DCIM: Permission denied");
+}
+
+TEST_F(Offload, readsBackPastTheCacheOnly) {
+  addFile("a", pattern(1000));
+  run(plan());
+  std::map<std::string, int> pastCache;
+  fileSystem_.setScript([&](const CallInfo& info) {
+    const bool isCopy = info.path.filename() == "a" || info.path.filename() == ".a.zmpart";
+    if (info.call == Call::openForReading && isCopy) {
+      pastCache[info.path.parent_path()] += info.mode == PlatformKit::ReadMode::pastCache ? 1 : 100;
+    }
+    return Intervention{};
+  });
+  run(plan());
+  std::filesystem::remove_all(copies(1));
+  run(plan());
+  // Each run streams the card and reads it again; copies are only ever read past the cache.
+  EXPECT_EQ(pastCache[card_], 2 * 101);
+  EXPECT_EQ(pastCache[copies(1)], 2);
+  EXPECT_EQ(pastCache[copies(2)], 2);
+}
+
+TEST_F(Offload, keepsTwoRunsOutOfOneFolder) {
+  addFile("a", pattern(1000));
+  const std::string inUse =
+      "T1 (A001) is already being copied to. Choose another folder, or wait until that is "
+      "finished.";
+  OffloadEngine engine(system_, rawDeviceAccess_);
+  int refused = 0;
+  engine.run(plan(1), [&](const OffloadProgress& progress) {
+    if (progress.currentFile != "a") return;
+    EXPECT_EQ(offloadErrorOf([&] { run(plan(1)); }), inUse);
+    ++refused;
+  });
+  EXPECT_GT(refused, 0);
+  expectIdentical(1);
+  EXPECT_TRUE(run(plan(1)).allVerified());
+
+  // Two destinations that are one folder by way of a link.
+  std::filesystem::create_directories(drive(2) / "2026-10-07");
+  std::filesystem::create_directory_symlink(copies(1), copies(2));
+  EXPECT_EQ(offloadErrorOf([&] { run(plan(2)); }),
+            "T2 (A001) is already being copied to. Choose another folder, or wait until that is "
+            "finished.");
+  // A drive without locks is no reason to refuse.
+  fileSystem_.setScript(FaultyFileSystem::failing(Call::lockFolder, "", ENOLCK));
+  EXPECT_TRUE(run(plan(1)).allVerified());
+}
+
+TEST_F(Offload, neverTakesSomebodyElsesFileForItsCopy) {
+  addFile("a", pattern(1000, 1));
+  fileSystem_.setScript([&](const CallInfo& info) {
+    // Another program replaces the temporary copy after it was verified.
+    if (info.call == Call::status && info.path.filename() == ".a.zmpart") {
+      std::filesystem::remove(info.path);
+      writeFile(info.path, pattern(1000, 2));
+    }
+    return Intervention{};
+  });
+  const auto result = run(plan(1));
+  EXPECT_FALSE(result.allVerified());
+  EXPECT_FALSE(std::filesystem::exists(copies(1) / "a"));
+}
+
+TEST_F(Offload, followsNoLinkOutOfTheDestinationAndTakesNoOriginalForACopy) {
+  addFile("DCIM/a", pattern(1000));
+  addFile("b", pattern(10));
+  std::filesystem::create_directories(copies(1));
+  std::filesystem::create_directories(copies(2));
+  std::filesystem::create_directory_symlink(card_ / "DCIM", copies(1) / "DCIM");
+  std::filesystem::create_hard_link(card_ / "b", copies(2) / "b");
+  const auto before = cardState();
+  const auto result = run(plan());
+  EXPECT_THAT(result.files[0].outcomes,
+              ElementsAre(Outcome::verified(false),
+                          Outcome::failed("This is the card's own file, not a copy of it")));
+  EXPECT_THAT(
+      result.files[1].outcomes,
+      ElementsAre(Outcome::failed("A link in the destination folder leads to another place"),
+                  Outcome::verified(false)));
+  EXPECT_EQ(cardState(), before);
+}
+
 TEST_F(Offload, handsOverWhatTheScanCouldNotReadWithoutFailingTheRest) {
   addFile("good", "x");
   addFile("locked/a", "x");
@@ -199,7 +287,22 @@ TEST_F(Offload, findsACardThatReadsDifferentlyTheSecondTime) {
   EXPECT_THAT(copiedTree(1), ElementsAre("b"));
   expectNothingPending();
 
+  // A second reading that fails proves no more than one that differs.
+  fileSystem_.setScript([&](const CallInfo& info) {
+    const bool second = info.call == Call::openForReading && info.path == card_ / "b" &&
+                        info.mode == PlatformKit::ReadMode::pastCache;
+    return Intervention{second ? EIO : 0};
+  });
+  std::filesystem::remove_all(copies(1));
+  EXPECT_EQ(run(plan(1)).files[1].outcomes[0].reason(),
+            "The card couldn't be read: b read differently the second time. The card or reader may "
+            "be failing.");
+
   opened = 0;
+  fileSystem_.setScript([&](const CallInfo& info) {
+    opened += info.path == card_ / "a" && info.call == Call::openForReading ? 1 : 0;
+    return Intervention{};
+  });
   std::filesystem::remove_all(copies(1));
   auto once = plan(1);
   once.verifySource = false;
@@ -238,6 +341,25 @@ TEST_F(Offload, failsAFileThatChangesBetweenScanAndCopy) {
     EXPECT_THAT(copiedTree(1), ElementsAre("a", "c"));
     expectNothingPending();
   }
+}
+
+TEST_F(Offload, stopsWithinALongFile) {
+  addFile("a", pattern(20 * kChunk));
+  OffloadEngine engine(system_, rawDeviceAccess_);
+  int chunks = 0;
+  const auto stop = [&](const OffloadProgress& progress) {
+    if (progress.fraction > 0) ++chunks;
+    engine.cancel();
+  };
+  addFile("b", "x");
+  EXPECT_EQ(offloadErrorOf([&] { engine.run(plan(), stop); }), "The offload was stopped.");
+  OffloadEngine second(system_, rawDeviceAccess_);
+  chunks = 0;
+  const auto stopLater = [&](const OffloadProgress& progress) {
+    if (progress.fraction > 0 && ++chunks == 2) second.cancel();
+  };
+  EXPECT_EQ(offloadErrorOf([&] { second.run(plan(), stopLater); }), "The offload was stopped.");
+  EXPECT_EQ(chunks, 2);
 }
 
 TEST_F(Offload, stopsAtAnyReportAndLeavesOnlyVerifiedFiles) {

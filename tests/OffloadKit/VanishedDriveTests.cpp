@@ -71,6 +71,29 @@ TEST_F(VanishedDrive, takesItsVerdictAlongWhenItGoesBeforeTheNamesAreDurable) {
   EXPECT_THAT(result.destinationErrors, ElementsAre(std::pair(1U, "The drive was disconnected")));
 }
 
+// A drive that is unmounted under way leaves an empty folder behind, on the computer's own disk.
+TEST_F(VanishedDrive, isMissedWhenItsFolderLiesOnAnotherVolume) {
+  for (const char* name : {"a", "b", "c"}) addFile(name, pattern(1000));
+  bool unmounted = false;
+  for (const char* at : {".b.zmpart", "the end"}) {
+    for (int number = 1; number <= 2; ++number) std::filesystem::remove_all(copies(number));
+    unmounted = false;
+    fileSystem_.setScript([&](const CallInfo& info) {
+      Intervention intervention;
+      const bool there = info.path.native().starts_with(drive(2).native());
+      if (there && info.call == Call::createFile && info.path.filename() == at) unmounted = true;
+      if (there && info.call == Call::flushFolder) unmounted = true;
+      intervention.otherVolume = unmounted && info.path == copies(2);
+      return intervention;
+    });
+    const auto result = run(plan());
+    EXPECT_TRUE(unmounted);
+    EXPECT_EQ(result.verifiedCount(0), 3U);
+    EXPECT_EQ(result.files[2].outcomes[1], Outcome::failed("The drive was disconnected"));
+    EXPECT_THAT(result.destinationErrors, ElementsAre(std::pair(1U, "The drive was disconnected")));
+  }
+}
+
 TEST_F(VanishedDrive, isNotSuspectedWhileItsDeviceIsStillThere) {
   for (const char* name : {"a", "b", "c"}) addFile(name, pattern(1000));
   fileSystem_.setScript(

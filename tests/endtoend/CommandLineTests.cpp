@@ -434,6 +434,10 @@ class OffloadOnATerminal : public Offload {
  protected:
   OffloadOnATerminal() { setting_.columns = 100; }
 
+  void SetUp() override {
+    if (!fs::exists("/dev/pts/ptmx")) GTEST_SKIP() << "There are no pseudo-terminals here.";
+  }
+
   // What was drawn over one another, and last what stayed.
   static Words drawn(const std::string& shown) {
     constexpr std::string_view kRedraw = "\r\033[K";
