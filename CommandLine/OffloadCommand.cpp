@@ -58,8 +58,10 @@ int runOffload(const OffloadArguments& arguments, const Services& services) {
   const PlatformKit::Interrupts interrupts([&](int signal) {
     interruptedBy = signal;
     engine.cancel();
-    // A check of a large file can still take a while.
-    printError("\nStopping after this step. Press Ctrl-C again to end at once.\n");
+    // A check of a large file can still take a while, and somebody is looking.
+    if (PlatformKit::isTerminal(PlatformKit::OutputStream::standardError)) {
+      printError("\nStopping after this step. Press Ctrl-C again to end at once.\n");
+    }
   });
   std::unique_ptr<ProgressDisplay> display = makeSilentDisplay();
   try {

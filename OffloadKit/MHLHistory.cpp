@@ -34,17 +34,20 @@ std::vector<bool> knownRows(PlatformKit::FileSystem& fileSystem, const PlatformK
   std::vector<bool> known(rows.size(), false);
   if (chain.empty()) return known;
   // Rows by the text that a reader of their own list would find.
-  std::unordered_multimap<std::string, std::size_t> rowsByPath;
+  std::vector<std::string> paths;
+  paths.reserve(rows.size());
+  std::unordered_multimap<std::string_view, std::size_t> rowsByPath;
   rowsByPath.reserve(rows.size());
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    rowsByPath.emplace(PlatformKit::trimmed(carriedPath(rows[i].path)), i);
+    paths.push_back(carriedPath(rows[i].path));
+    rowsByPath.emplace(PlatformKit::trimmed(paths.back()), i);
   }
   std::uint64_t budget = kLongestHistory;
   std::set<std::string> read;
   for (const ChainEntry& entry : chain) {
     if (!isPlainName(entry.path) || !read.insert(entry.path).second) continue;
     PathParser parser([&](std::string_view path) {
-      const auto [first, last] = rowsByPath.equal_range(std::string(path));
+      const auto [first, last] = rowsByPath.equal_range(path);
       for (auto row = first; row != last; ++row) known[row->second] = true;
     });
     // Ignored on purpose: what cannot be read is a generation that ends there.

@@ -56,6 +56,9 @@ bool isSpaceOrLineBreak(char32_t character) {
 }
 
 std::string_view trimmed(std::string_view text) {
+  // Most text has nothing to trim, which its first and last byte tell.
+  const auto isPlain = [](char c) { return c > ' ' && c < 0x7F; };
+  if (!text.empty() && isPlain(text.front()) && isPlain(text.back())) return text;
   std::size_t start = text.size();
   std::size_t end = 0;
   forEachCharacter(text, [&](char32_t character, bool, std::string_view bytes) {

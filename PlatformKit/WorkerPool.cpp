@@ -32,11 +32,7 @@ void WorkerPool::stopAndJoin() {
   for (std::thread& thread : threads_) thread.join();
 }
 
-void WorkerPool::parallelFor(std::size_t count, Job job) {
-  start(count, job).wait();
-}
-
-WorkerPool::Batch WorkerPool::start(std::size_t count, Job job) {
+WorkerPool::Batch WorkerPool::startJob(std::size_t count, Job job) {
   {
     const std::lock_guard lock(mutex_);
     job_ = job;

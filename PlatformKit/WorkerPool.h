@@ -16,21 +16,6 @@ namespace PlatformKit {
 /// The pool belongs to the thread that made it: only that thread starts batches and waits for them.
 class WorkerPool {
  public:
-  /// Anything that can be called with a job's number. Refers to it, so that a batch allocates nothing.
-  class Job {
-   public:
-    template <class Callable>
-    Job(const Callable& callable)
-        : callable_(&callable), call_([](const void* what, std::size_t number) {
-            (*static_cast<const Callable*>(what))(number);
-          }) {}
-    void operator()(std::size_t number) const { call_(callable_, number); }
-
-   private:
-    const void* callable_;
-    void (*call_)(const void*, std::size_t);
-  };
-
   /// Makes `threads` threads (at least one). They receive none of the process's signals. Throws
   /// std::system_error when the system gives no more threads.
   explicit WorkerPool(std::size_t threads);
@@ -40,8 +25,11 @@ class WorkerPool {
   WorkerPool& operator=(const WorkerPool&) = delete;
 
   /// Runs `job(0)` to `job(count - 1)` on the workers, in any order, and returns when all are done.
-  /// Throws the first exception that a job threw.
-  void parallelFor(std::size_t count, Job job);
+  /// `job` is anything that can be called with a number. Throws the first exception that a job threw.
+  template <class Callable>
+  void parallelFor(std::size_t count, const Callable& job) {
+    start(count, job).wait();
+  }
 
   /// A batch that runs while its starter does something else; joined at the latest when it goes out
   /// of scope.
@@ -60,11 +48,32 @@ class WorkerPool {
     WorkerPool& pool_;
   };
 
-  /// As `parallelFor`, but returns at once. What `job` refers to must live until the batch is joined,
-  /// and no other batch may be started before.
-  Batch start(std::size_t count, Job job);
+  /// As `parallelFor`, but returns at once. `job` must live until the batch is joined, and no other
+  /// batch may be started before.
+  template <class Callable>
+  Batch start(std::size_t count, const Callable& job) {
+    return startJob(count, Job(job));
+  }
+  template <class Callable>
+  Batch start(std::size_t count, const Callable&& job) = delete;
 
  private:
+  // Refers to what is to be called, so that a batch allocates nothing.
+  class Job {
+   public:
+    template <class Callable>
+    explicit Job(const Callable& callable)
+        : callable_(&callable), call_([](const void* what, std::size_t number) {
+            (*static_cast<const Callable*>(what))(number);
+          }) {}
+    void operator()(std::size_t number) const { call_(callable_, number); }
+
+   private:
+    const void* callable_;
+    void (*call_)(const void*, std::size_t);
+  };
+
+  Batch startJob(std::size_t count, Job job);
   void work();
   void stopAndJoin();
 

@@ -27,4 +27,6 @@ echo "Hashing, GB/s (medians of interleaved repetitions) and the ratio to the pe
 echo
 "$build/ScanBenchmark" || status=1
 "$build/MemoryBenchmark" || status=1
+"$build/ListBenchmark" || status=1
+"$build/ImagingBenchmark" || status=1
 exit "$status"

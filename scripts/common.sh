@@ -12,7 +12,7 @@ test_packages=(
   # Real faults, real disks and the services of a desktop; a test whose package is missing says so
   # and is skipped.
   libfuse3-dev fuse3 e2fsprogs fdisk mount libxml2-utils
-  dbus polkitd pkexec udisks2 udev python3-dbusmock python3-gi
+  dbus polkitd pkexec udisks2 udev python3-dbus python3-gi
 )
 benchmark_packages=(libbenchmark-dev libxxhash-dev)
 

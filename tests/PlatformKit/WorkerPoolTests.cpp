@@ -58,7 +58,7 @@ TEST(WorkerPool, RunsOneBatchAfterAnother) {
   std::vector<int> runs(6);
   for (int round = 0; round < 3000; ++round) {
     const std::size_t count = 1 + static_cast<std::size_t>(round) % runs.size();
-    const WorkerPool::Job job = [&, round](std::size_t number) { runs[number] += round; };
+    const auto job = [&, round](std::size_t number) { runs[number] += round; };
     pool.start(count, job).wait();
     ASSERT_EQ(std::accumulate(runs.begin(), runs.end(), 0), static_cast<int>(count) * round);
     std::fill(runs.begin(), runs.end(), 0);
@@ -70,7 +70,7 @@ TEST(WorkerPool, RunsItsJobsInParallelToEachOtherAndToTheStarter) {
   std::array<Event, 3> arrivals;
   Event starterWentOn;
   std::array<bool, 3> met{};
-  const WorkerPool::Job job = [&](std::size_t mine) {
+  const auto job = [&](std::size_t mine) {
     arrivals.at(mine).happen();
     met.at(mine) = starterWentOn.wait();
     for (Event& other : arrivals) met.at(mine) = met.at(mine) && other.wait();
@@ -86,7 +86,7 @@ TEST(WorkerPool, RunsItsJobsInParallelToEachOtherAndToTheStarter) {
 TEST(WorkerPool, ABatchIsJoinedWhenAnExceptionLeavesItsScope) {
   WorkerPool pool(2);
   std::vector<int> runs(20);
-  const WorkerPool::Job job = [&](std::size_t number) {
+  const auto job = [&](std::size_t number) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
     ++runs[number];
   };
@@ -116,7 +116,7 @@ TEST(WorkerPool, ReceivesNoneOfTheProcesssSignals) {
   ASSERT_EQ(pthread_sigmask(SIG_BLOCK, &signals, &usual), 0);
   EXPECT_EQ(sigismember(&usual, SIGUSR1), 0) << "making a pool blocked its maker's signals";
   Event sent;
-  const WorkerPool::Job job = [&](std::size_t) {
+  const auto job = [&](std::size_t) {
     EXPECT_TRUE(sent.wait());
     for (int i = 0; i < 20; ++i) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   };
