@@ -129,7 +129,7 @@ class FileSystem {
   [[nodiscard]] virtual Result<std::unique_ptr<ReadableFile>> openForReading(const Path& path,
                                                                              ReadMode mode) = 0;
 
-  /// Makes a new, empty file with permissions 0644. EEXIST when anything has that name, a dangling
+  /// Makes a new, empty file with permissions 0644, less what the process's umask takes away. EEXIST when anything has that name, a dangling
   /// link included.
   [[nodiscard]] virtual Result<std::unique_ptr<WritableFile>> createFile(const Path& path) = 0;
 

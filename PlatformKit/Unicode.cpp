@@ -143,9 +143,11 @@ std::string elidedInTheMiddle(std::string_view text, std::size_t cells) {
   std::size_t at = 0;
   forEachCharacter(text, [&](char32_t character, bool, std::string_view bytes) {
     const std::size_t end = at + cellsOf(character);
+    // A mark that takes no cell belongs to the letter before it, which may have been left out.
+    const bool joins = end == at && tail.empty();
     if (end <= headCells) {
       head += bytes;
-    } else if (at >= width - tailCells) {
+    } else if (at >= width - tailCells && !joins) {
       tail += bytes;
     }
     at = end;

@@ -159,12 +159,20 @@ class DiskStack : public ::testing::Test {
   // What an ordinary user gets whose prompt is answered so ("allow", "dismiss"; empty: there is
   // nobody to ask). `asked_` is what the user was asked.
   Kind openAsUser(PrivilegedOpener& opener, const std::string& reaction) {
+    const int status = runAsUser([&] { return openAndLook(opener); }, reaction);
+    EXPECT_LT(status, kWrong);
+    return static_cast<Kind>(status);
+  }
+
+  // Runs the action in a process of its own, as an ordinary user who may not read the card, and
+  // answers its exit status.
+  int runAsUser(const std::function<int()>& action, const std::string& reaction) {
     std::array<int, 2> ends{};
     EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()), 0);
     const UniqueFd ours(ends[0]);
     const UniqueFd theirs(ends[1]);
     const pid_t child = fork();
-    if (child == 0) _exit(becomeUserAndOpen(opener, theirs.get()));
+    if (child == 0) _exit(becomeUser(theirs.get()) ? action() : kWrong);
     char byte = 0;
     EXPECT_EQ(read(ours.get(), &byte, 1), 1);
     std::optional<Daemon> agent;
@@ -177,19 +185,21 @@ class DiskStack : public ::testing::Test {
     EXPECT_EQ(write(ours.get(), &byte, 1), 1);
     int status = 0;
     EXPECT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) < kWrong) << status;
+    EXPECT_TRUE(WIFEXITED(status)) << status;
     if (agent) asked_ = agent->readLine();
-    return static_cast<Kind>(WEXITSTATUS(status));
+    return WEXITSTATUS(status);
   }
 
-  // In a process of its own; answers the kind, or kWrong.
-  int becomeUserAndOpen(PrivilegedOpener& opener, int socket) const {
+  // Returns once somebody is there to answer the prompt.
+  bool becomeUser(int socket) const {
     char byte = 0;
-    if (setgroups(0, nullptr) != 0 || setgid(kOrdinaryUser) != 0 || setuid(kOrdinaryUser) != 0 ||
-        open(card_->path().c_str(), O_RDONLY | O_CLOEXEC) >= 0 || write(socket, &byte, 1) != 1 ||
-        read(socket, &byte, 1) != 1) {
-      return kWrong;
-    }
+    return setgroups(0, nullptr) == 0 && setgid(kOrdinaryUser) == 0 && setuid(kOrdinaryUser) == 0 &&
+           open(card_->path().c_str(), O_RDONLY | O_CLOEXEC) < 0 && write(socket, &byte, 1) == 1 &&
+           read(socket, &byte, 1) == 1;
+  }
+
+  // Answers the kind, or kWrong.
+  int openAndLook(PrivilegedOpener& opener) const {
     const auto before = openDescriptors();
     int result = kWrong;
     {
@@ -221,6 +231,40 @@ TEST_F(DiskStack, AnOrdinaryUserReadsTheCardOnceTheyAuthenticate) {
   EXPECT_TRUE(asked_.starts_with("org.freedesktop.udisks2.open-device")) << asked_;
   EXPECT_EQ(openAsUser(disks, "dismiss"), Kind::declined);
   EXPECT_EQ(openAsUser(disks, ""), Kind::unavailable) << "nobody was asked";
+}
+
+// The real program, from the question for a password to the image on the drive.
+TEST_F(DiskStack, AnOrdinaryUserGetsACardImageOnceTheyAuthenticate) {
+  const Path mountPoint = folder_.path() / "EOS_DIGITAL";
+  std::filesystem::create_directory(mountPoint);
+  ASSERT_EQ(mount(card_->path().c_str(), mountPoint.c_str(), "ext4", 0, nullptr), 0);
+  writeFile(mountPoint / "IMG_0001.CR3", "footage");
+  std::filesystem::remove_all(mountPoint / "lost+found");
+  ASSERT_EQ(umount(mountPoint.c_str()), 0);
+  mountAt(mountPoint, card_->path().c_str(), "ext4", MS_RDONLY);
+  const Path drive = folder_.path() / "drive";
+  std::filesystem::create_directory(drive);
+  std::filesystem::permissions(drive, std::filesystem::perms(0777));
+  const Path told = drive / "told";
+  const auto offload = [&] {
+    const UniqueFd log(open(told.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644));
+    dup2(log.get(), STDOUT_FILENO);
+    dup2(log.get(), STDERR_FILENO);
+    execl(ZEPHRIMARK_PROGRAM, "zephrimark", "offload", "--card-image", "--template", "x",
+          mountPoint.c_str(), drive.c_str(), nullptr);
+    return kWrong;
+  };
+  EXPECT_EQ(runAsUser(offload, "dismiss"), 3);
+  EXPECT_NE(readFile(told).find("Authorization to read " + card_->path().native() + " was denied."),
+            std::string::npos)
+      << readFile(told);
+  EXPECT_TRUE(std::filesystem::is_empty(drive / "x"));
+
+  EXPECT_EQ(runAsUser(offload, "allow"), 0) << readFile(told);
+  for (const auto& image : std::filesystem::directory_iterator(drive / "x/Card Image")) {
+    EXPECT_EQ(readFile(image.path()), readFile(card_->path()));
+  }
+  EXPECT_FALSE(std::filesystem::is_empty(drive / "x/Card Image"));
 }
 
 TEST_F(DiskStack, TheHelperServesWhereThereIsNoDiskService) {
