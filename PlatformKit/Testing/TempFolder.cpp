@@ -40,6 +40,14 @@ std::string readFile(const Path& path) {
   return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
+Path programForEverybody(const Path& program, const TempFolder& folder) {
+  const Path copy = folder.path() / program.filename();
+  std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));
+  std::filesystem::copy_file(program, copy, std::filesystem::copy_options::overwrite_existing);
+  std::filesystem::permissions(copy, std::filesystem::perms(0755));
+  return copy;
+}
+
 std::vector<std::string> tree(const Path& folder) {
   std::vector<std::string> items;
   for (const auto& item : std::filesystem::recursive_directory_iterator(folder)) {

@@ -246,11 +246,12 @@ TEST_F(DiskStack, AnOrdinaryUserGetsACardImageOnceTheyAuthenticate) {
   std::filesystem::create_directory(drive);
   std::filesystem::permissions(drive, std::filesystem::perms(0777));
   const Path told = drive / "told";
+  const Path program = PlatformKit::Testing::programForEverybody(ZEPHRIMARK_PROGRAM, folder_);
   const auto offload = [&] {
     const UniqueFd log(open(told.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644));
     dup2(log.get(), STDOUT_FILENO);
     dup2(log.get(), STDERR_FILENO);
-    execl(ZEPHRIMARK_PROGRAM, "zephrimark", "offload", "--card-image", "--template", "x",
+    execl(program.c_str(), "zephrimark", "offload", "--card-image", "--template", "x",
           mountPoint.c_str(), drive.c_str(), nullptr);
     return kWrong;
   };

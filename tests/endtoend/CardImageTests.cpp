@@ -245,11 +245,12 @@ TEST_F(CardImage, IsOfTheWholeDiskAndOnlyAWholeCardHasOne) {
 
 TEST_F(CardImage, ThatMayNotBeReadStopsTheOffloadBeforeAnythingIsCopied) {
   insertCard();
-  fs::permissions(temp_.path(), fs::perms(0755));
+  Words offload = offloadOf(card_);
+  offload.front() = PlatformKit::Testing::programForEverybody(ZEPHRIMARK_PROGRAM, temp_);
   // Nothing to be found, not even a program that could ask for a password.
   const End end = run(Words{"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups", "env",
                             "PATH=/nonexistent"} +
-                      offloadOf(card_));
+                      offload);
   EXPECT_EQ(end.status, 3);
   EXPECT_EQ(end.output, "");
   EXPECT_THAT(end.error, EndsWith("Authorization to read " + device_ +

@@ -109,10 +109,11 @@ class Offload : public testing::Test {
   [[nodiscard]] End offloadAsOrdinaryUser(const Words& arguments) const {
     if (geteuid() != 0) return offload(arguments);
     fs::create_directories(first_);
-    fs::permissions(temp_.path(), fs::perms(0755));
     fs::permissions(first_, fs::perms(0777));
-    return run(Words{"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"} +
-               command(arguments));
+    const Path program = PlatformKit::Testing::programForEverybody(ZEPHRIMARK_PROGRAM, temp_);
+    return run(
+        Words{"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups", program, "offload"} +
+        arguments);
   }
 
   // The only folder in a folder.
