@@ -2,13 +2,11 @@
 
 #include "CommandLine/ExitStatus.h"
 #include "CommandLine/Output.h"
+#include "CommandLine/Table.h"
 #include "DeviceKit/DiskEnumerator.h"
 #include "PlatformKit/Unicode.h"
 
-#include <algorithm>
-#include <array>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -19,10 +17,6 @@ namespace {
 using DeviceKit::DiskEnumerator;
 using DeviceKit::ExternalDisk;
 using PlatformKit::DiskFacts;
-
-using Row = std::array<std::string, 5>;
-constexpr std::size_t kSizeColumn = 2;
-constexpr std::size_t kLongestCell = 40;
 
 std::vector<DiskFacts> disksToShow(bool all, PlatformKit::Disks& disks) {
   std::vector<DiskFacts> shown = disks.list();
@@ -45,32 +39,10 @@ std::string nameOf(const DiskFacts& disk) {
   return disk.mediaName.empty() ? disk.identifier : disk.mediaName;
 }
 
-std::string cell(const std::string& text) {
-  return PlatformKit::elidedInTheMiddle(PlatformKit::singleLineText(text), kLongestCell);
-}
-
-Row rowOf(const DiskFacts& facts) {
+TableRow rowOf(const DiskFacts& facts) {
   const ExternalDisk disk = DiskEnumerator::externalDisk(facts);
-  return {cell(nameOf(facts)), facts.volumeNames.empty() ? "–" : cell(disk.displayName()),
+  return {nameCell(nameOf(facts)), facts.volumeNames.empty() ? "–" : nameCell(disk.displayName()),
           disk.sizeDescription(), PlatformKit::singleLineText(disk.rawDevicePath()), kindOf(facts)};
-}
-
-std::string tableText(const std::vector<Row>& rows) {
-  std::array<std::size_t, std::tuple_size_v<Row>> widths{};
-  for (const Row& row : rows) {
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      widths[i] = std::max(widths[i], PlatformKit::cellWidth(row[i]));
-    }
-  }
-  std::string text;
-  for (const Row& row : rows) {
-    for (std::size_t i = 0; i + 1 < row.size(); ++i) {
-      const std::string filling(widths[i] - PlatformKit::cellWidth(row[i]), ' ');
-      text += (i == kSizeColumn ? filling + row[i] : row[i] + filling) + "  ";
-    }
-    text += row.back() + "\n";
-  }
-  return text;
 }
 
 void printTable(const std::vector<DiskFacts>& disks, bool all) {
@@ -79,9 +51,9 @@ void printTable(const std::vector<DiskFacts>& disks, bool all) {
               : "No memory card or external drive is connected. --all shows every disk.\n");
     return;
   }
-  std::vector<Row> rows = {{"NAME", "VOLUMES", "SIZE", "DEVICE", "KIND"}};
+  std::vector<TableRow> rows = {{"NAME", "VOLUMES", "SIZE", "DEVICE", "KIND"}};
   for (const DiskFacts& disk : disks) rows.push_back(rowOf(disk));
-  print(forThisTerminal(tableText(rows)));
+  print(forThisTerminal(tableText(rows, {2})));
 }
 
 nlohmann::json jsonOf(const DiskFacts& facts) {

@@ -3,10 +3,12 @@
 #include "PlatformKit/Linux/MountTable.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <fstream>
 #include <optional>
 #include <set>
+#include <string_view>
 #include <system_error>
 #include <tuple>
 
@@ -57,6 +59,14 @@ std::uint64_t numberOf(const Path& folder, const char* name) {
   const auto end = text.data() + text.size();
   const auto read = std::from_chars(text.data(), end, number);
   return read.ec == std::errc{} && read.ptr == end ? number : 0;
+}
+
+bool hasNoMedium(const BlockDevice& device) {
+  // These show it by their names only.
+  constexpr std::array<std::string_view, 4> kKinds = {"dm-", "md", "ram", "zram"};
+  const std::string name = device.folder.filename().native();
+  return std::any_of(kKinds.begin(), kKinds.end(),
+                     [&](std::string_view kind) { return name.starts_with(kind); });
 }
 
 BlockDevices::BlockDevices(const Path& sys) {

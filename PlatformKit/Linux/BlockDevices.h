@@ -25,6 +25,10 @@ struct BlockDevice {
   std::vector<Path> slaves;     ///< folders of the devices that this one is made of
 };
 
+/// Whether a whole device without slaves has no medium either: it is memory, or an array or mapping
+/// that has lost all it was made of. Any thread.
+bool hasNoMedium(const BlockDevice& device);
+
 /// All block devices of one moment and how they lie on each other. Pointers that it answers are
 /// into itself. Its constructor fails for nothing: what cannot be read is not listed. Any thread.
 class BlockDevices {

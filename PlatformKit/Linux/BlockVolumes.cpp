@@ -29,6 +29,11 @@ std::string withoutUdevEscapes(std::string_view text) {
   return result;
 }
 
+// A source can be anything, as a folder on another volume, and to ask that one could take forever.
+bool isNameOfADevice(const std::string& source) {
+  return source.starts_with("/dev/") && Path(source).lexically_normal() == source;
+}
+
 }  // namespace
 
 std::string numbersText(DeviceNumber device) {
@@ -40,7 +45,7 @@ std::optional<DeviceNumber> blockDeviceOf(const Mount& mount) {
   // Some file systems (btrfs) list a number of their own; the device is then behind the source's
   // name.
   struct stat status {};
-  if (mount.source.starts_with('/') && stat(mount.source.c_str(), &status) == 0 &&
+  if (isNameOfADevice(mount.source) && stat(mount.source.c_str(), &status) == 0 &&
       S_ISBLK(status.st_mode)) {
     return DeviceNumber{major(status.st_rdev), minor(status.st_rdev)};
   }

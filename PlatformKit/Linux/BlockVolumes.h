@@ -11,7 +11,8 @@ namespace PlatformKit {
 /// The device's numbers as the kernel writes them, such as "8:17". Any thread.
 std::string numbersText(DeviceNumber device);
 
-/// The block device under a mount; none for network and memory volumes. Any thread.
+/// The block device under a mount; none for network and memory volumes. Asks only the folder of
+/// devices, never a volume. Any thread.
 std::optional<DeviceNumber> blockDeviceOf(const Mount& mount);
 
 /// The label of the volume on the device, from udev's folder of facts (/run/udev/data), as the

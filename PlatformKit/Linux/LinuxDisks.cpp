@@ -2,13 +2,11 @@
 
 #include "PlatformKit/Linux/BlockDevices.h"
 #include "PlatformKit/Linux/BlockVolumes.h"
-#include "PlatformKit/Linux/SysDisk.h"
+#include "PlatformKit/Linux/MountedDevices.h"
 
 #include <algorithm>
-#include <array>
 #include <map>
 #include <set>
-#include <string_view>
 
 namespace PlatformKit {
 namespace {
@@ -16,58 +14,37 @@ namespace {
 /// The devices and mounts of one moment.
 class Moment {
  public:
-  explicit Moment(const LinuxDisks::Roots& roots) : roots_(roots), devices_(roots.sys) {
-    for (const Mount& mount : readMounts(roots.mountInfo)) {
-      const auto number = blockDeviceOf(mount);
-      // The mount of a pulled disk stays listed.
-      const BlockDevice* device = number ? devices_.find(*number) : nullptr;
-      if (device == nullptr) continue;
+  explicit Moment(const LinuxDisks::Roots& roots)
+      : roots_(roots), mounted_(roots.mountInfo, roots.sys) {
+    for (const Mount& mount : mounted_.mounts()) {
       // Later mounts of the same device are folders of it that appear in a second place.
-      mountPoints_.emplace(device, mount.point);
-      if (!isSystemMount(mount.point.native())) continue;
-      const auto bearers = devices_.bearersOf(*device);
-      systemDisks_.insert(bearers.begin(), bearers.end());
+      if (const auto* device = mounted_.under(mount)) mountPoints_.emplace(device, mount.point);
     }
   }
 
-  [[nodiscard]] const BlockDevices& devices() const { return devices_; }
+  [[nodiscard]] const BlockDevices& devices() const { return mounted_.devices(); }
 
   /// None when the device is no disk with a medium of its own.
   [[nodiscard]] std::optional<DiskFacts> factsOf(const BlockDevice& device) const {
-    if (!devices_.isWhole(device) || !device.slaves.empty()) return std::nullopt;
-    if (isNoDisk(device.folder.filename().native())) return std::nullopt;
-    DiskFacts facts = sysDiskFacts(roots_.sys, device.folder);
+    if (!devices().isWhole(device) || !device.slaves.empty()) return std::nullopt;
+    const bool isOptical = device.folder.filename().native().starts_with("sr");
+    if (isOptical || hasNoMedium(device)) return std::nullopt;
+    DiskFacts facts = mounted_.factsOf(device);
     const bool isUnusedLoop = facts.identifier.starts_with("loop") && !facts.isDiskImage;
     if (facts.sizeBytes == 0 || isUnusedLoop) return std::nullopt;
-    facts.isSystemDisk = systemDisks_.contains(&device);
-    // Whatever its connection: nobody unplugs the disk the system runs from.
-    if (facts.isSystemDisk) facts.isInternal = true;
     std::set<const BlockDevice*> named;
     addVolumeNames(device, named, facts.volumeNames);
     return facts;
   }
 
  private:
-  static bool isSystemMount(std::string_view point) {
-    constexpr std::array<std::string_view, 5> kPoints = {"/", "/usr", "/home", "/boot",
-                                                         "/boot/efi"};
-    return std::find(kPoints.begin(), kPoints.end(), point) != kPoints.end();
-  }
-
-  static bool isNoDisk(std::string_view name) {
-    // Arrays and mappings that have lost all they were made of show it by their names only.
-    constexpr std::array<std::string_view, 5> kKinds = {"dm-", "md", "ram", "sr", "zram"};
-    return std::any_of(kKinds.begin(), kKinds.end(),
-                       [&](std::string_view kind) { return name.starts_with(kind); });
-  }
-
   // The label of a device that others are made of is that of the container. So it counts only when
   // nothing in it has a name. A device that is made of several parts of a disk counts once.
   void addVolumeNames(const BlockDevice& device, std::set<const BlockDevice*>& named,
                       std::vector<std::string>& names) const {
     if (!named.insert(&device).second) return;
     const std::size_t before = names.size();
-    for (const BlockDevice* above : devices_.on(device)) addVolumeNames(*above, named, names);
+    for (const BlockDevice* above : devices().on(device)) addVolumeNames(*above, named, names);
     if (names.size() > before) return;
     std::string name = nameOf(device);
     if (!name.empty()) names.push_back(std::move(name));
@@ -80,9 +57,8 @@ class Moment {
   }
 
   const LinuxDisks::Roots& roots_;
-  BlockDevices devices_;
+  MountedDevices mounted_;
   std::map<const BlockDevice*, Path> mountPoints_;
-  std::set<const BlockDevice*> systemDisks_;
 };
 
 }  // namespace

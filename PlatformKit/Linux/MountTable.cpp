@@ -36,16 +36,32 @@ std::string unescaped(std::string_view field) {
   return text;
 }
 
+bool hasOption(std::string_view options, std::string_view wanted) {
+  while (!options.empty()) {
+    const std::size_t end = std::min(options.find(','), options.size());
+    if (options.substr(0, end) == wanted) return true;
+    options.remove_prefix(std::min(end + 1, options.size()));
+  }
+  return false;
+}
+
 std::optional<Mount> mountOf(std::string_view line) {
   const auto fields = fieldsOf(line);
   // Optional fields stand between the sixth field and a lone dash.
   const auto dash = std::find(fields.begin() + std::min<std::ptrdiff_t>(6, std::ssize(fields)),
                               fields.end(), std::string_view("-"));
-  if (std::distance(dash, fields.end()) < 3) return std::nullopt;
+  const auto behindDash = std::distance(dash, fields.end());
+  if (behindDash < 3) return std::nullopt;
   const auto device = parseDeviceNumber(fields[2]);
   if (!device) return std::nullopt;
-  return Mount{*device, Path(unescaped(fields[4])), std::string(*(dash + 1)),
-               unescaped(*(dash + 2))};
+  const bool isReadOnly =
+      hasOption(fields[5], "ro") || (behindDash > 3 && hasOption(*(dash + 3), "ro"));
+  return Mount{*device,
+               unescaped(fields[3]),
+               Path(unescaped(fields[4])),
+               std::string(*(dash + 1)),
+               unescaped(*(dash + 2)),
+               isReadOnly};
 }
 
 bool holds(const Path& folder, const Path& path) {

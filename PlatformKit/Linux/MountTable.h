@@ -12,9 +12,11 @@ namespace PlatformKit {
 /// One line of /proc/self/mountinfo (proc(5)), unescaped.
 struct Mount {
   DeviceNumber device;  ///< as the kernel lists it; major 0 when no block device stands behind it
+  std::string root;     ///< the folder of the volume that is mounted: "/" for all of it
   Path point;
   std::string fileSystem;  ///< such as "ext4", "fuseblk"
   std::string source;      ///< such as "/dev/sdb1"
+  bool isReadOnly;         ///< here, or the volume everywhere
 };
 
 /// The numbers in a text such as "8:17"; none when it is anything else. Any thread.

@@ -1,7 +1,7 @@
 #include "DeviceKit/DiskEnumerator.h"
+#include "PlatformKit/Testing/FakeDisks.h"
 
 #include <initializer_list>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -12,21 +12,9 @@ namespace DeviceKit {
 namespace {
 
 using PlatformKit::DiskFacts;
+using PlatformKit::Testing::FakeDisks;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-class FakeDisks final : public PlatformKit::Disks {
- public:
-  std::vector<DiskFacts> disks;
-  std::map<PlatformKit::Path, DiskFacts> below;
-
-  std::vector<DiskFacts> list() override { return disks; }
-  std::optional<DiskFacts> holding(const PlatformKit::Path& path) override {
-    const auto found = below.find(path);
-    if (found == below.end()) return std::nullopt;
-    return found->second;
-  }
-};
 
 class FakeUnmounter final : public PlatformKit::Unmounter {
  public:

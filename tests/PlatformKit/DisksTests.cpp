@@ -2,9 +2,10 @@
 #include "PlatformKit/Linux/LinuxVolumes.h"
 #include "PlatformKit/Testing/FakeVolumes.h"
 #include "PlatformKit/Testing/TempFolder.h"
+#include "tests/PlatformKit/Machine.h"
+#include "tests/PlatformKit/MountedImage.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -13,8 +14,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sched.h>
-#include <sys/mount.h>
 #include <unistd.h>
 
 namespace PlatformKit::Testing {
@@ -22,8 +21,6 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-using Attributes = std::map<std::string, std::string>;
 
 // All facts in one line: "sdb 'Maker Model' 4096 {A,B} internal".
 std::string text(const DiskFacts& disk) {
@@ -41,72 +38,8 @@ std::string text(const DiskFacts& disk) {
   return line;
 }
 
-/// A machine made of files; everything is added to its folder of devices.
-class LinuxDisksOfAMachine : public ::testing::Test {
+class LinuxDisksOfAMachine : public Machine {
  protected:
-  // A step on the way to a device: "usb2:usb" is a folder and its subsystem; what follows another
-  // colon is its attribute `removable`. An interface's own colon is written "=".
-  std::string way(const std::vector<std::string>& steps) {
-    Path folder;
-    for (const std::string& step : steps) {
-      const auto first = step.find(':');
-      std::string name = step.substr(0, first);
-      std::replace(name.begin(), name.end(), '=', ':');
-      folder /= name;
-      if (first == std::string::npos) continue;
-      const auto second = step.find(':', first + 1);
-      setSubsystem(folder, step.substr(first + 1, second - first - 1));
-      if (second != std::string::npos) set(folder, {{"removable", step.substr(second + 1)}});
-    }
-    return folder;
-  }
-
-  std::string usb(const std::string& port, const std::string& removable) {
-    return way({"pci0000=00", "0000=00=14.0:pci:fixed", "usb2:usb:unknown",
-                port + ":usb:" + removable, port + "=1.0:usb", "host6:scsi", "6=0=0=0:scsi"}) +
-           "/block/";
-  }
-
-  void set(const Path& device, const Attributes& attributes) {
-    for (const auto& [name, value] : attributes) {
-      writeFile(devices_ / device / name, value + "\n");
-    }
-  }
-
-  void setSubsystem(const Path& device, const std::string& name) {
-    link(roots_.sys / "class" / name, devices_ / device / "subsystem");
-  }
-
-  // Eight sectors each, if nothing else is said.
-  void add(const Path& device, const std::string& numbers, const Attributes& attributes = {}) {
-    set(device, {{"size", "8"}, {"removable", "0"}});
-    set(device, attributes);
-    setSubsystem(device, "block");
-    link(devices_ / device, roots_.sys / "dev/block" / numbers);
-  }
-
-  void addPartition(const Path& device, const std::string& numbers, const std::string& number) {
-    set(device, {{"size", "4"}, {"partition", number}});
-    link(devices_ / device, roots_.sys / "dev/block" / numbers);
-  }
-
-  void addMade(const std::string& name, const std::string& numbers,
-               const std::vector<std::string>& parts) {
-    add("virtual/block/" + name, numbers);
-    for (const auto& part : parts) {
-      link(devices_ / part, devices_ / "virtual/block" / name / "slaves" / Path(part).filename());
-    }
-  }
-
-  void mount(const std::string& numbers, const std::string& point) {
-    mounts_ += "1 0 " + numbers + " / " + point + " rw - ext4 none rw\n";
-    writeFile(roots_.mountInfo, mounts_);
-  }
-
-  void setLabel(const std::string& numbers, const std::string& label) {
-    writeFile(roots_.udevData / ("b" + numbers), "E:ID_FS_LABEL_ENC=" + label + "\n");
-  }
-
   std::vector<std::string> list() {
     std::vector<std::string> lines;
     for (const auto& disk : disks_.list()) lines.push_back(text(disk));
@@ -123,23 +56,11 @@ class LinuxDisksOfAMachine : public ::testing::Test {
   }
 
  private:
-  static void link(const Path& to, const Path& from) {
-    std::filesystem::create_directories(from.parent_path());
-    std::filesystem::create_directories(to);
-    std::filesystem::remove(from);
-    std::filesystem::create_directory_symlink(to.lexically_relative(from.parent_path()), from);
-  }
-
-  const TempFolder temp_;
   LinuxVolumes realVolumes_;
-  std::string mounts_;
 
  protected:
-  const LinuxDisks::Roots roots_ = {temp_.path() / "mountinfo", temp_.path() / "sys",
-                                    temp_.path() / "udev"};
-  const Path devices_ = roots_.sys / "devices";
   FakeVolumes volumes_{realVolumes_};
-  LinuxDisks disks_{volumes_, roots_};
+  LinuxDisks disks_{volumes_, {mountInfo_, sys_, udevData_}};
 };
 
 TEST_F(LinuxDisksOfAMachine, EveryKindOfConnectionTellsItsFacts) {
@@ -226,7 +147,7 @@ TEST_F(LinuxDisksOfAMachine, WhatHasNoMediumOfItsOwnIsLeftOut) {
   }
   addMade("bcache0", "251:0", {usb("2-3", "removable") + "sdd"});
   // Pulled between the two looks.
-  std::filesystem::create_directory_symlink("../../devices/gone", roots_.sys / "dev/block/8:64");
+  std::filesystem::create_directory_symlink("../../devices/gone", sys_ / "dev/block/8:64");
   EXPECT_THAT(list(), ElementsAre("sdd '' 4096 {} pluggable ejectable"));
   for (const DeviceNumber number :
        {DeviceNumber{8, 16}, {11, 0}, {253, 0}, {254, 0}, {9, 127}, {8, 64}, {8, 99}}) {
@@ -319,48 +240,6 @@ TEST(LinuxDisks, TheDiskUnderTheSystemOfThisMachineIsInternal) {
   EXPECT_NE(std::find(all.begin(), all.end(), *disk), all.end()) << text(*disk);
 }
 
-/// A file that is mounted as a disk in a mount namespace of the calling thread's own, which takes
-/// the mount along when the thread ends.
-class MountedImage {
- public:
-  static constexpr std::uintmax_t kSize = 8U << 20U;
-
-  explicit MountedImage(const Path& folder)
-      : file_(folder / "card.img"), point_(folder / "My Image") {
-    std::filesystem::create_directories(point_);
-    writeFile(file_, "");
-    std::filesystem::resize_file(file_, kSize);
-    const std::string command = "{ mkfs.ext4 -q -F '" + file_.native() + "' && mount -o loop '" +
-                                file_.native() + "' '" + point_.native() + "'; } 2>/dev/null";
-    isMounted_ = unshare(CLONE_NEWNS) == 0 &&
-                 ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                 std::system(command.c_str()) == 0;  // NOLINT(concurrency-mt-unsafe)
-  }
-  ~MountedImage() {
-    if (isMounted_) umount2(point_.c_str(), MNT_DETACH);
-  }
-  MountedImage(const MountedImage&) = delete;
-  MountedImage& operator=(const MountedImage&) = delete;
-
-  [[nodiscard]] bool isMounted() const { return isMounted_; }
-  [[nodiscard]] const Path& point() const { return point_; }
-
-  [[nodiscard]] std::string device() const {
-    for (const auto& item : std::filesystem::directory_iterator("/sys/block")) {
-      const Path backing = item.path() / "loop/backing_file";
-      if (std::filesystem::exists(backing) && readFile(backing) == file_.native() + "\n") {
-        return item.path().filename();
-      }
-    }
-    return {};
-  }
-
- private:
-  Path file_;
-  Path point_;
-  bool isMounted_ = false;
-};
-
 TEST(LinuxDisks, AMountedImageIsHeldByItsLoopDevice) {
   if (geteuid() != 0) GTEST_SKIP() << "only root may mount";
   const TempFolder temp;
@@ -368,6 +247,7 @@ TEST(LinuxDisks, AMountedImageIsHeldByItsLoopDevice) {
   std::string device;
   std::optional<DiskFacts> disk;
   std::thread([&] {
+    if (!leaveTheMountsOfOthers()) return;
     const MountedImage image(temp.path());
     wasMounted = image.isMounted();
     if (!wasMounted) return;
