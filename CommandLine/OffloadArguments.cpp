@@ -2,6 +2,7 @@
 
 #include "OffloadKit/ErrorSentences.h"
 #include "OffloadKit/FolderPreset.h"
+#include "OffloadKit/Places.h"
 #include "PlatformKit/Unicode.h"
 
 #include <algorithm>
@@ -46,32 +47,19 @@ Path sourcePath(PlatformKit::FileSystem& fileSystem, const std::string& typed) {
   return resolved.value();
 }
 
-// Whether the source is a mounted volume as a whole, as a card is.
-bool isWholeVolume(PlatformKit::System system, const Path& source,
-                   const PlatformKit::VolumeFacts& facts) {
-  if (!facts.root) return false;
-  const auto root = system.fileSystem.resolve(*facts.root);
-  return root.ok() && root.value() == source;
-}
-
-// As people know it: the volume's name when the source is a whole volume, else the folder's.
 std::string sourceName(PlatformKit::System system, const Path& source) {
-  const auto facts = system.volumes.facts(source);
-  if (facts.name && isWholeVolume(system, source, facts)) return *facts.name;
-  const std::string folder = OffloadKit::lastComponent(source);
-  return folder.empty() ? "Card" : folder;
+  const std::string name = OffloadKit::sourceName(system, source);
+  return name.empty() ? "Card" : name;
 }
 
 std::uint64_t freeSpace(PlatformKit::System system, const Path& destination) {
-  const auto facts =
-      system.volumes.facts(OffloadKit::nearestExisting(system.fileSystem, destination));
-  return std::max(facts.availableForImportantUse.value_or(0), facts.available.value_or(0));
+  return OffloadKit::freeSpace(system, OffloadKit::nearestExisting(system.fileSystem, destination));
 }
 
 OffloadKit::CardImageRequest imageRequest(PlatformKit::System system,
                                           const DeviceKit::DiskEnumerator& disks,
                                           const OffloadKit::OffloadPlan& plan) {
-  if (!isWholeVolume(system, plan.source, system.volumes.facts(plan.source))) {
+  if (!OffloadKit::isVolumeRoot(system, plan.source)) {
     throw ArgumentError(quoted(plan.source.native()) +
                         " is a folder, not a whole card. A card image needs a card as the source.");
   }

@@ -20,6 +20,7 @@ struct OffloadArguments {
   HashKit::HashAlgorithm checksum = HashKit::HashAlgorithm::xxh64;
   bool readOnce = false;
   bool cardImage = false;
+  bool eject = false;  ///< the card, once everything is verified
   bool json = false;
   bool quiet = false;
 };

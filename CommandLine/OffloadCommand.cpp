@@ -6,11 +6,14 @@
 #include "CommandLine/ResultJson.h"
 #include "CommandLine/Verdict.h"
 #include "OffloadKit/OffloadEngine.h"
+#include "OffloadKit/Places.h"
 #include "PlatformKit/Posix/Interrupts.h"
 #include "PlatformKit/Posix/Terminal.h"
 #include "PlatformKit/Unicode.h"
 
 #include <atomic>
+#include <optional>
+#include <string>
 
 #include <nlohmann/json.hpp>
 
@@ -49,6 +52,45 @@ void tellError(const std::string& sentence) {
   printError(forThisTerminal("zephrimark: " + PlatformKit::singleLineText(sentence)) + "\n");
 }
 
+// Only a card can be ejected; to leave a folder's disk alone is no reason to stop.
+bool shallEject(const OffloadArguments& arguments, const OffloadKit::OffloadPlan& plan,
+                PlatformKit::System system) {
+  if (!arguments.eject || OffloadKit::isVolumeRoot(system, plan.source)) return arguments.eject;
+  tellError("\"" + plan.source.native() +
+            "\" is a folder, not a whole card. It will not be ejected.");
+  return false;
+}
+
+// Answers none when it was done, else a sentence.
+std::optional<std::string> ejectCard(const OffloadKit::OffloadResult& result,
+                                     const Services& services) {
+  if (!isComplete(result)) {
+    return "The card was not ejected because not everything is verified.";
+  }
+  const OffloadKit::OffloadPlan& plan = result.plan;
+  // Once it is taken out, its folder may lie on another disk.
+  if (!OffloadKit::isVolumeRoot(services.system, plan.source)) {
+    return plan.sourceName + " is not mounted any more, so it was not ejected.";
+  }
+  return services.cardEjector.eject(plan.source, plan.sourceName);
+}
+
+void tellEjection(const OffloadArguments& arguments, const std::string& name,
+                  const std::optional<std::string>& problem) {
+  if (arguments.json) {
+    printJsonLine({{"type", "eject"},
+                   {"ejected", !problem},
+                   {"reason", problem ? nlohmann::json(*problem) : nlohmann::json()}});
+  }
+  if (problem) {
+    tellError(*problem);
+  } else if (!arguments.quiet) {
+    const std::string done =
+        forThisTerminal("\nEjected " + PlatformKit::singleLineText(name) + ".\n");
+    arguments.json ? printError(done) : print(done);
+  }
+}
+
 }  // namespace
 
 int runOffload(const OffloadArguments& arguments, const Services& services) {
@@ -66,11 +108,13 @@ int runOffload(const OffloadArguments& arguments, const Services& services) {
   std::unique_ptr<ProgressDisplay> display = makeSilentDisplay();
   try {
     const OffloadKit::OffloadPlan plan = planFor(arguments, system, services.disks);
+    const bool eject = shallEject(arguments, plan, system);
     display = displayFor(arguments, plan, system.clock);
     const auto result = engine.run(
         plan, [&](const OffloadKit::OffloadProgress& progress) { display->show(progress); });
     display->finish();
     tellResult(arguments, result);
+    if (eject) tellEjection(arguments, plan.sourceName, ejectCard(result, services));
     return isComplete(result) ? allVerified : notEverything;
   } catch (const ArgumentError& error) {
     tellError(error.what());

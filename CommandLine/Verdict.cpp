@@ -1,8 +1,7 @@
 #include "CommandLine/Verdict.h"
 
 #include "CommandLine/Output.h"
-#include "OffloadKit/Format.h"
-#include "PlatformKit/ByteCount.h"
+#include "OffloadKit/ResultTexts.h"
 #include "PlatformKit/Unicode.h"
 
 #include <algorithm>
@@ -13,72 +12,42 @@ namespace CommandLine {
 namespace {
 
 using OffloadKit::OffloadResult;
-using OffloadKit::Format::counted;
-using OffloadKit::Format::grouped;
-using PlatformKit::byteCountText;
 using PlatformKit::singleLineText;
-
-std::string drivesPhrase(std::size_t drives) {
-  if (drives == 1) return "the drive";
-  if (drives == 2) return "both drives";
-  return fmt::format("all {} drives", drives);
-}
+namespace ResultTexts = OffloadKit::ResultTexts;
 
 std::string headline(const OffloadResult& result, bool onStandardError) {
-  if (!result.allVerified()) {
-    return styled("✗ Some files weren't verified", Style::bad, onStandardError) +
-           fmt::format("\n{} didn't make it onto every drive. Don't erase the card yet.\n",
-                       counted(result.failedFiles().size(), "file"));
-  }
-  if (!result.unreadable.empty()) {
-    return styled("✗ Some of the card couldn't be read", Style::bad, onStandardError) +
-           "\nEvery file that could be listed is verified, but there may be more. "
-           "Don't erase the card yet.\n";
-  }
-  return styled("✓ Offload verified", Style::good, onStandardError) +
-         fmt::format("\nEvery file from {} was copied and read back identical on {}.\n",
-                     singleLineText(result.plan.sourceName),
-                     drivesPhrase(result.plan.destinations.size()));
+  const bool good = result.allVerified() && result.unreadable.empty();
+  return styled((good ? "✓ " : "✗ ") + ResultTexts::title(result), good ? Style::good : Style::bad,
+                onStandardError) +
+         "\n" + ResultTexts::sentence(result) + "\n";
 }
 
 std::string figures(const OffloadResult& result) {
-  const double seconds = std::chrono::duration<double>(result.finished - result.started).count();
-  const double speed = seconds > 0 ? static_cast<double>(result.totalBytes()) / seconds : 0;
-  return fmt::format(
-      "\n  Files     {} · {}\n  Took      {} · {}/s\n  Checksum  {}{}\n",
-      grouped(result.files.size()), byteCountText(result.totalBytes()),
-      OffloadKit::Format::duration(seconds), byteCountText(static_cast<std::uint64_t>(speed)),
-      displayName(result.plan.algorithm), result.plan.verifySource ? ", card read twice" : "");
+  return fmt::format("\n  Files     {}\n  Took      {}\n  Checksum  {}\n",
+                     ResultTexts::files(result), ResultTexts::took(result),
+                     ResultTexts::checksum(result));
+}
+
+std::string mark(bool good, bool onStandardError) {
+  return styled(good ? "✓" : "✗", good ? Style::good : Style::bad, onStandardError);
 }
 
 std::string driveLine(const OffloadResult& result, std::size_t index, bool onStandardError) {
-  const std::size_t verified = result.verifiedCount(index);
-  const bool complete = verified == result.files.size();
-  const auto resumed = static_cast<std::size_t>(
+  const bool complete = result.verifiedCount(index) == result.files.size();
+  const auto resumed =
       std::count_if(result.files.begin(), result.files.end(),
-                    [index](const auto& file) { return file.outcomes[index].isResumed(); }));
-  std::string line = fmt::format(
-      "  {} {}\n    {} of {} verified",
-      styled(complete ? "✓" : "✗", complete ? Style::good : Style::bad, onStandardError),
-      singleLineText(result.plan.destinations[index].native()), grouped(verified),
-      grouped(result.files.size()));
-  if (resumed > 0) line += fmt::format(" · {} already there", grouped(resumed));
-  const auto error = result.destinationErrors.find(index);
-  if (error != result.destinationErrors.end()) line += " · stopped: " + error->second;
-  return line + "\n";
+                    [index](const auto& file) { return file.outcomes[index].isResumed(); });
+  return fmt::format("  {} {}\n    {}{}\n", mark(complete, onStandardError),
+                     singleLineText(result.plan.destinations[index].native()),
+                     ResultTexts::drive(result, index),
+                     resumed > 0 ? fmt::format(" · {} already there", resumed) : "");
 }
 
 std::string imageLine(const OffloadKit::CardImageResult& image, bool onStandardError) {
   const bool saved = image.outcome.isVerified();
-  std::string line = "  " +
-                     styled(saved ? "✓" : "✗", saved ? Style::good : Style::bad, onStandardError) +
-                     " Card image\n    ";
-  if (!saved) return line + "Not saved: " + image.outcome.reason() + "\n";
-  line += byteCountText(image.size) + " verified";
-  if (image.unreadableBlocks > 0) {
-    line += fmt::format(" · {} unreadable blocks saved as zeros", grouped(image.unreadableBlocks));
-  }
-  return line + "\n    " + singleLineText(image.url.native()) + "\n";
+  return fmt::format("  {} Card image\n    {}\n{}", mark(saved, onStandardError),
+                     ResultTexts::cardImage(image),
+                     saved ? "    " + singleLineText(image.url.native()) + "\n" : "");
 }
 
 std::string records(const char* title, const std::vector<PlatformKit::Path>& files) {
@@ -119,10 +88,7 @@ std::string verdict(const OffloadResult& result, bool onStandardError) {
   if (!result.unreadable.empty()) {
     text += "\n" + styled("Could not be read from the card", Style::strong, onStandardError) + "\n";
     for (const auto& item : result.unreadable) {
-      text += fmt::format(
-          "  {}\n    {}\n",
-          item.relativePath.empty() ? "(the whole card)" : singleLineText(item.relativePath),
-          item.reason);
+      text += "  " + ResultTexts::unreadableItem(item) + "\n";
     }
   }
   text += records("Reports", result.reports) + records("Hash lists", result.mhlFiles);

@@ -1,3 +1,4 @@
+#include "CommandLine/CardsCommand.h"
 #include "CommandLine/DisksCommand.h"
 #include "CommandLine/ExitStatus.h"
 #include "CommandLine/OffloadCommand.h"
@@ -58,6 +59,8 @@ void describeOffload(CLI::App& command, CommandLine::OffloadArguments& arguments
   command.add_flag("--card-image", arguments.cardImage,
                    "Also save an image of the whole card, deleted files included, on the "
                    "destination with the most free space");
+  command.add_flag("--eject", arguments.eject,
+                   "Eject the card, but only once everything is verified");
   command.add_flag("--json", arguments.json,
                    "One JSON object per line on standard output; sentences on standard error");
   command.add_flag("--quiet", arguments.quiet, "No progress, and no verdict when all is verified");
@@ -94,6 +97,10 @@ int main(int argc, char** argv) {
       program.add_subcommand("offload", "Copy a card or folder and read every copy back");
   describeOffload(*offload, arguments);
 
+  bool cardsAsJson = false;
+  CLI::App* cards = program.add_subcommand("cards", "List the mounted cards and drives");
+  cards->add_flag("--json", cardsAsJson, "One JSON object per line");
+
   bool allDisks = false;
   bool disksAsJson = false;
   CLI::App* disks = program.add_subcommand("disks", "List the disks that can be cards");
@@ -107,6 +114,7 @@ int main(int argc, char** argv) {
   }
   CommandLine::Services services;
   if (*offload) return CommandLine::runOffload(arguments, services);
+  if (*cards) return CommandLine::runCards(cardsAsJson, services.mountedVolumes);
   if (*disks) return CommandLine::runDisks(allDisks, disksAsJson, services.physicalDisks);
   CommandLine::printError(program.help());
   return CommandLine::wrongArguments;

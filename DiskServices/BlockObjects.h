@@ -18,12 +18,30 @@ struct BlockObject {
   std::size_t mountPoints = 0;
 };
 
-/// All block devices. Throws BusError when UDisks2 is not there or answers nonsense.
-[[nodiscard]] std::vector<BlockObject> blockObjects(SystemBus& bus);
+/// What UDisks2 tells of one drive.
+struct DriveObject {
+  std::string object;
+  std::string siblings;  ///< the same for all drives that have one supply of power; may be empty
+  bool ejectable = false;
+  bool canPowerOff = false;
+};
+
+/// What UDisks2 knows at one moment.
+struct DiskObjects {
+  std::vector<BlockObject> blocks;
+  std::vector<DriveObject> drives;
+};
+
+/// Asks for all of it. Throws BusError when UDisks2 is not there or answers nonsense.
+[[nodiscard]] DiskObjects diskObjects(SystemBus& bus);
 
 /// The one with this device, as "/dev/sdb1"; null when there is none. Points into `blocks`.
 [[nodiscard]] const BlockObject* findDevice(const std::vector<BlockObject>& blocks,
                                             const std::string& device);
+
+/// The drive with this object; null when there is none. Points into `drives`.
+[[nodiscard]] const DriveObject* findDrive(const std::vector<DriveObject>& drives,
+                                           const std::string& object);
 
 /// Whether what is on `block` lies on the whole disk `disk`: on itself, a partition, another device
 /// of the same drive, or decrypted from one of these. Both from `blocks`.

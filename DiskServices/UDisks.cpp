@@ -2,6 +2,7 @@
 
 #include "DiskServices/BlockObjects.h"
 #include "DiskServices/SystemBus.h"
+#include "DiskServices/Unmounting.h"
 #include "PlatformKit/Posix/DescriptorPassing.h"
 
 #include <exception>
@@ -14,12 +15,9 @@ namespace {
 using PlatformKit::UniqueFd;
 using Kind = PlatformKit::PrivilegedOpener::Answer::Kind;
 
-// A volume can be mounted again, by whoever watches cards, while the others are being unmounted.
-constexpr int kRounds = 3;
-
 UniqueFd openDevice(const PlatformKit::Path& device) {
   SystemBus bus;
-  const auto blocks = blockObjects(bus);
+  const auto blocks = diskObjects(bus).blocks;
   const BlockObject* block = findDevice(blocks, device.native());
   if (block == nullptr) return {};
   const Message call = bus.newCall(block->object, "org.freedesktop.UDisks2.Block", "OpenDevice");
@@ -36,32 +34,6 @@ UniqueFd openDevice(const PlatformKit::Path& device) {
 bool isRefusal(const std::string& error) {
   return error == "org.freedesktop.UDisks2.Error.NotAuthorizedDismissed" ||
          error == "org.freedesktop.UDisks2.Error.NotAuthorized";
-}
-
-void unmount(SystemBus& bus, const BlockObject& block) {
-  // Each call takes one mount point away.
-  for (std::size_t point = 0; point < block.mountPoints; ++point) {
-    const Message call = bus.newCall(block.object, "org.freedesktop.UDisks2.Filesystem", "Unmount");
-    checked(sd_bus_message_append(call.get(), "a{sv}", 0));
-    static_cast<void>(bus.call(call, SystemBus::kUntilAnswered));
-  }
-}
-
-bool unmountAll(const std::string& device) {
-  SystemBus bus;
-  for (int round = 0; round <= kRounds; ++round) {
-    const auto blocks = blockObjects(bus);
-    const BlockObject* disk = findDevice(blocks, device);
-    if (disk == nullptr) return false;
-    bool mounted = false;
-    for (const BlockObject& block : blocks) {
-      if (block.mountPoints == 0 || !liesOn(block, *disk, blocks)) continue;
-      mounted = true;
-      if (round < kRounds) unmount(bus, block);
-    }
-    if (!mounted) return true;
-  }
-  return false;
 }
 
 }  // namespace
@@ -81,7 +53,8 @@ PlatformKit::PrivilegedOpener::Answer UDisks::openReadOnly(const PlatformKit::Pa
 
 bool UDisks::unmountDisk(const std::string& identifier) {
   try {
-    return unmountAll("/dev/" + identifier);
+    SystemBus bus;
+    return unmountAll(bus, "/dev/" + identifier) == Unmounting::nothingMounted;
   } catch (const std::exception&) {
     // Busy, refused or no service: the volumes stay mounted, which is what the answer says.
     return false;

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace OffloadKit {
 
@@ -17,6 +18,14 @@ struct OffloadProgress {
   double fraction = 0;           ///< share of the whole run's work that is done, 0 to 1
   std::string currentFile;       ///< relative path; the image's name while imaging; else empty
   double bytesPerSecond = 0;     ///< source bytes per second, averaged since the run began
+
+  /// What came of the files so far on one destination.
+  struct Drive {
+    std::size_t verified = 0;
+    std::size_t failed = 0;
+    std::string lastFailure;  ///< a sentence for people; empty without failures
+  };
+  std::vector<Drive> drives;  ///< in the plan's order; empty while scanning
 };
 
 }  // namespace OffloadKit

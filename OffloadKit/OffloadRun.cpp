@@ -43,6 +43,7 @@ OffloadResult OffloadRun::execute(bool checkSpace) {
   finishing.filesDone = finishing.filesTotal = files_.size();
   finishing.bytesTotal = totalBytes_;
   finishing.fraction = 1;
+  finishing.drives = drives_;
   progress_(finishing);
   result_.finished = now();
   closing_.writeRecords(result_);
@@ -107,7 +108,11 @@ void OffloadRun::copyFiles(std::vector<Path> existingBefore) {
                           workers, transferBuffer, readBackBuffers, isCancelled_, afterWrite_};
 
   result_.files.reserve(files_.size());
-  for (const SourceFile& file : files_) copyFile(file, resources);
+  drives_.resize(plan_.destinations.size());
+  for (const SourceFile& file : files_) {
+    copyFile(file, resources);
+    countOutcomes(result_.files.back());
+  }
   folders.flush(result_.files, health);
   result_.destinationErrors = health.errors();
 }
@@ -138,6 +143,18 @@ void OffloadRun::copyFile(const SourceFile& file, CopyResources& resources) {
        std::vector<Outcome>(plan_.destinations.size(), Outcome::failed(failure))});
 }
 
+void OffloadRun::countOutcomes(const OffloadedFile& file) {
+  for (std::size_t i = 0; i < drives_.size(); ++i) {
+    OffloadProgress::Drive& drive = drives_[i];
+    if (file.outcomes[i].isVerified()) {
+      ++drive.verified;
+    } else {
+      ++drive.failed;
+      drive.lastFailure = file.outcomes[i].reason();
+    }
+  }
+}
+
 void OffloadRun::writeCardImage() {
   result_.cardImage = closing_.writeCardImage(result_.started, isCancelled_,
                                               [this](const std::string& name, double bytes) {
@@ -156,6 +173,7 @@ void OffloadRun::report(Phase phase, const std::string& currentFile) const {
   if (phase == Phase::imaging) progress.fraction = std::min(progress.fraction, 1.0);
   progress.currentFile = currentFile;
   progress.bytesPerSecond = bytesPerSecond();
+  progress.drives = drives_;
   progress_(progress);
 }
 

@@ -28,6 +28,7 @@ class OffloadRun {
   void countWork();
   void copyFiles(std::vector<PlatformKit::Path> existingBefore);
   void copyFile(const SourceFile& file, CopyResources& resources);
+  void countOutcomes(const OffloadedFile& file);
   void writeCardImage();
   void report(OffloadProgress::Phase phase, const std::string& currentFile = {}) const;
   [[nodiscard]] double bytesPerSecond() const;
@@ -43,6 +44,7 @@ class OffloadRun {
   std::vector<std::unique_ptr<PlatformKit::FolderLock>> locks_;
   std::vector<SourceFile> files_;
   OffloadResult result_;
+  std::vector<OffloadProgress::Drive> drives_;
   std::uint64_t totalBytes_ = 0;
   // Work is counted in bytes handled: each source byte once while copying, once per copy read back
   // and once more when the card is read twice; each byte of a card image twice.

@@ -164,6 +164,51 @@ class DiskStack : public ::testing::Test {
     return static_cast<Kind>(status);
   }
 
+  // Mounts the card with one file on it.
+  void insertCard() {
+    std::filesystem::create_directory(mountPoint_);
+    ASSERT_EQ(mount(card_->path().c_str(), mountPoint_.c_str(), "ext4", 0, nullptr), 0);
+    writeFile(mountPoint_ / "IMG_0001.CR3", "footage");
+    std::filesystem::remove_all(mountPoint_ / "lost+found");
+    ASSERT_EQ(umount(mountPoint_.c_str()), 0);
+    mountAt(mountPoint_, card_->path().c_str(), "ext4", MS_RDONLY);
+  }
+
+  [[nodiscard]] bool isCardMounted() const {
+    return readFile("/proc/self/mountinfo").find(card_->path().native() + " ") != std::string::npos;
+  }
+
+  // Copies the card into drive_ / "x" with the real program, which an ordinary user started.
+  // Answers its exit status; `told_` is what it said.
+  int offload(const std::vector<std::string>& options, const std::string& reaction) {
+    std::filesystem::create_directory(drive_);
+    std::filesystem::permissions(drive_, std::filesystem::perms(0777));
+    const Path log = folder_.path() / "log";
+    std::vector<std::string> command = {
+        PlatformKit::Testing::programForEverybody(ZEPHRIMARK_PROGRAM, folder_),
+        "offload",
+        "--template",
+        "x",
+        mountPoint_,
+        drive_};
+    command.insert(command.end(), options.begin(), options.end());
+    std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
+    for (std::string& word : command) arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    const UniqueFd output(open(log.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+    const int status = runAsUser(
+        [&] {
+          dup2(output.get(), STDOUT_FILENO);
+          dup2(output.get(), STDERR_FILENO);
+          execv(arguments.front(), arguments.data());
+          return kWrong;
+        },
+        reaction);
+    told_ = readFile(log);
+    return status;
+  }
+
   // Runs the action in a process of its own, as an ordinary user who may not read the card, and
   // answers its exit status.
   int runAsUser(const std::function<int()>& action, const std::string& reaction) {
@@ -216,6 +261,8 @@ class DiskStack : public ::testing::Test {
   }
 
   const TempFolder folder_;
+  const Path mountPoint_ = folder_.path() / "EOS_DIGITAL";
+  const Path drive_ = folder_.path() / "drive";
   std::optional<LoopDevice> card_;
   std::optional<PrivateBus> bus_;
   std::optional<Daemon> polkit_;
@@ -223,6 +270,7 @@ class DiskStack : public ::testing::Test {
   std::optional<Daemon> deviceManager_;
   std::vector<Path> mounted_;
   std::string asked_;
+  std::string told_;
 };
 
 TEST_F(DiskStack, AnOrdinaryUserReadsTheCardOnceTheyAuthenticate) {
@@ -235,37 +283,41 @@ TEST_F(DiskStack, AnOrdinaryUserReadsTheCardOnceTheyAuthenticate) {
 
 // The real program, from the question for a password to the image on the drive.
 TEST_F(DiskStack, AnOrdinaryUserGetsACardImageOnceTheyAuthenticate) {
-  const Path mountPoint = folder_.path() / "EOS_DIGITAL";
-  std::filesystem::create_directory(mountPoint);
-  ASSERT_EQ(mount(card_->path().c_str(), mountPoint.c_str(), "ext4", 0, nullptr), 0);
-  writeFile(mountPoint / "IMG_0001.CR3", "footage");
-  std::filesystem::remove_all(mountPoint / "lost+found");
-  ASSERT_EQ(umount(mountPoint.c_str()), 0);
-  mountAt(mountPoint, card_->path().c_str(), "ext4", MS_RDONLY);
-  const Path drive = folder_.path() / "drive";
-  std::filesystem::create_directory(drive);
-  std::filesystem::permissions(drive, std::filesystem::perms(0777));
-  const Path told = drive / "told";
-  const Path program = PlatformKit::Testing::programForEverybody(ZEPHRIMARK_PROGRAM, folder_);
-  const auto offload = [&] {
-    const UniqueFd log(open(told.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644));
-    dup2(log.get(), STDOUT_FILENO);
-    dup2(log.get(), STDERR_FILENO);
-    execl(program.c_str(), "zephrimark", "offload", "--card-image", "--template", "x",
-          mountPoint.c_str(), drive.c_str(), nullptr);
-    return kWrong;
-  };
-  EXPECT_EQ(runAsUser(offload, "dismiss"), 3);
-  EXPECT_NE(readFile(told).find("Authorization to read " + card_->path().native() + " was denied."),
+  insertCard();
+  EXPECT_EQ(offload({"--card-image"}, "dismiss"), 3);
+  EXPECT_NE(told_.find("Authorization to read " + card_->path().native() + " was denied."),
             std::string::npos)
-      << readFile(told);
-  EXPECT_TRUE(std::filesystem::is_empty(drive / "x"));
+      << told_;
+  EXPECT_TRUE(std::filesystem::is_empty(drive_ / "x"));
 
-  EXPECT_EQ(runAsUser(offload, "allow"), 0) << readFile(told);
-  for (const auto& image : std::filesystem::directory_iterator(drive / "x/Card Image")) {
+  EXPECT_EQ(offload({"--card-image"}, "allow"), 0) << told_;
+  for (const auto& image : std::filesystem::directory_iterator(drive_ / "x/Card Image")) {
     EXPECT_EQ(readFile(image.path()), readFile(card_->path()));
   }
-  EXPECT_FALSE(std::filesystem::is_empty(drive / "x/Card Image"));
+  EXPECT_FALSE(std::filesystem::is_empty(drive_ / "x/Card Image"));
+}
+
+TEST_F(DiskStack, TheCardIsEjectedOnceEverythingIsVerifiedUnlessItIsInUse) {
+  if (access(kUdevd, X_OK) != 0) GTEST_SKIP() << "Needs the package udev.";
+  startDeviceManager();
+  if (HasFatalFailure()) return;
+  insertCard();
+  const struct {
+    const char* reaction;
+    bool inUse;
+    const char* told;
+  } kCases[] = {{"dismiss", false, "Permission to eject EOS_DIGITAL was declined. "},
+                {"allow", true, "EOS_DIGITAL couldn't be ejected because a program is still using"},
+                {"allow", false, "\nEjected EOS_DIGITAL.\n"}};
+  for (const auto& [reaction, inUse, told] : kCases) {
+    EXPECT_TRUE(isCardMounted()) << told;
+    const UniqueFd file(inUse ? open((mountPoint_ / "IMG_0001.CR3").c_str(), O_RDONLY | O_CLOEXEC)
+                              : -1);
+    EXPECT_EQ(file.valid(), inUse);
+    EXPECT_EQ(offload({"--eject"}, reaction), 0) << told;
+    EXPECT_NE(told_.find(told), std::string::npos) << told_;
+  }
+  EXPECT_FALSE(isCardMounted());
 }
 
 TEST_F(DiskStack, TheHelperServesWhereThereIsNoDiskService) {
@@ -292,7 +344,7 @@ TEST_F(DiskStack, UnmountsACardEverywhereUnlessItIsInUse) {
     EXPECT_FALSE(disks.unmountDisk(card_->name()));
   }
   EXPECT_TRUE(disks.unmountDisk(card_->name()));
-  EXPECT_EQ(readFile("/proc/self/mountinfo").find(card_->path().native() + " "), std::string::npos);
+  EXPECT_FALSE(isCardMounted());
 }
 
 }  // namespace

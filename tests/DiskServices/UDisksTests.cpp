@@ -1,10 +1,8 @@
 #include "DiskServices/UDisks.h"
-#include "tests/DiskServices/Machine.h"
+#include "tests/DiskServices/MockService.h"
 
 #include <cstdlib>
-#include <optional>
 #include <set>
-#include <sstream>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -16,30 +14,10 @@ namespace {
 using PlatformKit::Path;
 using PlatformKit::Testing::pattern;
 using PlatformKit::Testing::readFile;
-using PlatformKit::Testing::TempFolder;
 using PlatformKit::Testing::writeFile;
 
-/// UDisks against a service that is made of a file.
-class UDisksOnABus : public ::testing::Test {
+class UDisksOnABus : public MockService {
  protected:
-  void SetUp() override {
-    if (access("/usr/bin/dbus-daemon", X_OK) != 0) GTEST_SKIP() << "Needs the package dbus.";
-    bus_.emplace(folder_.path() / "bus");
-  }
-
-  // After it, the service knows these block devices; see mock_udisks.py.
-  void startService(const std::string& blocks) {
-    know(blocks);
-    writeFile(log_, "");
-    const Path script = Path(ZEPHRIMARK_TEST_SCRIPTS) / "mock_udisks.py";
-    service_.emplace(std::vector<std::string>{"/usr/bin/python3", script, state_, log_});
-    const std::string line = service_->readLine();
-    if (line == "MISSING") GTEST_SKIP() << "Needs the packages python3-dbus and python3-gi.";
-    ASSERT_EQ(line, "READY");
-  }
-
-  void know(const std::string& blocks) const { writeFile(state_, "{" + blocks + "}"); }
-
   Kind open(const Path& device) {
     const auto before = openDescriptors();
     const Kind kind = disks_.openReadOnly(device).kind;
@@ -54,11 +32,6 @@ class UDisksOnABus : public ::testing::Test {
     return unmounted;
   }
 
-  const TempFolder folder_;
-  const Path state_ = folder_.path() / "state";
-  const Path log_ = folder_.path() / "log";
-  std::optional<PrivateBus> bus_;
-  std::optional<Daemon> service_;
   UDisks disks_;
 };
 
@@ -142,11 +115,8 @@ TEST_F(UDisksOnABus, UnmountsAllOfTheDiskAndNothingElse) {
   EXPECT_FALSE(unmount("sdx"));
   EXPECT_EQ(readFile(log_), "");
   EXPECT_TRUE(unmount("sdb"));
-  std::multiset<std::string> calls;
-  std::istringstream log(readFile(log_));
-  for (std::string line; std::getline(log, line);) calls.insert(line);
-  EXPECT_EQ(calls, (std::multiset<std::string>{"dm0.Unmount", "sdb1.Unmount", "sdb1.Unmount",
-                                               "sdbboot.Unmount"}));
+  EXPECT_EQ(calls(), (std::multiset<std::string>{"dm0.Unmount", "sdb1.Unmount", "sdb1.Unmount",
+                                                 "sdbboot.Unmount"}));
 }
 
 TEST_F(UDisksOnABus, ADiskThatStaysMountedIsNotCalledUnmounted) {

@@ -4,12 +4,17 @@
 STATE is read anew for every call:
   {"sdb1": {"drive": NAME, "table": BLOCK, "encrypted": BLOCK, "mounts": [PATH, ...],
             "open": PATH, "writable": true, "delay": SECONDS, "exit": true, "remount": true,
-            "error": NAME of the D-Bus error that every call of the block answers}}
+            "raced": true (somebody else unmounts it first), "taken": true (it goes when unmounted),
+            "error": NAME of the D-Bus error that every call answers},
+   "Reader": {"ejectable": BOOL, "canPowerOff": BOOL, "sibling": NAME, "delay": SECONDS,
+              "error": NAME}}
+What has "ejectable" is a drive.
 Each call adds a line to LOG. Prints READY once it can be called, MISSING without the packages.
 """
 import json
 import os
 import sys
+import time
 
 try:
     import dbus
@@ -42,14 +47,27 @@ def block_object(name):
     return dbus.ObjectPath(f"{ROOT}/block_devices/{name}" if name else "/")
 
 
+def drive_object(name):
+    return dbus.ObjectPath(f"{ROOT}/drives/{name}" if name else "/")
+
+
 def interfaces(name, block):
-    drive = block.get("drive")
+    if "ejectable" in block:
+        return {
+            f"{UDISKS}.Drive": {
+                "Model": name,
+                "Ejectable": block["ejectable"],
+                "CanPowerOff": block.get("canPowerOff", False),
+                "SiblingId": block.get("sibling", ""),
+                "SortKey": "01hotplug",
+            }
+        }
     result = {
         f"{UDISKS}.Block": {
             "Configuration": dbus.Array([], signature="(sa{sv})"),
             "Device": path_bytes(f"/dev/{name}"),
             "PreferredDevice": path_bytes(f"/dev/disk/by-id/{name}"),
-            "Drive": dbus.ObjectPath(f"{ROOT}/drives/{drive}" if drive else "/"),
+            "Drive": drive_object(block.get("drive")),
             "CryptoBackingDevice": block_object(block.get("encrypted")),
             "Size": dbus.UInt64(64),
         }
@@ -62,12 +80,24 @@ def interfaces(name, block):
     return result
 
 
+def called(path, method):
+    """Records the call of a block or drive, and answers its name and state or its error."""
+    name = os.path.basename(path)
+    item = state()[name]
+    record(f"{name}.{method}")
+    time.sleep(item.get("delay", 0))
+    if "error" in item:
+        raise dbus.DBusException("no", name=item["error"])
+    return name, item
+
+
 class Service(dbus.service.FallbackObject):
     @dbus.service.method("org.freedesktop.DBus.ObjectManager", out_signature="a{oa{sa{sv}}}")
     def GetManagedObjects(self):
-        objects = {block_object(name): interfaces(name, block) for name, block in state().items()}
-        objects[dbus.ObjectPath(f"{ROOT}/drives/Reader")] = {f"{UDISKS}.Drive": {"Model": "Reader"}}
-        return objects
+        return {
+            (drive_object if "ejectable" in block else block_object)(name): interfaces(name, block)
+            for name, block in state().items()
+        }
 
     @dbus.service.method(f"{UDISKS}.Block", "sa{sv}", "h", async_callbacks=("answer", "fail"),
                          rel_path_keyword="path")
@@ -91,15 +121,28 @@ class Service(dbus.service.FallbackObject):
 
     @dbus.service.method(f"{UDISKS}.Filesystem", "a{sv}", rel_path_keyword="path")
     def Unmount(self, options, path):
-        name = os.path.basename(path)
+        name, block = called(path, "Unmount")
         blocks = state()
-        record(f"{name}.Unmount")
-        if "error" in blocks[name]:
-            raise dbus.DBusException("no", name=blocks[name]["error"])
-        if "remount" not in blocks[name]:
+        if "remount" not in block:
             blocks[name]["mounts"].pop(0)
+        if "taken" in block:
+            del blocks[name]
         with open(sys.argv[1], "w", encoding="utf-8") as file:
             json.dump(blocks, file)
+        if "raced" in block:
+            raise dbus.DBusException("no", name=f"{UDISKS}.Error.NotMounted")
+
+    @dbus.service.method(f"{UDISKS}.Encrypted", "a{sv}", rel_path_keyword="path")
+    def Lock(self, options, path):
+        called(path, "Lock")
+
+    @dbus.service.method(f"{UDISKS}.Drive", "a{sv}", rel_path_keyword="path")
+    def Eject(self, options, path):
+        called(path, "Eject")
+
+    @dbus.service.method(f"{UDISKS}.Drive", "a{sv}", rel_path_keyword="path")
+    def PowerOff(self, options, path):
+        called(path, "PowerOff")
 
 
 dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)

@@ -356,7 +356,7 @@ TEST_F(Offload, WhatCannotBeReadOnTheCardIsNamedAndTheRestIsCopied) {
   fs::permissions(card_ / "locked", fs::perms(0755));
   EXPECT_EQ(end.status, 1);
   EXPECT_TRUE(says(end.error, "✗ Some of the card couldn't be read\n"));
-  EXPECT_TRUE(says(end.error, "\n  locked\n    Permission denied\n"));
+  EXPECT_TRUE(says(end.error, "\n  locked: Permission denied\n"));
   const json result = objectsIn(end.output).result;
   EXPECT_EQ(result.at("allVerified"), true);
   EXPECT_EQ(result.at("unreadable"), json({{{"path", "locked"}, {"reason", "Permission denied"}}}));
@@ -575,6 +575,37 @@ TEST_F(OffloadToOtherVolumes, AWholeCardIsKnownByItsVolumesName) {
   EXPECT_EQ(end.status, 0) << end.error;
   EXPECT_TRUE(says(end.output, "Every file from EOS_DIGITAL was copied"));
   EXPECT_EQ(readFile(day(first_) / "EOS_DIGITAL/a.mov"), "a\n");
+}
+
+TEST_F(OffloadToOtherVolumes, EjectsOnlyAWholeCardOfWhichEverythingIsVerified) {
+  writeFile(card_ / "a.mov", "a");
+  const End folder = offload({card_, first_, "--eject", "--quiet"});
+  EXPECT_EQ(folder.status, 0);
+  EXPECT_EQ(folder.output, "");
+  EXPECT_EQ(folder.error, "zephrimark: \"" + card_.native() +
+                              "\" is a folder, not a whole card. It will not be ejected.\n");
+
+  // A volume in memory, which would be told to have no disk.
+  const auto offloadCard = [&] {
+    const End end = runWithMounts(
+        "mkdir -p CARD; mount -t tmpfs none CARD; echo a >CARD/a.mov",
+        command({"CARD", second_, "--eject", "--json", "--quiet", "--template", "x"}));
+    const json ejection =
+        json::parse(end.output.substr(end.output.rfind('\n', end.output.size() - 2) + 1));
+    EXPECT_EQ(ejection.at("type"), "eject");
+    EXPECT_EQ(ejection.at("ejected"), false);
+    EXPECT_TRUE(
+        end.error.ends_with("zephrimark: " + ejection.at("reason").get<std::string>() + "\n"))
+        << end.error;
+    return std::pair(end.status, ejection.at("reason").get<std::string>());
+  };
+  const auto [status, reason] = offloadCard();
+  EXPECT_EQ(status, 0);
+  EXPECT_TRUE(says(reason, "There is no single disk under CARD"));
+  writeFile(second_ / "x/a.mov", "another");
+  EXPECT_EQ(offloadCard(),
+            std::pair(1, std::string("The card was not ejected because not everything is "
+                                     "verified.")));
 }
 
 }  // namespace
