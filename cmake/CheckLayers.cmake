@@ -11,8 +11,11 @@ set(DeviceKit_may PlatformKit)
 set(OffloadKit_may HashKit PlatformKit DeviceKit)
 set(DiskServices_may PlatformKit)
 set(DeviceHelper_may PlatformKit)
+set(Updates_may "")
+set(ZephrimarkUI_may "")
 set(CommandLine_may HashKit PlatformKit DeviceKit OffloadKit DiskServices)
-set(modules PlatformKit HashKit DeviceKit OffloadKit DiskServices DeviceHelper CommandLine)
+set(modules PlatformKit HashKit DeviceKit OffloadKit DiskServices DeviceHelper Updates ZephrimarkUI
+    CommandLine)
 
 # The operating system's own headers belong to the lowest layer's implementations.
 set(system_headers "<(unistd|fcntl|dirent|poll|pthread|sched|signal|termios|langinfo|locale)\\.h>|<sys/|<linux/|<csignal>")
@@ -29,8 +32,8 @@ foreach(module IN LISTS modules)
       if(include MATCHES "${system_headers}" AND NOT source MATCHES "${system_folders}")
         message(SEND_ERROR "${source}: ${include} belongs into PlatformKit/Posix or Linux.")
       endif()
-      if(include MATCHES "\"([A-Za-z]+)/" AND NOT CMAKE_MATCH_1 STREQUAL module
-         AND NOT CMAKE_MATCH_1 IN_LIST ${module}_may)
+      if(include MATCHES "\"(ZephrimarkOffload/[A-Za-z]+|[A-Za-z]+)/"
+         AND NOT CMAKE_MATCH_1 STREQUAL module AND NOT CMAKE_MATCH_1 IN_LIST ${module}_may)
         message(SEND_ERROR "${source}: ${include} is not below ${module}.")
       endif()
     endforeach()

@@ -6,6 +6,12 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_packages=(
   g++ cmake ninja-build pkg-config
   libssl-dev libexpat1-dev libicu-dev libfmt-dev libcli11-dev nlohmann-json3-dev libsystemd-dev
+  qt6-base-dev qt6-declarative-dev qt6-declarative-dev-tools qt6-svg-dev
+  # The window needs these where it runs.
+  qml6-module-qtqml qml6-module-qtqml-workerscript qml6-module-qtquick qml6-module-qtquick-controls
+  qml6-module-qtquick-templates qml6-module-qtquick-layouts qml6-module-qtquick-window
+  qml6-module-qtquick-dialogs qml6-module-qt-labs-folderlistmodel libqt6svg6
+  fonts-inter fonts-dejavu-core
 )
 test_packages=(
   libgtest-dev libgmock-dev
@@ -13,6 +19,8 @@ test_packages=(
   # and is skipped.
   libfuse3-dev fuse3 e2fsprogs fdisk mount libxml2-utils
   dbus polkitd pkexec udisks2 udev python3-dbus python3-gi
+  # The window without a screen, and with one that a screen reader looks at.
+  qml6-module-qttest xvfb xauth at-spi2-core gir1.2-atspi-2.0
 )
 benchmark_packages=(libbenchmark-dev libxxhash-dev)
 

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <memory>
+
+#include <QDBusConnection>
+#include <QString>
+
+namespace ZephrimarkOffload {
+
+/// Asks the computer to stay awake and a logout or shutdown to wait. Main thread, beside a
+/// QCoreApplication; nothing blocks, and each service that is missing or says no is done without.
+///
+/// - logind, system bus: no sleep, no idling and no shutdown; where the policy does not allow the
+///   last, a delay of the few seconds that logind grants.
+/// - GNOME's session manager, session bus: no logout and no suspend, which it would otherwise start
+///   on its own. The screen may go dark and lock.
+class AwakeHolder {
+ public:
+  AwakeHolder(const QDBusConnection& session, const QDBusConnection& system);
+  /// As `release`.
+  ~AwakeHolder();
+  AwakeHolder(const AwakeHolder&) = delete;
+  AwakeHolder& operator=(const AwakeHolder&) = delete;
+
+  /// From now on; `reason` is shown to the user. A second call changes nothing.
+  void hold(const QString& reason);
+
+  /// Takes that back; what is granted later is given back at once. Without a hold nothing happens.
+  void release();
+
+ private:
+  class Grants;
+
+  QDBusConnection session_;
+  QDBusConnection system_;
+  std::shared_ptr<Grants> grants_;  // requests under way know it weakly
+};
+
+}  // namespace ZephrimarkOffload

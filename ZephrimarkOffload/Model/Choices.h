@@ -1,0 +1,25 @@
+#pragma once
+
+#include "HashKit/HashAlgorithm.h"
+#include "OffloadKit/FolderPreset.h"
+#include "PlatformKit/FileSystem.h"
+
+#include <string>
+#include <vector>
+
+namespace ZephrimarkOffload {
+
+/// What the user chose for good: kept from one launch to the next.
+struct Choices {
+  std::vector<PlatformKit::Path> destinations;  ///< chosen folders or drive roots, absolute
+  OffloadKit::FolderPreset preset{"{date}/{card}"};
+  std::string project;
+  HashKit::HashAlgorithm algorithm = HashKit::HashAlgorithm::xxh64;
+  bool verifySource = true;    ///< read the card twice
+  bool ejectWhenDone = false;  ///< eject the card when everything is verified
+  bool saveCardImage = false;
+
+  friend bool operator==(const Choices&, const Choices&) = default;
+};
+
+}  // namespace ZephrimarkOffload

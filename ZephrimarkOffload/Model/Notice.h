@@ -1,0 +1,18 @@
+#pragma once
+
+#include "OffloadKit/OffloadResult.h"
+
+#include <string>
+
+namespace ZephrimarkOffload {
+
+/// The notification that tells of an offload's end. Plain text.
+struct Notice {
+  std::string title;
+  std::string body;
+};
+
+/// Any thread.
+Notice noticeOf(const OffloadKit::OffloadResult& result);
+
+}  // namespace ZephrimarkOffload

@@ -1,0 +1,151 @@
+// The model's part that carries out an offload.
+
+#include "OffloadKit/ErrorSentences.h"
+#include "OffloadKit/OffloadError.h"
+#include "PlatformKit/Unicode.h"
+#include "ZephrimarkOffload/Model/Notice.h"
+#include "ZephrimarkOffload/Model/OffloadModel.h"
+
+namespace ZephrimarkOffload {
+
+using PlatformKit::Path;
+
+OffloadKit::OffloadPlan OffloadModel::plan() const {
+  OffloadKit::OffloadPlan plan;
+  plan.source = *source_;
+  plan.sourceName = sourceName();
+  plan.destinations = plannedFolders();
+  plan.algorithm = choices_.algorithm;
+  plan.verifySource = choices_.verifySource;
+  plan.chunkSize = OffloadKit::kUsualChunkSize;
+  plan.cardImage = imageRequest();
+  return plan;
+}
+
+void OffloadModel::start() {
+  if (stage_.kind() == Stage::Kind::running || !source_ || blocker()) return;
+  const OffloadKit::OffloadPlan plan = this->plan();
+  // The thread of the offload before has sent its outcome and is at its end.
+  if (run_.joinable()) run_.join();
+  engine_ = services_.makeRunner();
+  startedAt_ = services_.clock.now();
+  driveNames_.clear();
+  for (const auto& room : readiness().destinations) driveNames_.push_back(room.volumeName);
+  progress_.reset();
+  ejectMessage_.clear();
+  isStopping_ = false;
+  services_.desktop.holdAwake(
+      QString::fromStdString("Copying " + PlatformKit::singleLineText(plan.sourceName)));
+  setStage(Stage::running());
+  services_.desktop.requestNotificationPermission();
+  std::optional<Path> ejectTarget;
+  if (choices_.ejectWhenDone && sourceFacts_.isVolumeRoot) ejectTarget = source_;
+  runInBackground(plan, ejectTarget);
+}
+
+void OffloadModel::runInBackground(const OffloadKit::OffloadPlan& plan,
+                                   const std::optional<Path>& ejectTarget) {
+  const auto work = [this, plan, ejectTarget, engine = engine_, main = background_.main()] {
+    try {
+      auto result = std::make_shared<OffloadKit::OffloadResult>(
+          engine->run(plan, [this, &main](const OffloadKit::OffloadProgress& progress) {
+            main->post([this, progress] { progressed(progress); });
+          }));
+      main->post([this, result, ejectTarget] { finished(std::move(*result), ejectTarget); });
+    } catch (const OffloadKit::OffloadError& error) {
+      if (error.isCancelled()) {
+        main->post([this] { stopped(); });
+      } else {
+        main->post([this, message = error.errorDescription()] { failed(message); });
+      }
+    } catch (const std::exception& error) {
+      main->post([this, message = std::string(error.what())] { failed(message); });
+    }
+  };
+  try {
+    run_ = std::thread(work);
+  } catch (const std::system_error& error) {
+    failed(OffloadKit::systemText(error.code().value()));
+  }
+}
+
+void OffloadModel::cancel() {
+  if (!engine_) return;
+  engine_->cancel();
+  if (stage_.kind() != Stage::Kind::running || isStopping_) return;
+  isStopping_ = true;
+  emit progressChanged();
+}
+
+void OffloadModel::progressed(OffloadKit::OffloadProgress progress) {
+  const double before = progress_ ? progress_->fraction : 0;
+  progress_ = std::move(progress);
+  const double fraction = progress_->fraction;
+  if (fraction != before) {
+    services_.desktop.setBadge(fraction > 0 ? std::optional(fraction) : std::nullopt);
+  }
+  emit progressChanged();
+}
+
+// Whatever way an offload ends.
+void OffloadModel::leaveRunning(Stage stage) {
+  isStopping_ = false;
+  setStage(std::move(stage));
+  services_.desktop.setBadge(std::nullopt);
+  services_.desktop.releaseAwake();
+}
+
+void OffloadModel::finished(OffloadKit::OffloadResult result, const std::optional<Path>& eject) {
+  progress_.reset();
+  leaveRunning(Stage::done(std::move(result)));
+  const auto shown = stage_.result();
+  const Notice notice = noticeOf(*shown);
+  services_.desktop.notify(QString::fromStdString(notice.title),
+                           QString::fromStdString(notice.body));
+  // Nobody reads a card again that is in a bag: it stays while anything of it may be missing.
+  if (eject && shown->allVerified() && shown->unreadable.empty()) this->eject(*eject);
+}
+
+void OffloadModel::stopped() {
+  progress_.reset();
+  leaveRunning(Stage::setup());
+}
+
+void OffloadModel::failed(std::string message) {
+  leaveRunning(Stage::failed(std::move(message)));
+}
+
+void OffloadModel::setStage(Stage stage) {
+  stage_ = std::move(stage);
+  emit stageChanged();
+}
+
+void OffloadModel::showSetup() {
+  if (stage_.kind() == Stage::Kind::running) return;
+  setStage(Stage::setup());
+  refreshVolumes();
+}
+
+void OffloadModel::tryAgain() {
+  showSetup();
+  start();
+}
+
+void OffloadModel::eject(const Path& volume) {
+  const std::string name = PlatformKit::singleLineText(
+      volume == source_ ? sourceName() : OffloadKit::lastComponent(volume));
+  isEjecting_ = true;
+  ejectMessage_.clear();
+  emit ejectChanged();
+  background_.ask(
+      "eject " + volume.native(),
+      [volume, name](DiskQuestions& questions) { return questions.eject(volume, name); },
+      [this, name](const std::optional<std::string>& failure) {
+        isEjecting_ = false;
+        ejectMessage_ = failure.value_or("Ejected " + name + ". You can take it out now.");
+        emit ejectChanged();
+        refreshVolumes();
+      });
+}
+
+}  // namespace ZephrimarkOffload

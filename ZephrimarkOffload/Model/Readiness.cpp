@@ -1,0 +1,41 @@
+#include "ZephrimarkOffload/Model/Readiness.h"
+
+namespace ZephrimarkOffload {
+namespace {
+
+std::optional<std::string> missingRoom(const Readiness& readiness) {
+  const auto image = imageDestination(readiness.destinations);
+  for (std::size_t i = 0; i < readiness.destinations.size(); ++i) {
+    const Readiness::Room& room = readiness.destinations[i];
+    const bool takesImage = readiness.cardImageSize && image == i;
+    const std::uint64_t imageSize = takesImage ? *readiness.cardImageSize : 0;
+    if (!room.freeSpace) return "Waiting for " + room.volumeName + " to answer…";
+    // By differences, since a sum might not fit.
+    if (*room.freeSpace >= imageSize && *room.freeSpace - imageSize >= readiness.sourceSize) {
+      continue;
+    }
+    return room.volumeName + (imageSize > 0 ? " doesn't have room for this card and its card image."
+                                            : " doesn't have room for this card.");
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<std::size_t> imageDestination(const std::vector<Readiness::Room>& destinations) {
+  std::optional<std::size_t> best;
+  for (std::size_t i = 0; i < destinations.size(); ++i) {
+    const auto space = destinations[i].freeSpace.value_or(0);
+    if (!best || space > destinations[*best].freeSpace.value_or(0)) best = i;
+  }
+  return best;
+}
+
+std::optional<std::string> blocker(const Readiness& readiness) {
+  if (!readiness.hasSource) return "Choose a card to offload.";
+  if (readiness.destinations.empty()) return "Add at least one drive to copy to.";
+  if (readiness.sourceFileCount == 0 && readiness.sourceSize == 0) return "Reading the card…";
+  return missingRoom(readiness);
+}
+
+}  // namespace ZephrimarkOffload

@@ -1,0 +1,104 @@
+#include "ZephrimarkOffload/Model/SetupTexts.h"
+
+#include "OffloadKit/FolderPreset.h"
+#include "PlatformKit/ByteCount.h"
+#include "PlatformKit/Unicode.h"
+#include "ZephrimarkOffload/Model/PlatformWords.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include <fmt/format.h>
+
+namespace ZephrimarkOffload::SetupTexts {
+namespace {
+
+using PlatformKit::byteCountText;
+using PlatformKit::Path;
+using PlatformKit::singleLineText;
+
+// The rest of `path` below `folder`, with its leading slash; none when it lies elsewhere.
+std::optional<std::string_view> below(const Path& path, const Path& folder) {
+  std::string_view rest = path.native();
+  std::string_view prefix = folder.native();
+  if (prefix.ends_with('/')) prefix.remove_suffix(1);
+  if (!rest.starts_with(prefix)) return std::nullopt;
+  rest.remove_prefix(prefix.size());
+  if (!rest.empty() && rest.front() != '/') return std::nullopt;
+  return rest;
+}
+
+std::string withShortHome(const Path& path, const Path& home) {
+  const auto rest = home.has_relative_path() ? below(path, home) : std::nullopt;
+  return singleLineText(rest ? "~" + std::string(*rest) : path.native());
+}
+
+}  // namespace
+
+std::string used(std::int64_t capacity, std::int64_t available) {
+  if (capacity <= 0) return {};
+  const auto bytes = static_cast<std::uint64_t>(std::max<std::int64_t>(capacity - available, 0));
+  return byteCountText(bytes) + " used of " + byteCountText(static_cast<std::uint64_t>(capacity));
+}
+
+std::string sourceDetail(const SourceFacts& facts, const Path& source, const Path& home) {
+  if (!facts.isVolumeRoot) return withShortHome(source, home);
+  if (!facts.space) return {};
+  return used(static_cast<std::int64_t>(facts.space->capacity),
+              static_cast<std::int64_t>(facts.space->available));
+}
+
+std::string sourceSummary(const SourceCount& count, const std::string& camera) {
+  if (count.files == 0) return "Reading the card…";
+  std::string text = fmt::format("{} files · {}", count.files, byteCountText(count.bytes));
+  if (camera != "Camera") text += " · " + singleLineText(camera);
+  return text;
+}
+
+std::string destinationName(const DestinationFacts& facts) {
+  return facts.isInternal ? std::string(kWords.thisComputer) : singleLineText(facts.volumeName);
+}
+
+std::string placeOnDrive(const DestinationFacts& facts, const Path& destination, const Path& home) {
+  if (facts.isInternal) return withShortHome(destination, home);
+  std::string_view place = below(destination, facts.volumeRoot).value_or(destination.native());
+  while (place.starts_with('/')) place.remove_prefix(1);
+  while (place.ends_with('/')) place.remove_suffix(1);
+  return place.empty() ? "Top level of the drive" : singleLineText(place);
+}
+
+std::string freeText(std::uint64_t bytes) {
+  return byteCountText(bytes) + " free";
+}
+
+std::string onDrives(std::size_t destinations) {
+  return destinations == 1 ? "on the drive" : "on each drive";
+}
+
+std::string cardImageDetail(std::uint64_t size, const std::string& destinationName) {
+  return byteCountText(size) + (destinationName.empty() ? "" : " on " + destinationName);
+}
+
+std::string cardImageCaption(bool isPossible) {
+  if (!isPossible) return "Available when offloading a whole card.";
+  return "A sector-by-sector copy of the whole card, including deleted space. If something turns "
+         "out to be missing later, Zephrimark Kestrine can search the image, even after the card "
+         "is reused. " +
+         std::string(kWords.asksForPassword);
+}
+
+std::string startSummary(std::uint64_t size, std::size_t destinations) {
+  return fmt::format("{} to {} drive{}", byteCountText(size), destinations,
+                     destinations == 1 ? "" : "s");
+}
+
+std::string tokensHelp() {
+  std::string text;
+  for (const auto& token : OffloadKit::FolderPreset::tokens()) {
+    text +=
+        (text.empty() ? "" : "\n") + std::string(token.token) + "  " + std::string(token.meaning);
+  }
+  return text;
+}
+
+}  // namespace ZephrimarkOffload::SetupTexts

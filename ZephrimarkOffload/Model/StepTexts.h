@@ -1,0 +1,29 @@
+#pragma once
+
+#include "OffloadKit/OffloadProgress.h"
+#include "ZephrimarkOffload/Model/Stage.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace ZephrimarkOffload {
+
+/// What the step bar depends on.
+struct StepFacts {
+  const Stage& stage;
+  bool hasSource = false;
+  std::string sourceName;
+  std::size_t destinations = 0;
+  std::optional<std::string> blocker;
+  const std::optional<OffloadKit::OffloadProgress>& progress;
+};
+
+/// Which of the steps "Card", "Drives", "Copy and verify", "Done" is the current one, from 0; 4 when
+/// all are complete. Any thread.
+int step(const StepFacts& facts);
+
+/// The sentence below the steps: where the user is and what to do next. Any thread.
+std::string stepStatus(const StepFacts& facts);
+
+}  // namespace ZephrimarkOffload

@@ -1,0 +1,75 @@
+#include "ZephrimarkOffload/Model/SystemDiskQuestions.h"
+
+#include "OffloadKit/ErrorSentences.h"
+#include "OffloadKit/FolderPreset.h"
+#include "OffloadKit/Places.h"
+#include "OffloadKit/SourceScan.h"
+
+#include <exception>
+
+namespace ZephrimarkOffload {
+
+using PlatformKit::Path;
+
+std::vector<PlatformKit::MountedVolume> SystemDiskQuestions::volumes() {
+  return mounted_.list();
+}
+
+VolumeAnswers SystemDiskQuestions::volume(const Path& root) {
+  return {mounted_.space(root), system_.volumes.facts(root).identifier};
+}
+
+bool SystemDiskQuestions::exists(const Path& path) {
+  if (!system_.fileSystem.resolve(path).ok()) return false;
+  // What was read of a pulled card before still answers.
+  const auto device = system_.volumes.facts(path).device;
+  return !device || !system_.volumes.isGone(*device);
+}
+
+SourceFacts SystemDiskQuestions::source(const Path& path) {
+  SourceFacts facts;
+  facts.name = OffloadKit::sourceName(system_, path);
+  facts.camera = OffloadKit::FolderPreset::cameraName(system_.fileSystem, path);
+  facts.isVolumeRoot = OffloadKit::isVolumeRoot(system_, path);
+  if (!facts.isVolumeRoot) return facts;
+  facts.space = mounted_.space(path);
+  facts.disk = DeviceKit::DiskEnumerator(disks_, nullptr).wholeDisk(path);
+  return facts;
+}
+
+SourceCount SystemDiskQuestions::count(const Path& path) {
+  SourceCount count;
+  try {
+    for (const auto& file : OffloadKit::scan(system_, path).files) {
+      ++count.files;
+      count.bytes += file.size;
+    }
+  } catch (const std::exception&) {
+    // The source cannot be listed: nothing to copy, which keeps an offload from being started.
+    return {};
+  }
+  return count;
+}
+
+DestinationFacts SystemDiskQuestions::destination(const Path& path) {
+  DestinationFacts facts;
+  facts.exists = exists(path);
+  facts.volumeName = OffloadKit::volumeName(system_, path);
+  facts.freeSpace = OffloadKit::freeSpace(system_, path);
+  facts.volume = system_.volumes.facts(path).identifier;
+  const Path existing = OffloadKit::nearestExisting(system_.fileSystem, path);
+  facts.volumeRoot = system_.volumes.facts(existing).root.value_or("/");
+  const auto volume = mounted_.holding(existing);
+  facts.isInternal = volume && (volume->isRootFileSystem || volume->isInternal);
+  return facts;
+}
+
+std::optional<std::string> SystemDiskQuestions::eject(const Path& volume, const std::string& name) {
+  // Once a card is taken out, its folder may lie on another disk.
+  if (!OffloadKit::isVolumeRoot(system_, volume)) {
+    return name + " is not mounted any more, so it was not ejected.";
+  }
+  return ejector_.eject(volume, name);
+}
+
+}  // namespace ZephrimarkOffload

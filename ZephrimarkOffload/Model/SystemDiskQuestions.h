@@ -1,0 +1,36 @@
+#pragma once
+
+#include "DeviceKit/CardEjector.h"
+#include "PlatformKit/Disks.h"
+#include "PlatformKit/Ejector.h"
+#include "PlatformKit/System.h"
+#include "ZephrimarkOffload/Model/DiskQuestions.h"
+
+namespace ZephrimarkOffload {
+
+/// The questions, asked of this computer's disks.
+class SystemDiskQuestions final : public DiskQuestions {
+ public:
+  /// `ejector`: null when nothing can be ejected. Everything outlives this object and is safe to use
+  /// from several threads.
+  SystemDiskQuestions(PlatformKit::System system, PlatformKit::MountedVolumes& mounted,
+                      PlatformKit::Disks& disks, PlatformKit::Ejector* ejector)
+      : system_(system), mounted_(mounted), disks_(disks), ejector_(disks, ejector) {}
+
+  [[nodiscard]] std::vector<PlatformKit::MountedVolume> volumes() override;
+  [[nodiscard]] VolumeAnswers volume(const PlatformKit::Path& root) override;
+  [[nodiscard]] bool exists(const PlatformKit::Path& path) override;
+  [[nodiscard]] SourceFacts source(const PlatformKit::Path& path) override;
+  [[nodiscard]] SourceCount count(const PlatformKit::Path& path) override;
+  [[nodiscard]] DestinationFacts destination(const PlatformKit::Path& path) override;
+  [[nodiscard]] std::optional<std::string> eject(const PlatformKit::Path& volume,
+                                                 const std::string& name) override;
+
+ private:
+  PlatformKit::System system_;
+  PlatformKit::MountedVolumes& mounted_;
+  PlatformKit::Disks& disks_;
+  DeviceKit::CardEjector ejector_;
+};
+
+}  // namespace ZephrimarkOffload

@@ -1,0 +1,95 @@
+#include "ZephrimarkOffload/Model/VolumeBoard.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace ZephrimarkOffload {
+namespace {
+
+using PlatformKit::MountedVolume;
+using PlatformKit::Path;
+
+// Longer than a healthy volume takes, shorter than people wait without wondering.
+constexpr std::chrono::milliseconds kPatience{300};
+
+bool isOffered(const MountedVolume& volume) {
+  return DeviceKit::isDrive(volume) || DeviceKit::isCard(volume);
+}
+
+}  // namespace
+
+VolumeBoard::VolumeBoard(Background& background, std::function<void(const Lists&)> publish)
+    : background_(background), publish_(std::move(publish)) {
+  patience_.setSingleShot(true);
+  patience_.setInterval(kPatience);
+  patience_.callOnTimeout([this] { tell(); });
+}
+
+void VolumeBoard::refresh(const std::optional<Path>& source) {
+  isListed_ = false;
+  isSourceKnown_ = !source;
+  source_ = source;
+  gone_.reset();
+  answers_.clear();
+  patience_.start();
+  background_.ask(
+      "volumes", [](DiskQuestions& questions) { return questions.volumes(); },
+      [this](const std::vector<MountedVolume>& volumes) { listed(volumes); });
+  if (!source) return;
+  background_.ask(
+      "exists " + source->native(),
+      [path = *source](DiskQuestions& questions) { return questions.exists(path); },
+      [this, path = *source](bool exists) {
+        if (source_ != path) return;
+        isSourceKnown_ = true;
+        if (!exists) gone_ = path;
+        publishIfComplete();
+      });
+}
+
+void VolumeBoard::listed(const std::vector<MountedVolume>& volumes) {
+  volumes_ = volumes;
+  isListed_ = true;
+  for (const MountedVolume& volume : volumes_) {
+    if (!isOffered(volume)) continue;
+    background_.ask(
+        "volume " + volume.root.native(),
+        [root = volume.root](DiskQuestions& questions) { return questions.volume(root); },
+        [this, root = volume.root](const VolumeAnswers& answers) {
+          answers_[root] = answers;
+          publishIfComplete();
+        });
+  }
+  publishIfComplete();
+}
+
+void VolumeBoard::publishIfComplete() {
+  const bool isComplete =
+      isListed_ && isSourceKnown_ &&
+      std::all_of(volumes_.begin(), volumes_.end(), [this](const MountedVolume& volume) {
+        return !isOffered(volume) || answers_.contains(volume.root);
+      });
+  // After the moment has passed, each late answer counts by itself.
+  if (isComplete || (isListed_ && !patience_.isActive())) tell();
+}
+
+void VolumeBoard::tell() {
+  patience_.stop();
+  if (!isListed_) return;
+  Lists lists;
+  for (const MountedVolume& volume : volumes_) {
+    const auto answers = answers_.find(volume.root);
+    const auto space = answers == answers_.end() ? std::nullopt : answers->second.space;
+    if (DeviceKit::isDrive(volume)) lists.drives.push_back(DeviceKit::driveRow(volume, space));
+    if (DeviceKit::isCard(volume)) lists.cards.push_back(DeviceKit::cardRow(volume, space));
+  }
+  lists.gone = gone_;
+  publish_(lists);
+}
+
+std::optional<PlatformKit::VolumeIdentifier> VolumeBoard::identifier(const Path& root) const {
+  const auto answers = answers_.find(root);
+  return answers == answers_.end() ? std::nullopt : answers->second.identifier;
+}
+
+}  // namespace ZephrimarkOffload
