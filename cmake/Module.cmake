@@ -37,3 +37,11 @@ function(zephrimark_link name layer modules)
     endif()
   endforeach()
 endfunction()
+
+# zephrimark_quiet_qml(TARGET): after qt_add_qml_module, takes the warnings off the code that Qt's
+# tools generated for TARGET. It must be called in the folder that declares the target.
+function(zephrimark_quiet_qml name)
+  get_target_property(sources ${name} SOURCES)
+  list(FILTER sources INCLUDE REGEX "/qmlcache/|_qmltyperegistrations\\.cpp|_qml_loader\\.cpp")
+  set_source_files_properties(${sources} PROPERTIES COMPILE_OPTIONS -w)
+endfunction()

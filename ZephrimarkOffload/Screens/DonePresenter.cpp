@@ -1,0 +1,126 @@
+#include "ZephrimarkOffload/Screens/DonePresenter.h"
+
+#include "OffloadKit/ErrorSentences.h"
+#include "OffloadKit/ResultTexts.h"
+#include "ZephrimarkOffload/Screens/Text.h"
+
+namespace ZephrimarkOffload {
+namespace {
+
+namespace ResultTexts = OffloadKit::ResultTexts;
+
+// More would not be read on a screen; the report has them all.
+constexpr std::size_t kMostLines = 30;
+
+}  // namespace
+
+DonePresenter::DonePresenter(OffloadModel& model, PathAction reveal, PathAction open)
+    : model_(model),
+      reveal_(std::move(reveal)),
+      open_(std::move(open)),
+      drives_({"key", "name", "detail", "place", "isVerified"}) {
+  connect(&model_, &OffloadModel::stageChanged, this, &DonePresenter::stageChanged);
+  connect(&model_, &OffloadModel::sourceChanged, this, &DonePresenter::changed);
+  connect(&model_, &OffloadModel::ejectChanged, this, &DonePresenter::changed);
+}
+
+void DonePresenter::stageChanged() {
+  if (!model_.stage().result()) return;
+  result_ = model_.stage().result();
+  drives_.setRows(driveRows());
+  std::vector<std::string> unreadable;
+  for (const auto& item : result_->unreadable) {
+    unreadable.push_back(ResultTexts::unreadableItem(item));
+  }
+  unreadable_ = lineTexts(ResultTexts::capped(std::move(unreadable), kMostLines));
+  std::vector<std::string> failed;
+  for (const auto* file : result_->failedFiles()) failed.push_back(ResultTexts::failedFile(*file));
+  failedFiles_ = lineTexts(ResultTexts::capped(std::move(failed), kMostLines));
+  emit changed();
+}
+
+std::vector<QVariantMap> DonePresenter::driveRows() const {
+  std::vector<QVariantMap> rows;
+  const auto& folders = result_->plan.destinations;
+  const auto& names = model_.driveNames();
+  for (std::size_t i = 0; i < folders.size(); ++i) {
+    const std::string name = i < names.size() ? names[i] : OffloadKit::lastComponent(folders[i]);
+    rows.push_back({{"key", static_cast<int>(i)},
+                    {"name", lineText(name)},
+                    {"detail", lineText(ResultTexts::drive(*result_, i))},
+                    {"place", lineText(folders[i].native())},
+                    {"isVerified", result_->verifiedCount(i) == result_->files.size()}});
+  }
+  return rows;
+}
+
+bool DonePresenter::isVerified() const {
+  return result_->allVerified() && result_->unreadable.empty();
+}
+
+QString DonePresenter::title() const {
+  return QString::fromStdString(ResultTexts::title(*result_));
+}
+
+QString DonePresenter::sentence() const {
+  return QString::fromStdString(ResultTexts::sentence(*result_));
+}
+
+QString DonePresenter::files() const {
+  return QString::fromStdString(ResultTexts::files(*result_));
+}
+
+QString DonePresenter::took() const {
+  return QString::fromStdString(ResultTexts::took(*result_));
+}
+
+QString DonePresenter::checksum() const {
+  return QString::fromStdString(ResultTexts::checksum(*result_));
+}
+
+QString DonePresenter::cardImage() const {
+  if (!result_->cardImage) return {};
+  return QString::fromStdString(ResultTexts::cardImage(*result_->cardImage));
+}
+
+bool DonePresenter::isCardImageVerified() const {
+  return result_->cardImage && result_->cardImage->outcome.isVerified();
+}
+
+bool DonePresenter::canOpenReport() const {
+  return !result_->reports.empty();
+}
+
+// The model drops a source that is gone, so this is about the card that was offloaded.
+bool DonePresenter::canEject() const {
+  return model_.source() == result_->plan.source && model_.sourceFacts().isVolumeRoot;
+}
+
+QString DonePresenter::ejectMessage() const {
+  return lineText(model_.ejectMessage());
+}
+
+bool DonePresenter::canTryAgain() const {
+  return !result_->allVerified();
+}
+
+void DonePresenter::revealDrive(int row) {
+  const auto& folders = result_->plan.destinations;
+  if (row >= 0 && static_cast<std::size_t>(row) < folders.size()) {
+    reveal_(folders[static_cast<std::size_t>(row)]);
+  }
+}
+
+void DonePresenter::revealCardImage() {
+  if (isCardImageVerified()) reveal_(result_->cardImage->url);
+}
+
+void DonePresenter::openReport() {
+  if (canOpenReport()) open_(result_->reports.front());
+}
+
+void DonePresenter::eject() {
+  if (canEject() && !isEjecting()) model_.eject(result_->plan.source);
+}
+
+}  // namespace ZephrimarkOffload

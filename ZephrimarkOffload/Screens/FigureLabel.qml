@@ -1,0 +1,7 @@
+import QtQuick
+import ZephrimarkUI
+
+// What stands before a figure.
+TextLabel {
+    color: Brand.secondaryText
+}

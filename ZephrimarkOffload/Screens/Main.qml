@@ -1,0 +1,176 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import ZephrimarkOffload
+import ZephrimarkUI
+
+// The one window: the header, the steps, and the screen of the stage the work is in.
+ApplicationWindow {
+    id: window
+
+    required property Shell shell
+    required property UpdatePresenter updates
+    // Set when the window was to be closed during an offload: it closes when that has stopped.
+    property bool closesWhenStopped: false
+
+    title: qsTr("Zephrimark Offload")
+    minimumWidth: 720
+    minimumHeight: 600
+    color: Brand.window
+
+    onClosing: event => {
+        if (!shell.isRunning)
+            return
+        event.accepted = false
+        closesWhenStopped = true
+        stopQuestion.open()
+    }
+
+    Connections {
+        target: window.shell
+
+        function onStageChanged() {
+            if (window.shell.isRunning)
+                return
+            stopQuestion.close()
+            if (window.closesWhenStopped)
+                window.close()
+        }
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        BrandHeader {
+            Layout.fillWidth: true
+            title: qsTr("Zephrimark Offload")
+            subtitle: qsTr("Copy cards to several drives and check every file")
+
+            AppMenu {
+                updates: window.updates
+                onAboutChosen: about.open()
+            }
+        }
+
+        Divider {}
+
+        StepBar {
+            Layout.fillWidth: true
+            steps: window.shell.steps
+            current: window.shell.step
+            status: window.shell.stepStatus
+            busy: window.shell.isRunning
+        }
+
+        Divider {}
+
+        Loader {
+            id: screen
+
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            sourceComponent: {
+                switch (window.shell.stage) {
+                case "running":
+                    return running
+                case "done":
+                    return done
+                case "failed":
+                    return failed
+                default:
+                    return setup
+                }
+            }
+        }
+    }
+
+    Component {
+        id: setup
+
+        SetupScreen { presenter: window.shell.setup }
+    }
+
+    Component {
+        id: running
+
+        RunningScreen {
+            presenter: window.shell.running
+            onStopRequested: stopQuestion.open()
+        }
+    }
+
+    Component {
+        id: done
+
+        DoneScreen {
+            presenter: window.shell.done
+            showInFileBrowser: window.shell.showInFileBrowser
+        }
+    }
+
+    Component {
+        id: failed
+
+        FailedScreen {
+            message: window.shell.failedMessage
+            onBack: window.shell.back()
+        }
+    }
+
+    DropZones {
+        anchors.fill: parent
+        presenter: window.shell.setup
+        enabled: window.shell.stage === "setup"
+    }
+
+    ConfirmDialog {
+        id: stopQuestion
+
+        objectName: "stopQuestion"
+        title: qsTr("Stop the offload?")
+        message: qsTr("Files already verified stay on the drives. Start again with the same card and drives to pick up where it left off.")
+        confirmText: qsTr("Stop")
+        cancelText: qsTr("Keep Going")
+        onAccepted: window.shell.running.stop()
+        onRejected: window.closesWhenStopped = false
+    }
+
+    AboutDialog {
+        id: about
+
+        objectName: "about"
+        version: window.shell.version
+    }
+
+    MessageDialog {
+        id: updateResult
+
+        title: window.updates.title
+        message: window.updates.message
+        buttonText: window.updates.hasDownload ? qsTr("Not Now") : qsTr("OK")
+
+        PushButton {
+            visible: window.updates.hasDownload
+            text: qsTr("Open Download Page")
+            prominent: true
+            onClicked: {
+                window.updates.openDownloadPage()
+                updateResult.close()
+            }
+        }
+    }
+
+    Connections {
+        target: window.updates
+
+        function onFinished() {
+            updateResult.open()
+        }
+    }
+
+    Shortcut {
+        sequences: [StandardKey.Quit]
+        onActivated: window.close()
+    }
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "OffloadKit/OffloadProgress.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace ZephrimarkOffload {
+
+/// What happened so far in an offload, told from its reports: one line for each turn of events,
+/// none for each file. Any thread, one at a time.
+class RunLog {
+ public:
+  /// `driveNames`: of the destinations, in their order.
+  explicit RunLog(std::vector<std::string> driveNames);
+
+  /// Takes in the next report; answers whether there are new lines. `time`: of now, as it is shown.
+  bool add(const OffloadKit::OffloadProgress& progress, const std::string& time);
+
+  struct Line {
+    std::string time;
+    std::string text;
+    bool isProblem = false;
+  };
+  [[nodiscard]] const std::vector<Line>& lines() const { return lines_; }
+
+ private:
+  void addProblems(const OffloadKit::OffloadProgress& progress, const std::string& time);
+
+  std::vector<std::string> driveNames_;
+  std::vector<std::string> lastFailures_;
+  std::vector<Line> lines_;
+  bool isScanned_ = false;
+  OffloadKit::OffloadProgress::Phase phase_ = OffloadKit::OffloadProgress::Phase::scanning;
+};
+
+}  // namespace ZephrimarkOffload

@@ -1,0 +1,127 @@
+#include "ZephrimarkOffload/Screens/RunningPresenter.h"
+
+#include "ZephrimarkOffload/Model/RunningTexts.h"
+#include "ZephrimarkOffload/Screens/Text.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace ZephrimarkOffload {
+namespace {
+
+// Twenty times a second: faster than figures can be read, and smooth for a bar that is animated.
+constexpr std::chrono::milliseconds kEvery{50};
+
+}  // namespace
+
+RunningPresenter::RunningPresenter(OffloadModel& model)
+    : model_(model),
+      drives_({"key", "place", "outcome", "fraction", "isProblem"}),
+      logRows_({"key", "time", "text", "isProblem"}) {
+  connect(&model_, &OffloadModel::stageChanged, this, &RunningPresenter::stageChanged);
+  connect(&model_, &OffloadModel::progressChanged, this, &RunningPresenter::progressed);
+  next_.setSingleShot(true);
+  next_.setInterval(kEvery);
+  next_.callOnTimeout([this] {
+    if (isWaiting_) show();
+  });
+}
+
+void RunningPresenter::stageChanged() {
+  if (model_.stage().kind() != Stage::Kind::running) return;
+  events_ = RunLog(model_.driveNames());
+  shown_.reset();
+  show();
+}
+
+void RunningPresenter::progressed() {
+  // Every report counts for what happened, also those that are not shown.
+  if (model_.progress()) {
+    const std::string time = PlatformKit::localDateText(model_.now(), "%H:%M");
+    if (events_.add(*model_.progress(), time)) showLog();
+  }
+  if (next_.isActive()) {
+    isWaiting_ = true;
+  } else {
+    show();
+  }
+}
+
+void RunningPresenter::show() {
+  isWaiting_ = false;
+  next_.start();
+  // What the running screen showed last stays on it while it is being left.
+  if (model_.stage().kind() != Stage::Kind::running) return;
+  shown_ = model_.progress();
+  showDrives();
+  if (!shown_) showLog();
+  emit changed();
+}
+
+void RunningPresenter::showDrives() {
+  std::vector<QVariantMap> rows;
+  for (std::size_t i = 0; i < model_.destinations().size(); ++i) {
+    const auto& names = model_.driveNames();
+    QVariantMap row{{"key", static_cast<int>(i)},
+                    {"place", lineText((i < names.size() ? names[i] : "") + ": " +
+                                       model_.destinations()[i].native())},
+                    {"outcome", QString()},
+                    {"fraction", 0.0},
+                    {"isProblem", false}};
+    if (shown_ && i < shown_->drives.size()) {
+      const auto& drive = shown_->drives[i];
+      row["outcome"] = QString::fromStdString(RunningTexts::drive(drive));
+      row["isProblem"] = drive.failed > 0;
+      const auto total = static_cast<double>(std::max<std::size_t>(shown_->filesTotal, 1));
+      row["fraction"] = static_cast<double>(drive.verified) / total;
+    }
+    rows.push_back(std::move(row));
+  }
+  drives_.setRows(rows);
+}
+
+void RunningPresenter::showLog() {
+  std::vector<QVariantMap> rows;
+  for (const RunLog::Line& line : events_.lines()) {
+    rows.push_back({{"key", static_cast<int>(rows.size())},
+                    {"time", QString::fromStdString(line.time)},
+                    {"text", lineText(line.text)},
+                    {"isProblem", line.isProblem}});
+  }
+  logRows_.setRows(rows);
+}
+
+QString RunningPresenter::heading() const {
+  return "Offloading " + lineText(model_.sourceName());
+}
+
+QString RunningPresenter::phase() const {
+  return QString::fromStdString(RunningTexts::phase(shown_, model_.destinations().size()));
+}
+
+double RunningPresenter::fraction() const {
+  return shown_ ? std::clamp(shown_->fraction, 0.0, 1.0) : 0;
+}
+
+QString RunningPresenter::percent() const {
+  return QString::number(static_cast<int>(fraction() * 100)) + "%";
+}
+
+QString RunningPresenter::files() const {
+  return QString::fromStdString(RunningTexts::files(shown_));
+}
+
+QString RunningPresenter::speed() const {
+  return QString::fromStdString(RunningTexts::speed(shown_));
+}
+
+QString RunningPresenter::remaining() const {
+  const auto elapsed = std::chrono::duration<double>(model_.now() - model_.startedAt()).count();
+  return QString::fromStdString(RunningTexts::remaining(shown_, elapsed));
+}
+
+QString RunningPresenter::currentFile() const {
+  return shown_ ? lineText(shown_->currentFile) : QString();
+}
+
+}  // namespace ZephrimarkOffload

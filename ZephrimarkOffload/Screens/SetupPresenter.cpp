@@ -1,0 +1,294 @@
+#include "ZephrimarkOffload/Screens/SetupPresenter.h"
+
+#include "PlatformKit/ByteCount.h"
+#include "ZephrimarkOffload/Model/PlatformWords.h"
+#include "ZephrimarkOffload/Model/SetupTexts.h"
+#include "ZephrimarkOffload/Screens/Text.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include <QFileInfo>
+
+namespace ZephrimarkOffload {
+namespace {
+
+using PlatformKit::Path;
+
+QString toText(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+Path pathAt(const RowModel& rows, int row) {
+  const QModelIndex index = rows.index(row);
+  return rows.data(index, rows.roleNames().key("key")).toByteArray().toStdString();
+}
+
+}  // namespace
+
+SetupPresenter::SetupPresenter(OffloadModel& model, Path home)
+    : model_(model),
+      home_(std::move(home)),
+      cards_({"key", "name", "detail", "selected", "symbol"}),
+      destinations_({"key", "name", "place", "free", "isShort", "isInternal"}),
+      suggestedDrives_({"key", "name", "free"}) {
+  for (const auto signal : {&OffloadModel::volumesChanged, &OffloadModel::sourceChanged,
+                            &OffloadModel::destinationsChanged, &OffloadModel::optionsChanged,
+                            &OffloadModel::stageChanged, &OffloadModel::ejectChanged}) {
+    connect(&model_, signal, this, &SetupPresenter::update);
+  }
+  clock_.callOnTimeout([this] {
+    if (model_.stage().kind() == Stage::Kind::setup) emit changed();
+  });
+  clock_.start(std::chrono::seconds(10));
+  update();
+}
+
+void SetupPresenter::update() {
+  updateCards();
+  updateDestinations();
+  updateSuggested();
+  emit changed();
+}
+
+// Cards
+
+void SetupPresenter::updateCards() {
+  std::vector<QVariantMap> rows;
+  const auto& source = model_.source();
+  bool isListed = false;
+  for (const auto& card : model_.cards()) {
+    isListed |= card.url == source;
+    rows.push_back({{"key", keyOf(card.url)},
+                    {"name", lineText(card.name)},
+                    {"detail", toText(SetupTexts::used(card.capacity, card.available))},
+                    {"selected", card.url == source},
+                    {"symbol", "sdcard"}});
+  }
+  if (source && !isListed) {
+    const SourceFacts& facts = model_.sourceFacts();
+    rows.push_back({{"key", keyOf(*source)},
+                    {"name", lineText(facts.name)},
+                    {"detail", toText(SetupTexts::sourceDetail(facts, *source, home_))},
+                    {"selected", true},
+                    {"symbol", facts.isVolumeRoot ? "sdcard" : "folder"}});
+  }
+  cards_.setRows(rows);
+}
+
+QString SetupPresenter::cardHint() const {
+  if (hasSource() || !model_.cards().empty()) return {};
+  return "Insert a card, or choose a folder to offload.";
+}
+
+QString SetupPresenter::sourceSummary() const {
+  if (!hasSource()) return {};
+  return toText(
+      SetupTexts::sourceSummary({model_.sourceFileCount(), model_.sourceSize()}, model_.camera()));
+}
+
+void SetupPresenter::selectCard(int row) {
+  if (row >= 0 && row < cards_.count()) model_.setSource(pathAt(cards_, row));
+  // A row that was chosen already was unchecked by the click.
+  updateCards();
+}
+
+void SetupPresenter::chooseSource(const QUrl& folder) {
+  const Path path = pathOf(folder);
+  if (!path.empty()) model_.setSource(path);
+}
+
+bool SetupPresenter::areFolders(const QList<QUrl>& urls) {
+  return !urls.isEmpty() && std::all_of(urls.begin(), urls.end(), [](const QUrl& url) {
+    return QFileInfo(url.toLocalFile()).isDir();
+  });
+}
+
+// Destinations
+
+void SetupPresenter::updateDestinations() {
+  std::vector<QVariantMap> rows;
+  for (std::size_t i = 0; i < model_.destinations().size(); ++i) {
+    const Path& path = model_.destinations()[i];
+    QVariantMap row{{"key", keyOf(path)},
+                    {"name", lineText(path.filename().native())},
+                    {"place", lineText(path.native())},
+                    {"free", QString()},
+                    {"isShort", false},
+                    {"isInternal", false}};
+    if (const auto facts = model_.destinationFacts(i)) {
+      row["name"] = toText(SetupTexts::destinationName(*facts));
+      row["place"] = toText(SetupTexts::placeOnDrive(*facts, path, home_));
+      row["free"] = toText(SetupTexts::freeText(facts->freeSpace));
+      row["isShort"] = facts->freeSpace < model_.sourceSize();
+      row["isInternal"] = facts->isInternal;
+    }
+    rows.push_back(std::move(row));
+  }
+  destinations_.setRows(rows);
+}
+
+void SetupPresenter::updateSuggested() {
+  std::vector<QVariantMap> rows;
+  if (canAdd()) {
+    for (const auto& drive : model_.suggestedDrives()) {
+      const auto available = static_cast<std::uint64_t>(std::max<std::int64_t>(drive.available, 0));
+      rows.push_back({{"key", keyOf(drive.url)},
+                      {"name", lineText(drive.name)},
+                      {"free", toText(SetupTexts::freeText(available))}});
+    }
+  }
+  suggestedDrives_.setRows(rows);
+}
+
+bool SetupPresenter::canAdd() const {
+  return model_.destinations().size() < OffloadModel::kMostDestinations;
+}
+
+QString SetupPresenter::drivesHint() const {
+  if (!canAdd() || suggestedDrives_.count() > 0) return {};
+  return "Connect the drives you want to copy to.";
+}
+
+QString SetupPresenter::internalWarning() const {
+  return model_.onlyInternalCopies() ? toText(kWords.onlyThisComputer) : QString();
+}
+
+QString SetupPresenter::ejectMessage() const {
+  return toText(model_.ejectMessage());
+}
+
+void SetupPresenter::removeDestination(int row) {
+  if (row >= 0 && row < destinations_.count()) {
+    model_.removeDestination(pathAt(destinations_, row));
+  }
+}
+
+void SetupPresenter::addSuggested(int row) {
+  if (row >= 0 && row < suggestedDrives_.count()) {
+    model_.addDestination(pathAt(suggestedDrives_, row));
+  }
+}
+
+void SetupPresenter::addDestination(const QUrl& folder) {
+  const Path path = pathOf(folder);
+  if (!path.empty()) model_.addDestination(path);
+}
+
+// Folder
+
+QString SetupPresenter::folderName() const {
+  return model_.destinations().empty() ? QString() : lineText(model_.folderName());
+}
+
+QString SetupPresenter::onDrives() const {
+  return toText(SetupTexts::onDrives(model_.destinations().size()));
+}
+
+QStringList SetupPresenter::presetNames() {
+  QStringList names;
+  for (const auto& preset : OffloadKit::FolderPreset::presets()) {
+    names.push_back(QString::fromStdString(preset.templateText));
+  }
+  return names << "---"
+               << "Custom…";
+}
+
+bool SetupPresenter::isCustom() const {
+  const auto& presets = OffloadKit::FolderPreset::presets();
+  return customPreset_ ||
+         std::find(presets.begin(), presets.end(), model_.preset()) == presets.end();
+}
+
+int SetupPresenter::presetIndex() const {
+  const auto& presets = OffloadKit::FolderPreset::presets();
+  if (isCustom()) return static_cast<int>(presets.size()) + 1;
+  return static_cast<int>(std::find(presets.begin(), presets.end(), model_.preset()) -
+                          presets.begin());
+}
+
+void SetupPresenter::choosePreset(int index) {
+  const auto& presets = OffloadKit::FolderPreset::presets();
+  const auto chosen = static_cast<std::size_t>(std::max(index, 0));
+  customPreset_ = chosen >= presets.size();
+  if (!customPreset_) model_.setPreset(presets[chosen]);
+  emit changed();
+}
+
+QString SetupPresenter::templateText() const {
+  return QString::fromStdString(model_.preset().templateText);
+}
+
+void SetupPresenter::setTemplateText(const QString& text) {
+  if (text != templateText()) model_.setPreset({text.toStdString()});
+}
+
+QString SetupPresenter::tokensHelp() {
+  return toText(SetupTexts::tokensHelp());
+}
+
+bool SetupPresenter::needsProject() const {
+  return model_.preset().templateText.find("{project}") != std::string::npos;
+}
+
+QString SetupPresenter::project() const {
+  return QString::fromStdString(model_.project());
+}
+
+void SetupPresenter::setProject(const QString& project) {
+  if (project != this->project()) model_.setProject(project.toStdString());
+}
+
+void SetupPresenter::reopen() {
+  customPreset_ = false;
+  emit changed();
+}
+
+// Checks
+
+QStringList SetupPresenter::algorithmNames() {
+  QStringList names;
+  for (const auto algorithm : HashKit::allHashAlgorithms()) {
+    names.push_back(toText(displayName(algorithm)));
+  }
+  return names;
+}
+
+int SetupPresenter::algorithmIndex() const {
+  const auto all = HashKit::allHashAlgorithms();
+  return static_cast<int>(std::find(all.begin(), all.end(), model_.algorithm()) - all.begin());
+}
+
+void SetupPresenter::setAlgorithmIndex(int index) {
+  const auto all = HashKit::allHashAlgorithms();
+  if (index >= 0 && index < static_cast<int>(all.size())) {
+    model_.setAlgorithm(all[static_cast<std::size_t>(index)]);
+  }
+}
+
+QString SetupPresenter::cardImageDetail() const {
+  if (!model_.cardDisk()) return {};
+  std::string name;
+  if (const auto index = model_.imageDestinationIndex()) {
+    const auto facts = model_.destinationFacts(*index);
+    if (facts) name = SetupTexts::destinationName(*facts);
+  }
+  // Shown where markup is understood, and a volume can be named anything.
+  return toText(SetupTexts::cardImageDetail(model_.cardDisk()->size, name)).toHtmlEscaped();
+}
+
+QString SetupPresenter::cardImageCaption() const {
+  return toText(SetupTexts::cardImageCaption(canSaveCardImage()));
+}
+
+// Start
+
+QString SetupPresenter::blocker() const {
+  return toText(model_.blocker().value_or(""));
+}
+
+QString SetupPresenter::startSummary() const {
+  return toText(SetupTexts::startSummary(model_.sourceSize(), model_.destinations().size()));
+}
+
+}  // namespace ZephrimarkOffload

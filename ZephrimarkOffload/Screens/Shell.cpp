@@ -1,0 +1,65 @@
+#include "ZephrimarkOffload/Screens/Shell.h"
+
+#include "OffloadKit/Version.h"
+#include "ZephrimarkOffload/Model/PlatformWords.h"
+#include "ZephrimarkOffload/Screens/Text.h"
+
+namespace ZephrimarkOffload {
+
+Shell::Shell(OffloadModel& model, PlatformKit::Path home, DonePresenter::PathAction reveal,
+             DonePresenter::PathAction open)
+    : model_(model),
+      setup_(model, std::move(home)),
+      running_(model),
+      done_(model, std::move(reveal), std::move(open)) {
+  // Behind the screens' own: when one becomes visible, what it shows is there.
+  connect(&model_, &OffloadModel::stageChanged, this, &Shell::stageChanged);
+  for (const auto signal : {&OffloadModel::stageChanged, &OffloadModel::sourceChanged,
+                            &OffloadModel::destinationsChanged, &OffloadModel::optionsChanged,
+                            &OffloadModel::progressChanged}) {
+    connect(&model_, signal, this, &Shell::update);
+  }
+  update();
+}
+
+// Reports come often, and hardly one changes the line.
+void Shell::update() {
+  const QString status = QString::fromStdString(model_.stepStatus());
+  if (status == stepStatus_) return;
+  stepStatus_ = status;
+  emit changed();
+}
+
+QString Shell::stage() const {
+  switch (model_.stage().kind()) {
+    case Stage::Kind::running:
+      return "running";
+    case Stage::Kind::done:
+      return "done";
+    case Stage::Kind::failed:
+      return "failed";
+    case Stage::Kind::setup:
+      break;
+  }
+  return "setup";
+}
+
+QStringList Shell::steps() {
+  return {"Card", "Drives", "Copy and verify", "Done"};
+}
+
+QString Shell::failedMessage() const {
+  return lineText(model_.stage().message());
+}
+
+QString Shell::showInFileBrowser() {
+  return QString::fromUtf8(kWords.showInFileBrowser.data(),
+                           static_cast<qsizetype>(kWords.showInFileBrowser.size()));
+}
+
+QString Shell::version() {
+  const std::string_view version = OffloadKit::productVersion();
+  return QString::fromUtf8(version.data(), static_cast<qsizetype>(version.size()));
+}
+
+}  // namespace ZephrimarkOffload

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "ZephrimarkOffload/Screens/DonePresenter.h"
+#include "ZephrimarkOffload/Screens/RunningPresenter.h"
+#include "ZephrimarkOffload/Screens/SetupPresenter.h"
+
+#include <QString>
+#include <QStringList>
+#include <QtQml/qqmlregistration.h>
+
+namespace ZephrimarkOffload {
+
+/// What the window shows around its screens, and which of them. Main thread.
+class Shell final : public QObject {
+  Q_OBJECT
+  QML_ELEMENT
+  QML_UNCREATABLE("made by the application")
+  // "setup", "running", "done" or "failed".
+  Q_PROPERTY(QString stage READ stage NOTIFY stageChanged)
+  Q_PROPERTY(QStringList steps READ steps CONSTANT)
+  Q_PROPERTY(int step READ step NOTIFY changed)
+  Q_PROPERTY(QString stepStatus READ stepStatus NOTIFY changed)
+  Q_PROPERTY(bool isRunning READ isRunning NOTIFY stageChanged)
+  Q_PROPERTY(QString failedMessage READ failedMessage NOTIFY stageChanged)
+  Q_PROPERTY(QString showInFileBrowser READ showInFileBrowser CONSTANT)
+  Q_PROPERTY(QString version READ version CONSTANT)
+  Q_PROPERTY(ZephrimarkOffload::SetupPresenter* setup READ setup CONSTANT)
+  Q_PROPERTY(ZephrimarkOffload::RunningPresenter* running READ running CONSTANT)
+  Q_PROPERTY(ZephrimarkOffload::DonePresenter* done READ done CONSTANT)
+
+ public:
+  /// The model outlives it. `home`: the user's home folder.
+  Shell(OffloadModel& model, PlatformKit::Path home, DonePresenter::PathAction reveal,
+        DonePresenter::PathAction open);
+
+  [[nodiscard]] QString stage() const;
+  [[nodiscard]] static QStringList steps();
+  [[nodiscard]] int step() const { return model_.step(); }
+  [[nodiscard]] QString stepStatus() const { return stepStatus_; }
+  [[nodiscard]] bool isRunning() const { return model_.stage().kind() == Stage::Kind::running; }
+  [[nodiscard]] QString failedMessage() const;
+  [[nodiscard]] static QString showInFileBrowser();
+  [[nodiscard]] static QString version();
+  [[nodiscard]] SetupPresenter* setup() { return &setup_; }
+  [[nodiscard]] RunningPresenter* running() { return &running_; }
+  [[nodiscard]] DonePresenter* done() { return &done_; }
+
+  /// Back from a failed start.
+  Q_INVOKABLE void back() { model_.showSetup(); }
+
+ Q_SIGNALS:
+  void stageChanged();
+  void changed();
+
+ private:
+  void update();
+
+  OffloadModel& model_;
+  SetupPresenter setup_;
+  RunningPresenter running_;
+  DonePresenter done_;
+  QString stepStatus_;
+};
+
+}  // namespace ZephrimarkOffload

@@ -1,0 +1,162 @@
+#include "OffloadKit/Version.h"
+#include "PlatformKit/Posix/Interrupts.h"
+#include "PlatformKit/Posix/Terminal.h"
+#include "Updates/AppUpdater.h"
+#include "ZephrimarkOffload/Desktop/DesktopServices.h"
+#include "ZephrimarkOffload/Desktop/FileManager.h"
+#include "ZephrimarkOffload/Desktop/SingleInstance.h"
+#include "ZephrimarkOffload/Machine.h"
+#include "ZephrimarkOffload/Model/OffloadModel.h"
+#include "ZephrimarkOffload/Screens/OffloadWindow.h"
+#include "ZephrimarkOffload/Screens/Text.h"
+#include "ZephrimarkUI/Setup.h"
+
+#include <chrono>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include <QDesktopServices>
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
+#include <QIcon>
+#include <QSessionManager>
+#include <QTimer>
+
+namespace {
+
+using ZephrimarkOffload::OffloadModel;
+using ZephrimarkOffload::OffloadWindow;
+using ZephrimarkOffload::SingleInstance;
+
+constexpr const char* kHelp =
+    "Usage: zephrimark-offload [-ZMSource FOLDER] [-ZMDestinations FOLDER[:FOLDER...]]\n"
+    "                          [-ZMAutoStart YES]\n"
+    "Opens the window of Zephrimark Offload, with a source and destinations already chosen if\n"
+    "they are given; with -ZMAutoStart YES the offload starts after a second, when it can.\n"
+    "On the command line, use zephrimark.\n";
+
+/// The check for updates and what the window shows of it.
+class UpdateCheck {
+ public:
+  UpdateCheck()
+      : presenter_([this] { updater_.checkForUpdates(); },
+                   [](const QUrl& page) { QDesktopServices::openUrl(page); }),
+        updater_(Updates::defaultConfiguration()) {
+    const auto follow = [this] { presenter_.setCanCheckForUpdates(updater_.canCheckForUpdates()); };
+    QObject::connect(&updater_, &Updates::AppUpdater::canCheckForUpdatesChanged, follow);
+    QObject::connect(&updater_, &Updates::AppUpdater::finished,
+                     [this](const Updates::UpdateResult& result) {
+                       presenter_.show(result.title, result.message, result.downloadPage);
+                     });
+    follow();
+  }
+
+  [[nodiscard]] ZephrimarkOffload::UpdatePresenter& presenter() { return presenter_; }
+
+ private:
+  ZephrimarkOffload::UpdatePresenter presenter_;
+  Updates::AppUpdater updater_;
+};
+
+void applyLaunchOptions(OffloadModel& model, const ZephrimarkOffload::LaunchOptions& options) {
+  if (options.source) model.setSource(*options.source);
+  if (options.destinations) model.setDestinations(*options.destinations);
+  if (options.autoStart) {
+    QTimer::singleShot(std::chrono::seconds(1), &model, [&model] { model.start(); });
+  }
+}
+
+// A desktop that asks before it logs the user out gets "not now" while an offload runs.
+void delayLogout(const QGuiApplication& application, const OffloadModel& model) {
+  QObject::connect(&application, &QGuiApplication::commitDataRequest, &model,
+                   [&model](QSessionManager& session) {
+                     if (model.stage().kind() == ZephrimarkOffload::Stage::Kind::running &&
+                         session.allowsInteraction()) {
+                       session.cancel();
+                     }
+                   });
+}
+
+int endAsSecond(const SingleInstance& instance) {
+  if (instance.acknowledged()) {
+    std::cerr << "Zephrimark Offload is already running; its window was brought to the front.\n";
+    return 0;
+  }
+  std::cerr << "Zephrimark Offload is already running but does not answer. End it first.\n";
+  return 1;
+}
+
+int run(QGuiApplication& application, const std::vector<std::string>& arguments,
+        SingleInstance& instance) {
+  const auto machine = std::make_shared<ZephrimarkOffload::Machine>();
+  const QDBusConnection session = QDBusConnection::sessionBus();
+  ZephrimarkOffload::DesktopServices desktop(session, QDBusConnection::systemBus());
+  ZephrimarkOffload::FileManager files(
+      session, [](const QUrl& folder) { QDesktopServices::openUrl(folder); });
+  ZephrimarkOffload::Settings settings;
+  PlatformKit::LinuxVolumeWatcher watcher;
+  OffloadModel model(
+      {std::shared_ptr<ZephrimarkOffload::DiskQuestions>(machine, &machine->questions), watcher,
+       desktop, settings, machine->clock, [machine] {
+         return std::make_unique<ZephrimarkOffload::EngineRunner>(machine->system,
+                                                                  machine->rawDevices);
+       }});
+  UpdateCheck updates;
+  OffloadWindow window(model, {settings, updates.presenter(),
+                               PlatformKit::Path(QFile::encodeName(QDir::homePath()).toStdString()),
+                               [&files](const PlatformKit::Path& item) { files.reveal(item); },
+                               [](const PlatformKit::Path& file) {
+                                 QDesktopServices::openUrl(ZephrimarkOffload::urlOf(file));
+                               }});
+  if (!window.isShown()) {
+    std::cerr << "zephrimark-offload: The window could not be made. The installation is damaged.\n";
+    return 1;
+  }
+  QObject::connect(&instance, &SingleInstance::activationRequested,
+                   [&window](const QString& token) { window.raise(token); });
+  delayLogout(application, model);
+  applyLaunchOptions(model, settings.launchOptions(arguments));
+  return application.exec();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  PlatformKit::openMissingStandardStreams();
+  const std::vector<std::string> arguments(argv + 1, argv + argc);
+  for (const std::string& argument : arguments) {
+    if (argument == "--version") {
+      std::cout << "zephrimark-offload " << OffloadKit::productVersion() << "\n";
+      return 0;
+    }
+    if (argument == "--help" || argument == "-h") {
+      std::cout << kHelp;
+      return 0;
+    }
+  }
+  const QString token = ZephrimarkOffload::startActivationToken();
+  // Before any other thread. An offload that runs ends at its next step, as with Stop.
+  const PlatformKit::Interrupts interrupts([](int) {
+    // Not quit(), which would ask the window first.
+    if (QCoreApplication* running = QCoreApplication::instance()) {
+      QMetaObject::invokeMethod(running, [] { QCoreApplication::exit(0); }, Qt::QueuedConnection);
+    }
+  });
+  QGuiApplication application(argc, argv);
+  QGuiApplication::setApplicationName("Zephrimark Offload");
+  QGuiApplication::setDesktopFileName("com.zephrimark.offload");
+  ZephrimarkUI::prepareApplication();
+  QGuiApplication::setWindowIcon(QIcon(":/qt/qml/ZephrimarkUI/icons/appicon.svg"));
+
+  PlatformKit::LinuxFileSystem fileSystem;
+  SingleInstance instance(fileSystem, ZephrimarkOffload::instanceFolder());
+  if (instance.claim(token) == SingleInstance::Role::second) return endAsSecond(instance);
+  try {
+    return run(application, arguments, instance);
+  } catch (const std::exception& error) {
+    std::cerr << "zephrimark-offload: " << error.what() << "\n";
+    return 1;
+  }
+}
