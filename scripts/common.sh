@@ -18,7 +18,7 @@ test_packages=(
   # Real faults, real disks and the services of a desktop; a test whose package is missing says so
   # and is skipped.
   libfuse3-dev fuse3 e2fsprogs fdisk mount libxml2-utils
-  dbus polkitd pkexec udisks2 udev python3-dbus python3-gi
+  dbus polkitd pkexec udisks2 udev python3-dbus python3-gi openssl
   # The window without a screen, and with one that a screen reader looks at.
   qml6-module-qttest xvfb xauth at-spi2-core gir1.2-atspi-2.0
 )
