@@ -31,10 +31,10 @@ void MainQueue::Sender::post(std::function<void()> work) {
 }
 
 bool MainQueue::event(QEvent* event) {
-  if (event->type() != workEvent()) return QObject::event(event);
   std::function<void()> work;
   {
     const std::lock_guard held(sender_->lock_);
+    if (event->type() != workEvent()) return QObject::event(event);
     if (sender_->waiting_.empty()) return true;
     work = std::move(sender_->waiting_.front());
     sender_->waiting_.pop_front();
