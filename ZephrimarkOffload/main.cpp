@@ -79,6 +79,13 @@ void delayLogout(const QGuiApplication& application, const OffloadModel& model) 
                    });
 }
 
+// The window system's own message speaks of plugins, and ends in a crash.
+bool hasScreen() {
+  return !qEnvironmentVariableIsEmpty("DISPLAY") ||
+         !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
+         !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+}
+
 int endAsSecond(const SingleInstance& instance) {
   if (instance.acknowledged()) {
     std::cerr << "Zephrimark Offload is already running; its window was brought to the front.\n";
@@ -136,12 +143,18 @@ int main(int argc, char** argv) {
       return 0;
     }
   }
+  if (!hasScreen()) {
+    std::cerr << "zephrimark-offload: There is no screen to open a window on. On the command line, "
+                 "use zephrimark.\n";
+    return 1;
+  }
   const QString token = ZephrimarkOffload::startActivationToken();
   // Before any other thread. An offload that runs ends at its next step, as with Stop.
   const PlatformKit::Interrupts interrupts([](int) {
     // Not quit(), which would ask the window first.
     if (QCoreApplication* running = QCoreApplication::instance()) {
-      QMetaObject::invokeMethod(running, [] { QCoreApplication::exit(0); }, Qt::QueuedConnection);
+      QMetaObject::invokeMethod(
+          running, [] { QCoreApplication::exit(0); }, Qt::QueuedConnection);
     }
   });
   QGuiApplication application(argc, argv);
