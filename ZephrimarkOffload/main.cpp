@@ -11,8 +11,11 @@
 #include "ZephrimarkOffload/Screens/Text.h"
 #include "ZephrimarkUI/Setup.h"
 
+#include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -59,6 +62,18 @@ class UpdateCheck {
   ZephrimarkOffload::UpdatePresenter presenter_;
   Updates::AppUpdater updater_;
 };
+
+// Set by a signal, which can come before there is an application to end.
+std::atomic<bool> endIsWanted = false;
+
+void endBySignal(int /*signal*/) {
+  endIsWanted = true;
+  // Not quit(), which would ask the window first.
+  if (QCoreApplication* running = QCoreApplication::instance()) {
+    QMetaObject::invokeMethod(
+        running, [] { QCoreApplication::exit(0); }, Qt::QueuedConnection);
+  }
+}
 
 void applyLaunchOptions(OffloadModel& model, const ZephrimarkOffload::LaunchOptions& options) {
   if (options.source) model.setSource(*options.source);
@@ -107,8 +122,8 @@ int run(QGuiApplication& application, const std::vector<std::string>& arguments,
   OffloadModel model(
       {std::shared_ptr<ZephrimarkOffload::DiskQuestions>(machine, &machine->questions), watcher,
        desktop, settings, machine->clock, [machine] {
-         return std::make_unique<ZephrimarkOffload::EngineRunner>(machine->system,
-                                                                  machine->rawDevices);
+         return std::make_unique<ZephrimarkOffload::EngineRunner>(
+             machine->system, machine->rawDevices, machine->disks);
        }});
   UpdateCheck updates;
   OffloadWindow window(model, {settings, updates.presenter(),
@@ -125,7 +140,31 @@ int run(QGuiApplication& application, const std::vector<std::string>& arguments,
                    [&window](const QString& token) { window.raise(token); });
   delayLogout(application, model);
   applyLaunchOptions(model, settings.launchOptions(arguments));
-  return application.exec();
+  return endIsWanted ? 0 : application.exec();
+}
+
+int start(QGuiApplication& application, const std::vector<std::string>& arguments,
+          const QString& activationToken) {
+  PlatformKit::LinuxFileSystem fileSystem;
+  SingleInstance instance(fileSystem, ZephrimarkOffload::instanceFolder());
+  if (instance.claim(activationToken) == SingleInstance::Role::second) return endAsSecond(instance);
+  try {
+    return run(application, arguments, instance);
+  } catch (const std::exception& error) {
+    std::cerr << "zephrimark-offload: " << error.what() << "\n";
+    return 1;
+  }
+}
+
+// For "--version" and "--help"; none for anything else.
+std::optional<std::string> answerTo(const std::vector<std::string>& arguments) {
+  for (const std::string& argument : arguments) {
+    if (argument == "--version") {
+      return "zephrimark-offload " + std::string(OffloadKit::productVersion()) + "\n";
+    }
+    if (argument == "--help" || argument == "-h") return kHelp;
+  }
+  return std::nullopt;
 }
 
 }  // namespace
@@ -133,15 +172,9 @@ int run(QGuiApplication& application, const std::vector<std::string>& arguments,
 int main(int argc, char** argv) {
   PlatformKit::openMissingStandardStreams();
   const std::vector<std::string> arguments(argv + 1, argv + argc);
-  for (const std::string& argument : arguments) {
-    if (argument == "--version") {
-      std::cout << "zephrimark-offload " << OffloadKit::productVersion() << "\n";
-      return 0;
-    }
-    if (argument == "--help" || argument == "-h") {
-      std::cout << kHelp;
-      return 0;
-    }
+  if (const auto answer = answerTo(arguments)) {
+    std::cout << *answer;
+    return 0;
   }
   if (!hasScreen()) {
     std::cerr << "zephrimark-offload: There is no screen to open a window on. On the command line, "
@@ -150,26 +183,15 @@ int main(int argc, char** argv) {
   }
   const QString token = ZephrimarkOffload::startActivationToken();
   // Before any other thread. An offload that runs ends at its next step, as with Stop.
-  const PlatformKit::Interrupts interrupts([](int) {
-    // Not quit(), which would ask the window first.
-    if (QCoreApplication* running = QCoreApplication::instance()) {
-      QMetaObject::invokeMethod(
-          running, [] { QCoreApplication::exit(0); }, Qt::QueuedConnection);
-    }
-  });
+  const PlatformKit::Interrupts interrupts(endBySignal);
   QGuiApplication application(argc, argv);
   QGuiApplication::setApplicationName("Zephrimark Offload");
   QGuiApplication::setDesktopFileName("com.zephrimark.offload");
   ZephrimarkUI::prepareApplication();
   QGuiApplication::setWindowIcon(QIcon(":/qt/qml/ZephrimarkUI/icons/appicon.svg"));
-
-  PlatformKit::LinuxFileSystem fileSystem;
-  SingleInstance instance(fileSystem, ZephrimarkOffload::instanceFolder());
-  if (instance.claim(token) == SingleInstance::Role::second) return endAsSecond(instance);
-  try {
-    return run(application, arguments, instance);
-  } catch (const std::exception& error) {
-    std::cerr << "zephrimark-offload: " << error.what() << "\n";
-    return 1;
-  }
+  const int status = start(application, arguments, token);
+  // All work is done and everything is closed. What may be left are threads that wait for a dead
+  // volume, which must not meet the objects of the program being destroyed.
+  std::cout.flush();
+  std::_Exit(status);
 }

@@ -9,6 +9,12 @@
 
 namespace ZephrimarkOffload {
 
+/// The path in its plain form: without ".", ".." and doubled slashes, and without one at its end.
+inline PlatformKit::Path normalized(const PlatformKit::Path& path) {
+  const PlatformKit::Path plain = path.lexically_normal();
+  return plain.has_filename() ? plain : plain.parent_path();
+}
+
 /// What the user chose for good: kept from one launch to the next.
 struct Choices {
   std::vector<PlatformKit::Path> destinations;  ///< chosen folders or drive roots, absolute

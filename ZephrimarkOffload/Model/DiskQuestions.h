@@ -18,6 +18,7 @@ struct SourceFacts {
   bool isVolumeRoot = false;                      ///< a mounted volume as a whole, as a card is
   std::optional<PlatformKit::VolumeSpace> space;  ///< of the volume, for a volume root
   std::optional<DeviceKit::WholeDisk> disk;       ///< under the volume, for a volume root
+  std::optional<PlatformKit::VolumeIdentifier> volume = {};  ///< that it lies on
 
   friend bool operator==(const SourceFacts&, const SourceFacts&) = default;
 };
@@ -59,6 +60,9 @@ class DiskQuestions {
 
   /// Whether something is there, on a volume whose device is there.
   [[nodiscard]] virtual bool exists(const PlatformKit::Path& path) = 0;
+
+  /// Whether it is a folder, through links too.
+  [[nodiscard]] virtual bool isFolder(const PlatformKit::Path& path) = 0;
 
   [[nodiscard]] virtual SourceFacts source(const PlatformKit::Path& path) = 0;
   /// Lists the whole source, which takes a while; a source that cannot be listed has no files.

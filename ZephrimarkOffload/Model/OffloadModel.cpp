@@ -10,6 +10,16 @@ namespace ZephrimarkOffload {
 
 using PlatformKit::Path;
 
+namespace {
+
+// Whether `path` is `folder` or lies in it, by their names.
+bool isWithin(const Path& path, const Path& folder) {
+  return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first ==
+         folder.end();
+}
+
+}  // namespace
+
 OffloadModel::OffloadModel(Services services)
     : services_(std::move(services)),
       background_(services_.questions),
@@ -48,6 +58,7 @@ void OffloadModel::volumesListed(const VolumeBoard::Lists& lists) {
   cards_ = lists.cards;
   if (source_ && lists.gone == source_) setSource(std::nullopt);
   if (!source_ && cards_.size() == 1) setSource(cards_.front().url);
+  checkSourceFacts();
   emit volumesChanged();
 }
 
@@ -57,8 +68,9 @@ std::vector<DeviceKit::Volume> OffloadModel::suggestedDrives() const {
     const auto identifier = volumeBoard_.identifier(drive.url);
     const auto holdsOne = [&](const Path& destination) {
       const auto facts = destinationBoard_.facts(destination);
-      return destination == drive.url ||
-             (facts && facts->volume && identifier && *facts->volume == *identifier);
+      if (facts && identifier) return facts->volume && *facts->volume == *identifier;
+      // Not answered yet: judged by the path, so that no row comes and goes.
+      return isWithin(destination, drive.url);
     };
     const auto& destinations = choices_.destinations;
     if (drive.url == source_) continue;
@@ -72,12 +84,29 @@ std::vector<DeviceKit::Volume> OffloadModel::suggestedDrives() const {
 // Source
 
 void OffloadModel::setSource(std::optional<Path> source) {
+  if (source) source = normalized(*source);
   if (source == source_) return;
   source_ = std::move(source);
   refreshSourceInfo();
 }
 
+// Another card can be mounted at the same place before anybody noticed that the first one went.
+void OffloadModel::checkSourceFacts() {
+  if (!source_ || sourceCount_.files == 0) return;
+  background_.ask(
+      "check " + source_->native(),
+      [source = *source_](DiskQuestions& questions) { return questions.source(source); },
+      [this, source = *source_, number = sourceNumber_](const SourceFacts& facts) {
+        if (number != sourceNumber_ || sourceCount_.files == 0) return;
+        const bool isSame = facts.name == sourceFacts_.name && facts.disk == sourceFacts_.disk &&
+                            facts.volume == sourceFacts_.volume &&
+                            facts.isVolumeRoot == sourceFacts_.isVolumeRoot;
+        if (!isSame) refreshSourceInfo();
+      });
+}
+
 void OffloadModel::refreshSourceInfo() {
+  ++sourceNumber_;
   sourceFacts_ = {};
   sourceCount_ = {};
   if (source_) {
@@ -86,17 +115,17 @@ void OffloadModel::refreshSourceInfo() {
     background_.ask(
         "source " + source.native(),
         [source](DiskQuestions& questions) { return questions.source(source); },
-        [this, source](const SourceFacts& facts) {
-          if (source_ != source) return;
+        [this, source, number = sourceNumber_](const SourceFacts& facts) {
+          if (number != sourceNumber_) return;
           sourceFacts_ = facts;
           camera_ = facts.camera;
           emit sourceChanged();
           background_.ask(
               "count " + source.native(),
               [source](DiskQuestions& questions) { return questions.count(source); },
-              [this, source](const SourceCount& count) {
+              [this, number](const SourceCount& count) {
                 // A source that was changed in the meantime has a count of its own.
-                if (source_ != source) return;
+                if (number != sourceNumber_) return;
                 sourceCount_ = count;
                 emit sourceChanged();
               });
@@ -109,20 +138,38 @@ void OffloadModel::refreshSourceInfo() {
 
 void OffloadModel::addDestination(const Path& destination) {
   auto destinations = choices_.destinations;
+  const Path plain = normalized(destination);
   const bool isThere =
-      std::find(destinations.begin(), destinations.end(), destination) != destinations.end();
+      std::find(destinations.begin(), destinations.end(), plain) != destinations.end();
   if (destinations.size() >= kMostDestinations || isThere) return;
-  destinations.push_back(destination);
-  setDestinations(std::move(destinations));
+  destinations.push_back(plain);
+  replaceDestinations(std::move(destinations));
 }
 
 void OffloadModel::removeDestination(const Path& destination) {
   auto destinations = choices_.destinations;
   std::erase(destinations, destination);
-  setDestinations(std::move(destinations));
+  replaceDestinations(std::move(destinations));
 }
 
 void OffloadModel::setDestinations(std::vector<Path> destinations) {
+  // Chosen now, not remembered: one that is not there yet will be made.
+  unconfirmed_.clear();
+  for (Path& destination : destinations) destination = normalized(destination);
+  replaceDestinations(std::move(destinations));
+}
+
+void OffloadModel::takeFolder(const Path& path, bool asSource) {
+  background_.ask(
+      "folder " + path.native(),
+      [path](DiskQuestions& questions) { return questions.isFolder(path); },
+      [this, path, asSource](bool isFolder) {
+        if (!isFolder || stage_.kind() != Stage::Kind::setup) return;
+        asSource ? setSource(path) : addDestination(path);
+      });
+}
+
+void OffloadModel::replaceDestinations(std::vector<Path> destinations) {
   choices_.destinations = std::move(destinations);
   save();
   followDestinations();
@@ -246,6 +293,7 @@ std::optional<OffloadKit::CardImageRequest> OffloadModel::imageRequest() const {
 }
 
 std::optional<std::string> OffloadModel::blocker() const {
+  if (isEjecting_) return "Ejecting the card…";
   return ZephrimarkOffload::blocker(readiness());
 }
 
@@ -255,6 +303,11 @@ int OffloadModel::step() const {
 }
 
 std::string OffloadModel::stepStatus() const {
+  // While it runs, the choices may change with the cards that come and go; the plan does not.
+  if (stage_.kind() == Stage::Kind::running) {
+    return ZephrimarkOffload::stepStatus(
+        {stage_, true, runPlan_.sourceName, runPlan_.destinations.size(), std::nullopt, progress_});
+  }
   return ZephrimarkOffload::stepStatus({stage_, source_.has_value(), sourceName(),
                                         choices_.destinations.size(), blocker(), progress_});
 }

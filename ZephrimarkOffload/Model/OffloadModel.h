@@ -79,6 +79,14 @@ class OffloadModel final : public QObject {
   [[nodiscard]] const std::optional<OffloadKit::OffloadProgress>& progress() const {
     return progress_;
   }
+  /// The plan of the offload that runs, or ran last; empty before the first.
+  [[nodiscard]] const OffloadKit::OffloadPlan& runPlan() const { return runPlan_; }
+  /// The destinations as they were chosen for it.
+  [[nodiscard]] const std::vector<PlatformKit::Path>& runDestinations() const {
+    return runDestinations_;
+  }
+  /// Whether its source is still the one that is chosen and was never gone in between.
+  [[nodiscard]] bool isSourceOfRun() const { return source_ && sourceNumber_ == runNumber_; }
   /// The names of the volumes that the offload that runs, or ran last, copies to, in order.
   [[nodiscard]] const std::vector<std::string>& driveNames() const { return driveNames_; }
   /// When that offload was started.
@@ -87,6 +95,8 @@ class OffloadModel final : public QObject {
   /// Whether the offload that runs was asked to stop and has not ended yet.
   [[nodiscard]] bool isStopping() const { return isStopping_; }
   [[nodiscard]] bool isEjecting() const { return isEjecting_; }
+  /// Whether the last ejecting was done.
+  [[nodiscard]] bool isEjected() const { return isEjected_; }
   /// Why the card could not be ejected the last time, or that it was; empty when it was not tried.
   [[nodiscard]] const std::string& ejectMessage() const { return ejectMessage_; }
 
@@ -109,7 +119,7 @@ class OffloadModel final : public QObject {
   [[nodiscard]] int step() const;
   [[nodiscard]] std::string stepStatus() const;
 
-  /// Each choice is saved at once.
+  /// Each choice is saved.
   void setSource(std::optional<PlatformKit::Path> source);
   /// Ignored when there are three already or it is one of them.
   void addDestination(const PlatformKit::Path& destination);
@@ -122,6 +132,10 @@ class OffloadModel final : public QObject {
   void setVerifySource(bool verifySource);
   void setEjectWhenDone(bool ejectWhenDone);
   void setSaveCardImage(bool saveCardImage);
+
+  /// Takes a folder that was dropped on the window, as the source or as a destination; whether it is
+  /// a folder is asked in the background.
+  void takeFolder(const PlatformKit::Path& path, bool asSource);
 
   /// Lists cards and drives anew, drops a source that is gone and, when none is chosen, takes the
   /// only card. The lists follow a moment later.
@@ -152,6 +166,8 @@ class OffloadModel final : public QObject {
   void destinationsAnswered();
   void volumesListed(const VolumeBoard::Lists& lists);
   void refreshSourceInfo();
+  void checkSourceFacts();
+  void replaceDestinations(std::vector<PlatformKit::Path> destinations);
   [[nodiscard]] Readiness readiness() const;
   [[nodiscard]] OffloadKit::OffloadPlan plan() const;
   void setStage(Stage stage);
@@ -172,6 +188,8 @@ class OffloadModel final : public QObject {
   std::vector<DeviceKit::Volume> cards_;
   std::vector<DeviceKit::Volume> drives_;
   std::optional<PlatformKit::Path> source_;
+  // Counts the sources that were chosen, since another card can have the same path.
+  int sourceNumber_ = 0;
   SourceFacts sourceFacts_;
   SourceCount sourceCount_;
   std::string camera_ = "Camera";
@@ -179,10 +197,14 @@ class OffloadModel final : public QObject {
   std::shared_ptr<OffloadRunner> engine_;  // of the current or last offload
   std::thread run_;
   std::optional<OffloadKit::OffloadProgress> progress_;
+  OffloadKit::OffloadPlan runPlan_;
+  std::vector<PlatformKit::Path> runDestinations_;
+  int runNumber_ = 0;
   std::vector<std::string> driveNames_;
   PlatformKit::Date startedAt_{};
   bool isStopping_ = false;
   bool isEjecting_ = false;
+  bool isEjected_ = false;
   std::string ejectMessage_;
 
   Background background_;

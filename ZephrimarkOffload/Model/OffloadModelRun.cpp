@@ -23,8 +23,12 @@ OffloadKit::OffloadPlan OffloadModel::plan() const {
 }
 
 void OffloadModel::start() {
-  if (stage_.kind() == Stage::Kind::running || !source_ || blocker()) return;
+  const bool canStart = stage_.kind() == Stage::Kind::setup || stage_.kind() == Stage::Kind::failed;
+  if (!canStart || !source_ || blocker()) return;
   const OffloadKit::OffloadPlan plan = this->plan();
+  runPlan_ = plan;
+  runDestinations_ = choices_.destinations;
+  runNumber_ = sourceNumber_;
   // The thread of the offload before has sent its outcome and is at its end.
   if (run_.joinable()) run_.join();
   engine_ = services_.makeRunner();
@@ -103,7 +107,8 @@ void OffloadModel::finished(OffloadKit::OffloadResult result, const std::optiona
   services_.desktop.notify(QString::fromStdString(notice.title),
                            QString::fromStdString(notice.body));
   // Nobody reads a card again that is in a bag: it stays while anything of it may be missing.
-  if (eject && shown->allVerified() && shown->unreadable.empty()) this->eject(*eject);
+  const bool isComplete = shown->allVerified() && shown->unreadable.empty();
+  if (eject && isComplete && isSourceOfRun()) this->eject(*eject);
 }
 
 void OffloadModel::stopped() {
@@ -127,11 +132,14 @@ void OffloadModel::showSetup() {
 }
 
 void OffloadModel::tryAgain() {
+  // Another card in its place is not what the result on the screen is about.
+  const bool isSame = isSourceOfRun();
   showSetup();
-  start();
+  if (isSame) start();
 }
 
 void OffloadModel::eject(const Path& volume) {
+  if (isEjecting_) return;
   const std::string name = PlatformKit::singleLineText(
       volume == source_ ? sourceName() : OffloadKit::lastComponent(volume));
   isEjecting_ = true;
@@ -142,6 +150,7 @@ void OffloadModel::eject(const Path& volume) {
       [volume, name](DiskQuestions& questions) { return questions.eject(volume, name); },
       [this, name](const std::optional<std::string>& failure) {
         isEjecting_ = false;
+        isEjected_ = !failure;
         ejectMessage_ = failure.value_or("Ejected " + name + ". You can take it out now.");
         emit ejectChanged();
         refreshVolumes();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OffloadKit/OffloadEngine.h"
+#include "PlatformKit/Disks.h"
 
 namespace ZephrimarkOffload {
 
@@ -20,18 +21,20 @@ class OffloadRunner {
 /// The runner that copies files.
 class EngineRunner final : public OffloadRunner {
  public:
-  /// Both outlive the runner.
-  EngineRunner(PlatformKit::System system, const DeviceKit::RawDeviceAccess& rawDevices)
-      : engine_(system, rawDevices) {}
+  /// All outlive the runner. `disks` tells which disk is under a card.
+  EngineRunner(PlatformKit::System system, const DeviceKit::RawDeviceAccess& rawDevices,
+               PlatformKit::Disks& disks)
+      : engine_(system, rawDevices), disks_(disks) {}
 
+  /// Also throws OffloadError::cardImageUnavailable when the plan wants an image of another disk than
+  /// the one that is under its source now.
   OffloadKit::OffloadResult run(const OffloadKit::OffloadPlan& plan,
-                                const OffloadKit::ProgressCallback& progress) override {
-    return engine_.run(plan, progress);
-  }
+                                const OffloadKit::ProgressCallback& progress) override;
   void cancel() override { engine_.cancel(); }
 
  private:
   OffloadKit::OffloadEngine engine_;
+  PlatformKit::Disks& disks_;
 };
 
 }  // namespace ZephrimarkOffload

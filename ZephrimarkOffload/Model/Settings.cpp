@@ -1,7 +1,9 @@
 #include "ZephrimarkOffload/Model/Settings.h"
 
 #include "PlatformKit/Unicode.h"
+#include "ZephrimarkOffload/Model/SettingsFile.h"
 
+#include <chrono>
 #include <string_view>
 
 #include <QByteArray>
@@ -41,14 +43,14 @@ std::optional<Path> pathOf(const QString& setting) {
     bytes = QByteArray::fromPercentEncoding(bytes.mid(QByteArrayView(kEncoded).size()));
   }
   if (!bytes.startsWith('/') || bytes.contains('\0')) return std::nullopt;
-  return Path(bytes.toStdString());
+  return normalized(bytes.toStdString());
 }
 
 Path absolute(std::string_view text) {
   std::error_code error;
   // Fails only where the folder that the program was started in is gone.
   const Path path = std::filesystem::absolute(text, error);
-  return error ? Path(text) : path;
+  return normalized(error ? Path(text) : path);
 }
 
 std::vector<Path> pathsBetweenColons(std::string_view text) {
@@ -61,6 +63,9 @@ std::vector<Path> pathsBetweenColons(std::string_view text) {
   return paths;
 }
 
+// Not at every letter that is typed.
+constexpr std::chrono::milliseconds kSoon{300};
+
 // What people write for "true" in launch options.
 bool isYes(std::string_view text) {
   return text == "true" || text == "TRUE" || text == "yes" || text == "YES" || text == "1";
@@ -69,15 +74,24 @@ bool isYes(std::string_view text) {
 }  // namespace
 
 Settings::Settings()
-    : file_(QSettings::IniFormat, QSettings::UserScope, "zephrimark", "zephrimark-offload") {
+    : file_(settingsFormat(), QSettings::UserScope, "zephrimark", "zephrimark-offload") {
   file_.setFallbacksEnabled(false);
+  prepare();
 }
 
-Settings::Settings(const QString& path) : file_(path, QSettings::IniFormat) {}
+Settings::Settings(const QString& path) : file_(path, settingsFormat()) {
+  prepare();
+}
+
+void Settings::prepare() {
+  soon_.setSingleShot(true);
+  soon_.setInterval(kSoon);
+  soon_.callOnTimeout([this] { write(); });
+}
 
 std::optional<QString> Settings::text(const QString& key) const {
   const QVariant value = file_.value(key);
-  // Text with commas that was not written by us reads as a list.
+  // Text with commas that somebody wrote without quotation marks reads as a list.
   if (value.typeId() != QMetaType::QString) return std::nullopt;
   return value.toString();
 }
@@ -108,6 +122,10 @@ Choices Settings::load() const {
   return choices;
 }
 
+Settings::~Settings() {
+  if (soon_.isActive()) write();
+}
+
 void Settings::save(const Choices& choices) {
   QStringList destinations;
   for (const Path& path : choices.destinations) destinations.push_back(settingOf(path));
@@ -118,7 +136,7 @@ void Settings::save(const Choices& choices) {
   file_.setValue(kVerifySource, choices.verifySource);
   file_.setValue(kEjectWhenDone, choices.ejectWhenDone);
   file_.setValue(kSaveCardImage, choices.saveCardImage);
-  write();
+  soon_.start();
 }
 
 void Settings::write() {
@@ -158,7 +176,7 @@ std::optional<std::pair<int, int>> Settings::windowSize() const {
 void Settings::saveWindowSize(int width, int height) {
   file_.setValue(kWindowWidth, width);
   file_.setValue(kWindowHeight, height);
-  write();
+  soon_.start();
 }
 
 }  // namespace ZephrimarkOffload

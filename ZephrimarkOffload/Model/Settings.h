@@ -8,6 +8,7 @@
 
 #include <QSettings>
 #include <QString>
+#include <QTimer>
 
 namespace ZephrimarkOffload {
 
@@ -26,11 +27,14 @@ class Settings {
   Settings();
   /// In the file at `path`, which need not exist.
   explicit Settings(const QString& path);
+  ~Settings();
+  Settings(const Settings&) = delete;
+  Settings& operator=(const Settings&) = delete;
 
   /// What was saved last. Destinations need not exist any more; the caller drops those.
   [[nodiscard]] Choices load() const;
 
-  /// Writes every value. Where the file cannot be written, the choices last until the end of this
+  /// Writes every value, a moment later or at the end of this object. Where the file cannot be written, the choices last until the end of this
   /// launch; a warning goes to the log, once.
   void save(const Choices& choices);
 
@@ -43,11 +47,13 @@ class Settings {
   void saveWindowSize(int width, int height);
 
  private:
+  void prepare();
   [[nodiscard]] std::optional<QString> text(const QString& key) const;
   [[nodiscard]] std::optional<bool> flag(const QString& key) const;
   void write();
 
   QSettings file_;
+  QTimer soon_;
   bool warned_ = false;
 };
 

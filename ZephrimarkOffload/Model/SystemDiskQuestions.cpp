@@ -26,8 +26,13 @@ bool SystemDiskQuestions::exists(const Path& path) {
   return !device || !system_.volumes.isGone(*device);
 }
 
+bool SystemDiskQuestions::isFolder(const Path& path) {
+  return PlatformKit::isFolder(system_.fileSystem, path);
+}
+
 SourceFacts SystemDiskQuestions::source(const Path& path) {
   SourceFacts facts;
+  facts.volume = system_.volumes.facts(path).identifier;
   facts.name = OffloadKit::sourceName(system_, path);
   facts.camera = OffloadKit::FolderPreset::cameraName(system_.fileSystem, path);
   facts.isVolumeRoot = OffloadKit::isVolumeRoot(system_, path);

@@ -20,6 +20,7 @@ class SystemDiskQuestions final : public DiskQuestions {
   [[nodiscard]] std::vector<PlatformKit::MountedVolume> volumes() override;
   [[nodiscard]] VolumeAnswers volume(const PlatformKit::Path& root) override;
   [[nodiscard]] bool exists(const PlatformKit::Path& path) override;
+  [[nodiscard]] bool isFolder(const PlatformKit::Path& path) override;
   [[nodiscard]] SourceFacts source(const PlatformKit::Path& path) override;
   [[nodiscard]] SourceCount count(const PlatformKit::Path& path) override;
   [[nodiscard]] DestinationFacts destination(const PlatformKit::Path& path) override;

@@ -30,17 +30,20 @@ void VolumeBoard::refresh(const std::optional<Path>& source) {
   isSourceKnown_ = !source;
   source_ = source;
   gone_.reset();
-  answers_.clear();
   patience_.start();
+  // An answer to a question from before an event tells of a state that is past.
+  const int round = ++round_;
   background_.ask(
       "volumes", [](DiskQuestions& questions) { return questions.volumes(); },
-      [this](const std::vector<MountedVolume>& volumes) { listed(volumes); });
+      [this, round](const std::vector<MountedVolume>& volumes) {
+        if (round == round_) listed(volumes);
+      });
   if (!source) return;
   background_.ask(
       "exists " + source->native(),
       [path = *source](DiskQuestions& questions) { return questions.exists(path); },
-      [this, path = *source](bool exists) {
-        if (source_ != path) return;
+      [this, round, path = *source](bool exists) {
+        if (round != round_) return;
         isSourceKnown_ = true;
         if (!exists) gone_ = path;
         publishIfComplete();
@@ -50,12 +53,18 @@ void VolumeBoard::refresh(const std::optional<Path>& source) {
 void VolumeBoard::listed(const std::vector<MountedVolume>& volumes) {
   volumes_ = volumes;
   isListed_ = true;
+  waiting_.clear();
   for (const MountedVolume& volume : volumes_) {
-    if (!isOffered(volume)) continue;
+    if (isOffered(volume)) waiting_.insert(volume.root);
+  }
+  // What is known from before is shown until there is something newer.
+  std::erase_if(answers_, [this](const auto& answer) { return !waiting_.contains(answer.first); });
+  for (const Path& offered : std::set(waiting_)) {
     background_.ask(
-        "volume " + volume.root.native(),
-        [root = volume.root](DiskQuestions& questions) { return questions.volume(root); },
-        [this, root = volume.root](const VolumeAnswers& answers) {
+        "volume " + offered.native(),
+        [root = offered](DiskQuestions& questions) { return questions.volume(root); },
+        [this, root = offered](const VolumeAnswers& answers) {
+          if (waiting_.erase(root) == 0 && !answers_.contains(root)) return;
           answers_[root] = answers;
           publishIfComplete();
         });
@@ -64,11 +73,7 @@ void VolumeBoard::listed(const std::vector<MountedVolume>& volumes) {
 }
 
 void VolumeBoard::publishIfComplete() {
-  const bool isComplete =
-      isListed_ && isSourceKnown_ &&
-      std::all_of(volumes_.begin(), volumes_.end(), [this](const MountedVolume& volume) {
-        return !isOffered(volume) || answers_.contains(volume.root);
-      });
+  const bool isComplete = isListed_ && isSourceKnown_ && waiting_.empty();
   // After the moment has passed, each late answer counts by itself.
   if (isComplete || (isListed_ && !patience_.isActive())) tell();
 }

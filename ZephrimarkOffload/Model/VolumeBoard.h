@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include <QTimer>
@@ -42,8 +43,10 @@ class VolumeBoard {
   std::function<void(const Lists&)> publish_;
   std::vector<PlatformKit::MountedVolume> volumes_;
   std::map<PlatformKit::Path, VolumeAnswers> answers_;  // by root
+  std::set<PlatformKit::Path> waiting_;                 // roots without an answer in this round
   std::optional<PlatformKit::Path> source_;             // asked about last
   std::optional<PlatformKit::Path> gone_;
+  int round_ = 0;
   bool isListed_ = false;
   bool isSourceKnown_ = false;
   QTimer patience_;

@@ -68,6 +68,7 @@ class FakeDiskQuestions final : public DiskQuestions {
   [[nodiscard]] bool exists(const Path& path) override {
     return asked(path, [&] { return !gone_.contains(path); });
   }
+  [[nodiscard]] bool isFolder(const Path& path) override { return exists(path); }
   [[nodiscard]] SourceFacts source(const Path& path) override {
     return asked(path, [&] { return sources_[path]; });
   }

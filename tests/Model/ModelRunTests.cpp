@@ -2,6 +2,7 @@
 // window.
 
 #include "OffloadKit/OffloadError.h"
+#include "PlatformKit/Linux/LinuxDisks.h"
 #include "tests/Model/ModelFixture.h"
 
 #include <atomic>
@@ -29,7 +30,7 @@ class ModelRunTests : public ModelFixture {
                                       1ULL << 40, {},    drive};
       }
     });
-    makeRunner_ = [this] { return std::make_unique<EngineRunner>(system_, rawAccess_); };
+    makeRunner_ = [this] { return std::make_unique<EngineRunner>(system_, rawAccess_, disks_); };
   }
 
   OffloadModel& makeModelOnFolders() {
@@ -52,6 +53,7 @@ class ModelRunTests : public ModelFixture {
   PlatformKit::LinuxVolumes volumes_;
   PlatformKit::SystemClock systemClock_;
   PlatformKit::System system_{fileSystem_, volumes_, systemClock_};
+  PlatformKit::LinuxDisks disks_{volumes_};
   PlatformKit::Testing::FakeRawDevices raw_;
   DeviceKit::RawDeviceAccess rawAccess_{raw_, {}};
 };
@@ -188,10 +190,34 @@ TEST_F(ModelRunTests, WhatCouldNotBeReadKeepsTheCardInAndEjectFailuresAreTold) {
   EXPECT_FALSE(partly.isEjecting());
 
   questions_->change([](FakeDiskQuestions& disks) { disks.ejectFailure_ = "It is busy."; });
+  partly.showSetup();
   partly.eject(source_);
-  EXPECT_TRUE(partly.isEjecting());
+  EXPECT_EQ(partly.blocker(), "Ejecting the card…");
+  partly.start();
+  EXPECT_EQ(partly.stage().kind(), Stage::Kind::setup);
   ASSERT_TRUE(waitUntil([&] { return !partly.isEjecting(); }));
   EXPECT_EQ(partly.ejectMessage(), "It is busy.");
+}
+
+TEST_F(ModelRunTests, AnotherCardIsNeitherEjectedNorImaged) {
+  makeRunner_ = [] { return std::make_unique<ScriptedRunner>(OffloadKit::OffloadResult{}, false); };
+  OffloadModel& model = makeModelOnFolders();
+  model.setEjectWhenDone(true);
+  model.start();
+  // Taken out and put back, or another one: nobody can tell.
+  model.setSource(std::nullopt);
+  model.setSource(source_);
+  ASSERT_TRUE(waitForEnd(model));
+  EXPECT_FALSE(model.isSourceOfRun());
+  EXPECT_FALSE(model.isEjecting());
+  model.tryAgain();
+  EXPECT_EQ(model.stage().kind(), Stage::Kind::setup);
+
+  OffloadKit::OffloadPlan plan;
+  plan.source = source_;
+  plan.cardImage = OffloadKit::CardImageRequest{"/dev/none", 0, 1};
+  EXPECT_THROW(EngineRunner(system_, rawAccess_, disks_).run(plan, [](const auto&) {}),
+               OffloadKit::OffloadError);
 }
 
 TEST_F(ModelRunTests, TheEndOfTheModelStopsTheRun) {

@@ -159,6 +159,36 @@ TEST_F(OffloadModelTests, ADeadVolumeKeepsNobodyWaiting) {
       waitUntil([&] { return model.blocker() == "dead doesn't have room for this card."; }));
 }
 
+TEST_F(OffloadModelTests, AnotherCardInTheSamePlaceIsAnotherSource) {
+  addCard(card_, 3, 100);
+  OffloadModel& model = makeReadyModel();
+  questions_->change([&](FakeDiskQuestions& disks) {
+    disks.sources_[card_].disk = DeviceKit::WholeDisk{"sdd", "/dev/sdd", 64'000'000'000};
+    disks.counts_[card_] = {9, 900};
+  });
+  watcher_->fire();
+  ASSERT_TRUE(waitUntil([&] { return model.sourceFileCount() == 9; }));
+  EXPECT_EQ(model.cardDisk()->rawPath, "/dev/sdd");
+}
+
+TEST_F(OffloadModelTests, WhatIsChosenNowNeedNotExistYet) {
+  makeModel().setDestinations({t7_, raid_ / "new"});
+  // As on the command line, at the next launch.
+  OffloadModel& model = makeModel();
+  model.setDestinations({t7_ / "", raid_ / "new"});
+  ASSERT_TRUE(waitUntil([&] { return model.destinationFacts(1).has_value(); }));
+  EXPECT_FALSE(model.destinationFacts(1)->exists);
+  EXPECT_THAT(model.destinations(), ElementsAre(t7_, raid_ / "new"));
+  model.addDestination(t7_ / ".." / "T7" / "");
+  EXPECT_EQ(model.destinations().size(), 2);
+
+  questions_->change([](FakeDiskQuestions& disks) { disks.gone_.insert("/a/file"); });
+  model.takeFolder("/a/file", true);
+  model.takeFolder("/a/folder", true);
+  ASSERT_TRUE(waitUntil([&] { return model.source().has_value(); }));
+  EXPECT_EQ(model.source(), "/a/folder");
+}
+
 TEST_F(OffloadModelTests, EventsBehindTheModelsEndAreDropped) {
   OffloadModel& model = makeModel();
   int lists = 0;

@@ -35,6 +35,9 @@ TEST_F(SettingsTests, AnyContentGivesUsableChoices) {
       "[General]\nVerifySource=maybe\nEjectWhenDone=1\nSaveCardImage=@Variant(\\0\\0)\n",
       "[General]\nAlgorithm=XXH64\nVerifySource=\nPreset=a, b\n",
       "[General]\nDestinations=relative, , file:relative\n",
+      // Text that Qt's own reader takes for a list of four milliards of texts.
+      "[General]\nProject=\nAlgorithm=@Variant(\\0\\0\\0\\t\\xff\\xff\\xff\\xff)\n",
+      "[Other]\nAlgorithm=md5\n",
       "[General]\nDestinations=@Invalid()\nAlgorithm=@ByteArray(md5)\n",
   };
   for (const std::string& content : damaged) {

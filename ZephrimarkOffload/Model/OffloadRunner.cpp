@@ -1,0 +1,21 @@
+#include "ZephrimarkOffload/Model/OffloadRunner.h"
+
+#include "DeviceKit/DiskEnumerator.h"
+#include "OffloadKit/OffloadError.h"
+
+namespace ZephrimarkOffload {
+
+OffloadKit::OffloadResult EngineRunner::run(const OffloadKit::OffloadPlan& plan,
+                                            const OffloadKit::ProgressCallback& progress) {
+  if (plan.cardImage) {
+    // Cards can be exchanged between the choice and the start.
+    const auto disk = DeviceKit::DiskEnumerator(disks_, nullptr).wholeDisk(plan.source);
+    if (!disk || disk->rawPath != plan.cardImage->devicePath ||
+        disk->size != plan.cardImage->size) {
+      throw OffloadKit::OffloadError::cardImageUnavailable("another card is in its place now");
+    }
+  }
+  return engine_.run(plan, progress);
+}
+
+}  // namespace ZephrimarkOffload
