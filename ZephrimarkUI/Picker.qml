@@ -46,6 +46,15 @@ T.ComboBox {
     Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Return || event.key === Qt.Key_Enter
     Keys.onReturnPressed: event => openByKey(event)
     Keys.onEnterPressed: event => openByKey(event)
+    // Letters, Home and End would choose unseen.
+    Keys.onPressed: event => {
+        const opens = [Qt.Key_Space, Qt.Key_Return, Qt.Key_Enter, Qt.Key_Up, Qt.Key_Down]
+        const passes = [Qt.Key_Tab, Qt.Key_Backtab, Qt.Key_Escape]
+        const moves = [Qt.Key_Home, Qt.Key_End, Qt.Key_PageUp, Qt.Key_PageDown]
+        if (popup.visible || opens.includes(event.key) || passes.includes(event.key))
+            return
+        event.accepted = event.text !== "" || moves.includes(event.key)
+    }
     Keys.onUpPressed: event => openByKey(event)
     Keys.onDownPressed: event => openByKey(event)
 

@@ -55,6 +55,9 @@ T.Button {
     Keys.onReturnPressed: event => pressedByKey(event)
     Keys.onEnterPressed: event => pressedByKey(event)
 
+    // Hidden, it would keep the keyboard and take Return for itself.
+    onVisibleChanged: if (!visible) focus = false
+
     // A held key repeats; one press is one press.
     function pressedByKey(event: var) {
         if (!event.isAutoRepeat)

@@ -28,8 +28,8 @@ T.RadioButton {
     Accessible.onToggleAction: row.choose()
 
     Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Return || event.key === Qt.Key_Enter
-    Keys.onReturnPressed: event => choose()
-    Keys.onEnterPressed: event => choose()
+    Keys.onReturnPressed: event => { if (!event.isAutoRepeat) choose() }
+    Keys.onEnterPressed: event => { if (!event.isAutoRepeat) choose() }
     Keys.onUpPressed: event => event.accepted = focusNeighbour(-1)
     Keys.onDownPressed: event => event.accepted = focusNeighbour(1)
 

@@ -1,10 +1,12 @@
 import QtQuick
-import QtQuick.Templates as T
 import ZephrimarkUI
 
 // Text in the colours and type of the application.
-T.Label {
+Text {
     color: Brand.text
     linkColor: Brand.accent
     font: Brand.body
+
+    Accessible.role: Accessible.StaticText
+    Accessible.name: text
 }

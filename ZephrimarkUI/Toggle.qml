@@ -22,12 +22,13 @@ T.Switch {
 
     Accessible.name: text
     Accessible.description: (trailing === "" || caption === "" ? trailing + caption : trailing + ". " + caption).replace(/<[^>]*>/g, "")
+        .replace(/&lt;/g, "<").replace(/&gt;/g, ">").replace(/&quot;/g, '"').replace(/&amp;/g, "&")
     Accessible.onPressAction: control.flip()
     Accessible.onToggleAction: control.flip()
 
     Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Return || event.key === Qt.Key_Enter
-    Keys.onReturnPressed: event => flip()
-    Keys.onEnterPressed: event => flip()
+    Keys.onReturnPressed: event => { if (!event.isAutoRepeat) flip() }
+    Keys.onEnterPressed: event => { if (!event.isAutoRepeat) flip() }
 
     // As a click would do it.
     function flip() {

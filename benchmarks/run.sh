@@ -29,4 +29,5 @@ echo
 "$build/MemoryBenchmark" || status=1
 "$build/ListBenchmark" || status=1
 "$build/ImagingBenchmark" || status=1
+"$(dirname "$0")/window.sh" "$1/bin/zephrimark-offload" || status=1
 exit "$status"

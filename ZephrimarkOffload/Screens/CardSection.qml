@@ -49,7 +49,7 @@ ColumnLayout {
                 description: detail
                 checked: selected
                 onClicked: {
-                    section.presenter.selectCard(index)
+                    section.presenter.selectCard(index) // qmllint disable unqualified
                     checked = Qt.binding(() => selected)
                 }
 

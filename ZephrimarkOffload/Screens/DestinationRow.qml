@@ -12,18 +12,19 @@ Panel {
     required property bool isShort
     required property bool isInternal
 
-    signal removed
+    signal removed(byKeyboard: bool)
 
     topPadding: 6
     bottomPadding: 6
 
-    Accessible.role: Accessible.ListItem
-    Accessible.name: name
-    Accessible.description: place + ", " + free
-
     RowLayout {
         anchors.fill: parent
         spacing: 10
+
+        // Not on the panel, whose template puts a role of its own in place of any other.
+        Accessible.role: Accessible.ListItem
+        Accessible.name: row.name
+        Accessible.description: row.place + ", " + row.free
 
         Icon {
             name: row.isInternal ? "laptopcomputer" : "externaldrive.fill"
@@ -60,7 +61,7 @@ Panel {
             borderless: true
             tip: qsTr("Remove")
             Accessible.description: row.name
-            onClicked: row.removed()
+            onClicked: row.removed(visualFocus)
         }
     }
 }

@@ -28,7 +28,11 @@ ColumnLayout {
             required property int index
 
             Layout.fillWidth: true
-            onRemoved: section.presenter.removeDestination(index)
+            onRemoved: byKeyboard => {
+                section.presenter.removeDestination(index)
+                if (byKeyboard)
+                    chooseButton.forceActiveFocus(Qt.TabFocusReason)
+            }
         }
     }
 
@@ -39,7 +43,12 @@ ColumnLayout {
             required property int index
 
             Layout.fillWidth: true
-            onClicked: section.presenter.addSuggested(index)
+            onClicked: {
+                const byKeyboard = visualFocus
+                section.presenter.addSuggested(index)
+                if (byKeyboard && chooseButton.visible)
+                    chooseButton.forceActiveFocus(Qt.TabFocusReason)
+            }
         }
     }
 
@@ -51,6 +60,8 @@ ColumnLayout {
     }
 
     PushButton {
+        id: chooseButton
+
         visible: section.presenter.canAdd
         text: qsTr("Choose Folder…")
         symbol: "folder"

@@ -2,7 +2,12 @@
 
 #include "OffloadKit/ErrorSentences.h"
 #include "OffloadKit/ResultTexts.h"
+#include "PlatformKit/ByteCount.h"
 #include "ZephrimarkOffload/Screens/Text.h"
+
+#include <algorithm>
+
+#include <QLocale>
 
 namespace ZephrimarkOffload {
 namespace {
@@ -66,8 +71,10 @@ QString DonePresenter::sentence() const {
   return QString::fromStdString(ResultTexts::sentence(*result_));
 }
 
+// With the user's own digit grouping, which the terminal and the report do not have.
 QString DonePresenter::files() const {
-  return QString::fromStdString(ResultTexts::files(*result_));
+  return QLocale().toString(static_cast<qulonglong>(result_->files.size())) + " · " +
+         QString::fromStdString(PlatformKit::byteCountText(result_->totalBytes()));
 }
 
 QString DonePresenter::took() const {
@@ -87,13 +94,21 @@ bool DonePresenter::isCardImageVerified() const {
   return result_->cardImage && result_->cardImage->outcome.isVerified();
 }
 
+QString DonePresenter::missingProof() const {
+  std::size_t drives = 0;
+  for (std::size_t i = 0; i < result_->plan.destinations.size(); ++i) {
+    if (result_->verifiedCount(i) > 0) ++drives;
+  }
+  if (std::min(result_->reports.size(), result_->mhlFiles.size()) >= drives) return {};
+  return "Not every drive got its report and its hash list: they could not be written.";
+}
+
 bool DonePresenter::canOpenReport() const {
   return !result_->reports.empty();
 }
 
-// The model drops a source that is gone, so this is about the card that was offloaded.
 bool DonePresenter::canEject() const {
-  return model_.source() == result_->plan.source && model_.sourceFacts().isVolumeRoot;
+  return model_.isSourceOfRun() && model_.sourceFacts().isVolumeRoot;
 }
 
 QString DonePresenter::ejectMessage() const {

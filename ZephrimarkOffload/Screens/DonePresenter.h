@@ -30,6 +30,7 @@ class DonePresenter final : public QObject {
   Q_PROPERTY(QStringList unreadable READ unreadable NOTIFY changed)
   Q_PROPERTY(QStringList failedFiles READ failedFiles NOTIFY changed)
 
+  Q_PROPERTY(QString missingProof READ missingProof NOTIFY changed)
   Q_PROPERTY(bool canOpenReport READ canOpenReport NOTIFY changed)
   Q_PROPERTY(bool canEject READ canEject NOTIFY changed)
   Q_PROPERTY(bool isEjecting READ isEjecting NOTIFY changed)
@@ -56,6 +57,8 @@ class DonePresenter final : public QObject {
   /// The first of what could not be read from the card, and of the files that failed somewhere.
   [[nodiscard]] QStringList unreadable() const { return unreadable_; }
   [[nodiscard]] QStringList failedFiles() const { return failedFiles_; }
+  /// A sentence when a drive with verified files lacks its records; else empty.
+  [[nodiscard]] QString missingProof() const;
   [[nodiscard]] bool canOpenReport() const;
   [[nodiscard]] bool canEject() const;
   [[nodiscard]] bool isEjecting() const { return model_.isEjecting(); }

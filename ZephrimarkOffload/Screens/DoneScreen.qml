@@ -12,61 +12,82 @@ ColumnLayout {
 
     spacing: 0
 
+    Timer {
+        id: justShown
+
+        interval: 500
+        running: true
+    }
+
     ScrollArea {
+        id: outcome
+
         Layout.fillWidth: true
         Layout.fillHeight: true
         inset: Brand.huge
 
-        ColumnLayout {
+        // No layout, since layouts in layouts come to rest only after several rounds.
+        Column {
             width: parent.width
+            // A short outcome stands a little above the middle.
+            y: Math.max(0, (outcome.height - 2 * outcome.inset - height) * 0.35)
             spacing: Brand.large
 
-            RowLayout {
-                spacing: Brand.large
+            Icon {
+                anchors.horizontalCenter: parent.horizontalCenter
+                name: screen.presenter.isVerified ? "checkmark.seal.fill" : "exclamationmark.triangle.fill"
+                color: screen.presenter.isVerified ? Brand.green : Brand.orange
+                size: 38
+            }
 
-                Icon {
-                    name: screen.presenter.isVerified ? "checkmark.seal.fill" : "exclamationmark.triangle.fill"
-                    color: screen.presenter.isVerified ? Brand.green : Brand.orange
-                    size: 38
+            Column {
+                width: parent.width
+                spacing: Brand.tiny
+
+                TextLabel {
+                    width: parent.width
+                    text: screen.presenter.title
+                    font: Brand.title2
+                    horizontalAlignment: Text.AlignHCenter
+                    wrapMode: Text.Wrap
+                    Accessible.role: Accessible.Heading
                 }
 
-                ColumnLayout {
-                    Layout.fillWidth: true
-                    spacing: 2
-
-                    TextLabel {
-                        Layout.fillWidth: true
-                        text: screen.presenter.title
-                        font: Brand.title2
-                        wrapMode: Text.Wrap
-                        Accessible.role: Accessible.Heading
-                    }
-
-                    TextLabel {
-                        Layout.fillWidth: true
-                        text: screen.presenter.sentence
-                        textFormat: Text.PlainText
-                        color: Brand.secondaryText
-                        wrapMode: Text.Wrap
-                    }
+                TextLabel {
+                    width: parent.width
+                    text: screen.presenter.sentence
+                    textFormat: Text.PlainText
+                    color: Brand.secondaryText
+                    horizontalAlignment: Text.AlignHCenter
+                    wrapMode: Text.Wrap
                 }
             }
 
-            GridLayout {
-                columns: 2
-                columnSpacing: Brand.large
-                rowSpacing: Brand.tiny
+            RowLayout {
+                width: parent.width
+                spacing: Brand.small
 
-                FigureLabel { text: qsTr("Files") }
-                TextLabel { text: screen.presenter.files }
-                FigureLabel { text: qsTr("Took") }
-                TextLabel { text: screen.presenter.took }
-                FigureLabel { text: qsTr("Checksum") }
-                TextLabel { text: screen.presenter.checksum }
+                FigureTile {
+                    Layout.fillWidth: true
+                    label: qsTr("Files")
+                    figure: screen.presenter.files
+                }
+
+                FigureTile {
+                    Layout.fillWidth: true
+                    label: qsTr("Took")
+                    figure: screen.presenter.took
+                }
+
+                FigureTile {
+                    Layout.fillWidth: true
+                    label: qsTr("Checksum")
+                    figure: screen.presenter.checksum
+                }
             }
 
             ColumnLayout {
-                Layout.fillWidth: true
+                width: parent.width
                 spacing: Brand.small
 
                 Repeater {
@@ -76,8 +97,8 @@ ColumnLayout {
                         required property int index
 
                         Layout.fillWidth: true
-                        buttonText: screen.showInFileBrowser
-                        onRevealed: screen.presenter.revealDrive(index)
+                        buttonText: screen.showInFileBrowser // qmllint disable unqualified
+                        onRevealed: screen.presenter.revealDrive(index) // qmllint disable unqualified
                     }
                 }
 
@@ -93,15 +114,24 @@ ColumnLayout {
                 }
             }
 
+            TextLabel {
+                visible: text !== ""
+                width: parent.width
+                text: screen.presenter.missingProof
+                font: Brand.callout
+                color: Brand.orange
+                wrapMode: Text.Wrap
+            }
+
             LineList {
-                Layout.fillWidth: true
+                width: parent.width
                 title: qsTr("Could not be read from the card")
                 note: qsTr("There may be more on the card than was copied. Don't erase it; try another reader, or look for the files with a card image.")
                 lines: screen.presenter.unreadable
             }
 
             LineList {
-                Layout.fillWidth: true
+                width: parent.width
                 title: qsTr("Not verified everywhere")
                 lines: screen.presenter.failedFiles
             }
@@ -158,7 +188,8 @@ ColumnLayout {
         PushButton {
             text: qsTr("New Offload")
             prominent: true
-            defaultAction: true
+            // A Return that was meant for what stood here before must not dismiss this unseen.
+            defaultAction: !justShown.running
             onClicked: screen.presenter.newOffload()
         }
     }

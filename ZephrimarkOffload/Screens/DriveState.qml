@@ -14,13 +14,14 @@ Panel {
     topPadding: 8
     bottomPadding: 8
 
-    Accessible.role: Accessible.ListItem
-    Accessible.name: place
-    Accessible.description: outcome
-
     RowLayout {
         anchors.fill: parent
         spacing: 10
+
+        // Not on the panel, whose template puts a role of its own in place of any other.
+        Accessible.role: Accessible.ListItem
+        Accessible.name: row.place
+        Accessible.description: row.outcome
 
         Icon {
             name: row.isProblem ? "exclamationmark.circle.fill" : "externaldrive"

@@ -14,15 +14,12 @@ DropArea {
 
     keys: ["text/uri-list"]
     onEntered: drag => {
-        accepts = presenter.areFolders(drag.urls)
+        accepts = presenter.canTake(drag.urls)
         drag.accepted = accepts
     }
     onExited: accepts = false
     onDropped: drop => {
-        if (isSource)
-            presenter.chooseSource(drop.urls[0])
-        else
-            drop.urls.forEach(url => presenter.addDestination(url))
+        presenter.take(drop.urls, isSource)
         accepts = false
     }
 

@@ -10,6 +10,13 @@ Item {
 
     signal back
 
+    Timer {
+        id: justShown
+
+        interval: 500
+        running: true
+    }
+
     ColumnLayout {
         anchors.centerIn: parent
         width: Math.min(460, parent.width - 2 * Brand.huge)
@@ -42,7 +49,8 @@ Item {
             Layout.alignment: Qt.AlignHCenter
             text: qsTr("Back")
             prominent: true
-            defaultAction: true
+            // A Return that was meant for what stood here before must not dismiss this unseen.
+            defaultAction: !justShown.running
             onClicked: screen.back()
         }
     }

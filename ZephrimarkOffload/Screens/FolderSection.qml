@@ -46,6 +46,8 @@ ColumnLayout {
         TextLabel {
             id: nameLabel
 
+            // Both fields begin at one line.
+            Layout.minimumWidth: Math.ceil(Math.max(implicitWidth, projectLabel.implicitWidth))
             text: qsTr("Name")
             font: Brand.callout
         }
@@ -81,6 +83,7 @@ ColumnLayout {
         TextLabel {
             id: projectLabel
 
+            Layout.minimumWidth: nameLabel.Layout.minimumWidth
             text: qsTr("Project")
             font: Brand.callout
         }

@@ -10,7 +10,9 @@ ApplicationWindow {
 
     required property Shell shell
     required property UpdatePresenter updates
-    // Set when the window was to be closed during an offload: it closes when that has stopped.
+    // The window was to be closed during an offload, and the question about it is open.
+    property bool wasToClose: false
+    // It closes when the offload has stopped, or the card is ejected.
     property bool closesWhenStopped: false
 
     title: qsTr("Zephrimark Offload")
@@ -19,10 +21,14 @@ ApplicationWindow {
     color: Brand.window
 
     onClosing: event => {
-        if (!shell.isRunning)
+        if (!shell.isRunning && !shell.isEjecting)
             return
         event.accepted = false
-        closesWhenStopped = true
+        if (!shell.isRunning || shell.running.isStopping) {
+            closesWhenStopped = true
+            return
+        }
+        wasToClose = true
         stopQuestion.open()
     }
 
@@ -33,7 +39,19 @@ ApplicationWindow {
             if (window.shell.isRunning)
                 return
             stopQuestion.close()
-            if (window.closesWhenStopped)
+            // An outcome that nobody asked to do without is shown.
+            const closes = window.closesWhenStopped && window.shell.stage === "setup"
+            window.wasToClose = false
+            window.closesWhenStopped = false
+            if (closes)
+                window.close()
+        }
+
+        function onEjectChanged() {
+            if (window.shell.isEjecting || !window.closesWhenStopped)
+                return
+            window.closesWhenStopped = false
+            if (window.shell.isEjected)
                 window.close()
         }
     }
@@ -85,6 +103,7 @@ ApplicationWindow {
         }
     }
 
+    // qmllint disable unqualified
     Component {
         id: setup
 
@@ -117,6 +136,7 @@ ApplicationWindow {
             onBack: window.shell.back()
         }
     }
+    // qmllint enable unqualified
 
     DropZones {
         anchors.fill: parent
@@ -132,8 +152,11 @@ ApplicationWindow {
         message: qsTr("Files already verified stay on the drives. Start again with the same card and drives to pick up where it left off.")
         confirmText: qsTr("Stop")
         cancelText: qsTr("Keep Going")
-        onAccepted: window.shell.running.stop()
-        onRejected: window.closesWhenStopped = false
+        onAccepted: {
+            window.closesWhenStopped = window.wasToClose
+            window.shell.running.stop()
+        }
+        onRejected: window.wasToClose = false
     }
 
     AboutDialog {
@@ -170,7 +193,8 @@ ApplicationWindow {
     }
 
     Shortcut {
-        sequences: [StandardKey.Quit]
+        // Not the standard key for it, which exists on some desktops only.
+        sequence: "Ctrl+Q"
         onActivated: window.close()
     }
 }

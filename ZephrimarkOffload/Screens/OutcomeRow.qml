@@ -18,35 +18,36 @@ Panel {
     topPadding: 8
     bottomPadding: 8
 
-    Accessible.role: Accessible.ListItem
-    Accessible.name: name
-    Accessible.description: detail
-
     RowLayout {
         anchors.fill: parent
         spacing: 10
 
+        // Not on the panel, whose template puts a role of its own in place of any other.
+        Accessible.role: Accessible.ListItem
+        Accessible.name: row.name
+        Accessible.description: row.detail
+
         Icon {
             name: row.isVerified ? "checkmark.circle.fill" : "exclamationmark.circle.fill"
             color: row.isVerified ? Brand.green : Brand.orange
-            size: 20
+            size: 22
         }
 
         ColumnLayout {
             Layout.fillWidth: true
-            spacing: 0
+            spacing: 1
 
             ElidedLabel {
                 Layout.fillWidth: true
                 text: row.name
-                font: Brand.calloutStrong
+                font: Brand.bodyStrong
             }
 
             TextLabel {
                 Layout.fillWidth: true
                 text: row.detail
                 textFormat: Text.PlainText
-                font: Brand.caption
+                font: Brand.callout
                 color: Brand.secondaryText
                 wrapMode: Text.Wrap
             }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OffloadKit/OffloadProgress.h"
+#include "PlatformKit/Dates.h"
 
 #include <cstddef>
 #include <string>
@@ -15,18 +16,18 @@ class RunLog {
   /// `driveNames`: of the destinations, in their order.
   explicit RunLog(std::vector<std::string> driveNames);
 
-  /// Takes in the next report; answers whether there are new lines. `time`: of now, as it is shown.
-  bool add(const OffloadKit::OffloadProgress& progress, const std::string& time);
+  /// Takes in the next report, which came at `time`; answers whether there are new lines.
+  bool add(const OffloadKit::OffloadProgress& progress, PlatformKit::Date time);
 
   struct Line {
-    std::string time;
+    PlatformKit::Date time;
     std::string text;
     bool isProblem = false;
   };
   [[nodiscard]] const std::vector<Line>& lines() const { return lines_; }
 
  private:
-  void addProblems(const OffloadKit::OffloadProgress& progress, const std::string& time);
+  void addProblems(const OffloadKit::OffloadProgress& progress, PlatformKit::Date time);
 
   std::vector<std::string> driveNames_;
   std::vector<std::string> lastFailures_;

@@ -37,8 +37,7 @@ void RunningPresenter::stageChanged() {
 void RunningPresenter::progressed() {
   // Every report counts for what happened, also those that are not shown.
   if (model_.progress()) {
-    const std::string time = PlatformKit::localDateText(model_.now(), "%H:%M");
-    if (events_.add(*model_.progress(), time)) showLog();
+    if (events_.add(*model_.progress(), model_.now())) showLog();
   }
   if (next_.isActive()) {
     isWaiting_ = true;
@@ -60,14 +59,15 @@ void RunningPresenter::show() {
 
 void RunningPresenter::showDrives() {
   std::vector<QVariantMap> rows;
-  for (std::size_t i = 0; i < model_.destinations().size(); ++i) {
+  const auto& destinations = model_.runDestinations();
+  for (std::size_t i = 0; i < destinations.size(); ++i) {
     const auto& names = model_.driveNames();
-    QVariantMap row{{"key", static_cast<int>(i)},
-                    {"place", lineText((i < names.size() ? names[i] : "") + ": " +
-                                       model_.destinations()[i].native())},
-                    {"outcome", QString()},
-                    {"fraction", 0.0},
-                    {"isProblem", false}};
+    QVariantMap row{
+        {"key", static_cast<int>(i)},
+        {"place", lineText((i < names.size() ? names[i] : "") + ": " + destinations[i].native())},
+        {"outcome", QString()},
+        {"fraction", 0.0},
+        {"isProblem", false}};
     if (shown_ && i < shown_->drives.size()) {
       const auto& drive = shown_->drives[i];
       row["outcome"] = QString::fromStdString(RunningTexts::drive(drive));
@@ -83,20 +83,21 @@ void RunningPresenter::showDrives() {
 void RunningPresenter::showLog() {
   std::vector<QVariantMap> rows;
   for (const RunLog::Line& line : events_.lines()) {
-    rows.push_back({{"key", static_cast<int>(rows.size())},
-                    {"time", QString::fromStdString(line.time)},
-                    {"text", lineText(line.text)},
-                    {"isProblem", line.isProblem}});
+    rows.push_back(
+        {{"key", static_cast<int>(rows.size())},
+         {"time", QString::fromStdString(PlatformKit::localDateText(line.time, "%H:%M"))},
+         {"text", lineText(line.text)},
+         {"isProblem", line.isProblem}});
   }
   logRows_.setRows(rows);
 }
 
 QString RunningPresenter::heading() const {
-  return "Offloading " + lineText(model_.sourceName());
+  return "Offloading " + lineText(model_.runPlan().sourceName);
 }
 
 QString RunningPresenter::phase() const {
-  return QString::fromStdString(RunningTexts::phase(shown_, model_.destinations().size()));
+  return QString::fromStdString(RunningTexts::phase(shown_, model_.runDestinations().size()));
 }
 
 double RunningPresenter::fraction() const {

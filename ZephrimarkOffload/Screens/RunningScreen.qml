@@ -14,10 +14,12 @@ ColumnLayout {
     spacing: 0
 
     ColumnLayout {
+        id: figures
+
         Layout.fillWidth: true
         Layout.margins: Brand.huge
-        Layout.bottomMargin: Brand.large
-        spacing: Brand.medium
+        Layout.bottomMargin: Brand.medium
+        spacing: 10
 
         RowLayout {
             spacing: Brand.large
@@ -54,27 +56,51 @@ ColumnLayout {
             name: qsTr("Progress")
         }
 
-        GridLayout {
-            columns: 2
-            columnSpacing: Brand.large
-            rowSpacing: Brand.tiny
+        RowLayout {
+            spacing: Brand.small
 
-            FigureLabel { text: qsTr("Files") }
-            Figures { text: screen.presenter.files; font: Brand.body; color: Brand.text }
-            FigureLabel { text: qsTr("Speed") }
-            Figures { text: screen.presenter.speed; font: Brand.body; color: Brand.text }
-            FigureLabel { text: qsTr("Left") }
-            Figures { text: screen.presenter.remaining; font: Brand.body; color: Brand.text }
-            FigureLabel { text: qsTr("Now") }
+            // All as wide, whatever they show, so that growing numbers move nothing.
+            FigureTile {
+                Layout.fillWidth: true
+                Layout.preferredWidth: 1
+                label: qsTr("Files")
+                figure: screen.presenter.files
+            }
+
+            FigureTile {
+                Layout.fillWidth: true
+                Layout.preferredWidth: 1
+                label: qsTr("Speed")
+                figure: screen.presenter.speed
+            }
+
+            FigureTile {
+                Layout.fillWidth: true
+                Layout.preferredWidth: 1
+                label: qsTr("Left")
+                figure: screen.presenter.remaining
+            }
+        }
+
+        RowLayout {
+            spacing: Brand.small
+
+            FigureLabel {
+                text: qsTr("Now")
+                font: Brand.callout
+            }
 
             ElidedLabel {
                 Layout.fillWidth: true
                 text: screen.presenter.currentFile
+                font: Brand.callout
             }
         }
     }
 
     ColumnLayout {
+        id: drives
+
         Layout.fillWidth: true
         Layout.leftMargin: Brand.huge
         Layout.rightMargin: Brand.huge
@@ -88,16 +114,30 @@ ColumnLayout {
     }
 
     EventList {
+        id: log
+
+        // With less room than for a line or two it gives way: the drives show the problems too.
+        readonly property real room: screen.height - figures.implicitHeight - drives.implicitHeight - footer.implicitHeight
+
+        visible: events.count > 0 && room > 150
+
         Layout.fillWidth: true
         Layout.fillHeight: true
         Layout.margins: Brand.huge
-        Layout.topMargin: Brand.large
+        Layout.topMargin: Brand.medium
         events: screen.presenter.log
+    }
+
+    Item {
+        visible: !log.visible
+        Layout.fillHeight: true
     }
 
     Divider {}
 
     RowLayout {
+        id: footer
+
         Layout.fillWidth: true
         Layout.leftMargin: Brand.huge
         Layout.rightMargin: Brand.huge

@@ -8,8 +8,6 @@
 #include <algorithm>
 #include <chrono>
 
-#include <QFileInfo>
-
 namespace ZephrimarkOffload {
 namespace {
 
@@ -98,10 +96,15 @@ void SetupPresenter::chooseSource(const QUrl& folder) {
   if (!path.empty()) model_.setSource(path);
 }
 
-bool SetupPresenter::areFolders(const QList<QUrl>& urls) {
-  return !urls.isEmpty() && std::all_of(urls.begin(), urls.end(), [](const QUrl& url) {
-    return QFileInfo(url.toLocalFile()).isDir();
-  });
+bool SetupPresenter::canTake(const QList<QUrl>& urls) {
+  return !urls.isEmpty() && std::all_of(urls.begin(), urls.end(),
+                                        [](const QUrl& url) { return !pathOf(url).empty(); });
+}
+
+void SetupPresenter::take(const QList<QUrl>& urls, bool asSource) {
+  for (const QUrl& url : asSource ? urls.mid(0, 1) : urls) {
+    model_.takeFolder(pathOf(url), asSource);
+  }
 }
 
 // Destinations
@@ -133,9 +136,11 @@ void SetupPresenter::updateSuggested() {
   if (canAdd()) {
     for (const auto& drive : model_.suggestedDrives()) {
       const auto available = static_cast<std::uint64_t>(std::max<std::int64_t>(drive.available, 0));
-      rows.push_back({{"key", keyOf(drive.url)},
-                      {"name", lineText(drive.name)},
-                      {"free", toText(SetupTexts::freeText(available))}});
+      rows.push_back(
+          {{"key", keyOf(drive.url)},
+           {"name", lineText(drive.name)},
+           // A drive that has not answered is not a full one.
+           {"free", drive.capacity > 0 ? toText(SetupTexts::freeText(available)) : QString()}});
     }
   }
   suggestedDrives_.setRows(rows);
@@ -220,7 +225,10 @@ QString SetupPresenter::templateText() const {
 }
 
 void SetupPresenter::setTemplateText(const QString& text) {
-  if (text != templateText()) model_.setPreset({text.toStdString()});
+  if (text == templateText()) return;
+  // Also when it is one of the presets on the way to something longer.
+  customPreset_ = true;
+  model_.setPreset({text.toStdString()});
 }
 
 QString SetupPresenter::tokensHelp() {

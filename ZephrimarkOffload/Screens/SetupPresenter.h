@@ -102,8 +102,10 @@ class SetupPresenter final : public QObject {
   Q_INVOKABLE void choosePreset(int index);
   Q_INVOKABLE void chooseSource(const QUrl& folder);
   Q_INVOKABLE void addDestination(const QUrl& folder);
-  /// Whether all of these are folders on this computer.
-  Q_INVOKABLE static bool areFolders(const QList<QUrl>& urls);
+  /// Whether all of these are items on this computer, which may be folders.
+  Q_INVOKABLE static bool canTake(const QList<QUrl>& urls);
+  /// Takes dropped folders: the first as the source, or all as destinations.
+  Q_INVOKABLE void take(const QList<QUrl>& urls, bool asSource);
   Q_INVOKABLE void start() { model_.start(); }
   /// The screen is shown anew: a template that is one of the presets is no custom one any more.
   Q_INVOKABLE void reopen();

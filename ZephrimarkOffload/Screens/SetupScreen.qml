@@ -19,29 +19,30 @@ ColumnLayout {
         Layout.fillHeight: true
         inset: Brand.huge
 
-        ColumnLayout {
+        // No layout, since layouts in layouts come to rest only after several rounds.
+        Column {
             width: parent.width
             spacing: 14
 
             CardSection {
-                Layout.fillWidth: true
+                width: parent.width
                 presenter: screen.presenter
                 onFolderWanted: sourceDialog.open()
             }
 
             DestinationSection {
-                Layout.fillWidth: true
+                width: parent.width
                 presenter: screen.presenter
                 onFolderWanted: destinationDialog.open()
             }
 
             FolderSection {
-                Layout.fillWidth: true
+                width: parent.width
                 presenter: screen.presenter
             }
 
             ChecksSection {
-                Layout.fillWidth: true
+                width: parent.width
                 presenter: screen.presenter
             }
         }

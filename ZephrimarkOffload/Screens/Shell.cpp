@@ -14,9 +14,10 @@ Shell::Shell(OffloadModel& model, PlatformKit::Path home, DonePresenter::PathAct
       done_(model, std::move(reveal), std::move(open)) {
   // Behind the screens' own: when one becomes visible, what it shows is there.
   connect(&model_, &OffloadModel::stageChanged, this, &Shell::stageChanged);
+  connect(&model_, &OffloadModel::ejectChanged, this, &Shell::ejectChanged);
   for (const auto signal : {&OffloadModel::stageChanged, &OffloadModel::sourceChanged,
                             &OffloadModel::destinationsChanged, &OffloadModel::optionsChanged,
-                            &OffloadModel::progressChanged}) {
+                            &OffloadModel::progressChanged, &OffloadModel::ejectChanged}) {
     connect(&model_, signal, this, &Shell::update);
   }
   update();
@@ -25,8 +26,10 @@ Shell::Shell(OffloadModel& model, PlatformKit::Path home, DonePresenter::PathAct
 // Reports come often, and hardly one changes the line.
 void Shell::update() {
   const QString status = QString::fromStdString(model_.stepStatus());
-  if (status == stepStatus_) return;
+  const int step = model_.step();
+  if (status == stepStatus_ && step == step_) return;
   stepStatus_ = status;
+  step_ = step;
   emit changed();
 }
 

@@ -21,6 +21,9 @@ class Shell final : public QObject {
   Q_PROPERTY(int step READ step NOTIFY changed)
   Q_PROPERTY(QString stepStatus READ stepStatus NOTIFY changed)
   Q_PROPERTY(bool isRunning READ isRunning NOTIFY stageChanged)
+  Q_PROPERTY(bool isEjecting READ isEjecting NOTIFY ejectChanged)
+  // Whether the last ejecting was done.
+  Q_PROPERTY(bool isEjected READ isEjected NOTIFY ejectChanged)
   Q_PROPERTY(QString failedMessage READ failedMessage NOTIFY stageChanged)
   Q_PROPERTY(QString showInFileBrowser READ showInFileBrowser CONSTANT)
   Q_PROPERTY(QString version READ version CONSTANT)
@@ -35,9 +38,11 @@ class Shell final : public QObject {
 
   [[nodiscard]] QString stage() const;
   [[nodiscard]] static QStringList steps();
-  [[nodiscard]] int step() const { return model_.step(); }
+  [[nodiscard]] int step() const { return step_; }
   [[nodiscard]] QString stepStatus() const { return stepStatus_; }
   [[nodiscard]] bool isRunning() const { return model_.stage().kind() == Stage::Kind::running; }
+  [[nodiscard]] bool isEjecting() const { return model_.isEjecting(); }
+  [[nodiscard]] bool isEjected() const { return model_.isEjected(); }
   [[nodiscard]] QString failedMessage() const;
   [[nodiscard]] static QString showInFileBrowser();
   [[nodiscard]] static QString version();
@@ -50,6 +55,7 @@ class Shell final : public QObject {
 
  Q_SIGNALS:
   void stageChanged();
+  void ejectChanged();
   void changed();
 
  private:
@@ -60,6 +66,7 @@ class Shell final : public QObject {
   RunningPresenter running_;
   DonePresenter done_;
   QString stepStatus_;
+  int step_ = 0;
 };
 
 }  // namespace ZephrimarkOffload

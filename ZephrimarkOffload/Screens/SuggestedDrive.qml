@@ -22,8 +22,14 @@ T.Button {
     Accessible.onPressAction: row.clicked()
 
     Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Return || event.key === Qt.Key_Enter
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
+    Keys.onReturnPressed: event => pressedByKey(event)
+    Keys.onEnterPressed: event => pressedByKey(event)
+
+    // A held key repeats; one press is one press.
+    function pressedByKey(event: var) {
+        if (!event.isAutoRepeat)
+            clicked()
+    }
 
     contentItem: RowLayout {
         spacing: 10

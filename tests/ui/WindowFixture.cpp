@@ -1,12 +1,9 @@
 #include "WindowFixture.h"
 
-#include "ZephrimarkUI/Setup.h"
-
 #include <stdexcept>
 
-#include <QtCore/QTemporaryDir>
+#include <QtCore/QCoreApplication>
 #include <QtGui/QAccessible>
-#include <QtGui/QGuiApplication>
 #include <QtTest/QTest>
 
 namespace {
@@ -17,22 +14,6 @@ QStringList warnings;
 
 void collect(QtMsgType type, const QMessageLogContext&, const QString& text) {
   if (type != QtDebugMsg && type != QtInfoMsg) warnings.append(text);
-}
-
-void startApplication() {
-  if (QCoreApplication::instance() != nullptr) return;
-  static const QTemporaryDir folder;
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  qputenv("QT_QUICK_BACKEND", "software");
-  for (const char* variable : {"XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "XDG_CACHE_HOME"}) {
-    qputenv(variable, folder.path().toUtf8());
-  }
-  static int count = 1;
-  static char name[] = "window";
-  static char* arguments[] = {name, nullptr};
-  static const QGuiApplication application(count, arguments);
-  ZephrimarkUI::prepareApplication();
-  QAccessible::setActive(true);
 }
 
 void collectVisible(QQuickItem* item, std::vector<QQuickItem*>& found) {
@@ -49,7 +30,6 @@ bool takesTab(const QQuickItem* item) {
 }  // namespace
 
 void WindowTest::SetUp() {
-  startApplication();
   warnings.clear();
   qInstallMessageHandler(collect);
 }
@@ -108,15 +88,18 @@ QString WindowTest::nameOf(QObject* object) {
 QQuickItem* WindowTest::control(const QString& name) const {
   for (QQuickItem* item : items()) {
     const bool isEntry = item->inherits("QQuickMenuItem") || item->inherits("QQuickItemDelegate");
-    if ((takesTab(item) || isEntry) && nameOf(item).startsWith(name)) return item;
+    if ((takesTab(item) && nameOf(item).startsWith(name)) ||
+        (isEntry && item->property("text") == name)) {
+      return item;
+    }
   }
   return nullptr;
 }
 
 void WindowTest::click(const QString& name) {
-  QTest::qWaitFor([&] { return control(name) != nullptr && control(name)->isEnabled(); });
+  const auto isThere = [&] { return control(name) != nullptr && control(name)->isEnabled(); };
+  if (!QTest::qWaitFor(isThere)) throw std::runtime_error("No control " + name.toStdString());
   QQuickItem* item = control(name);
-  if (item == nullptr) throw std::runtime_error("There is no control " + name.toStdString());
   if (takesTab(item)) item->forceActiveFocus(Qt::OtherFocusReason);  // scrolls to it
   QTest::mouseClick(&window(), Qt::LeftButton, {},
                     item->mapToScene({item->width() / 2, item->height() / 2}).toPoint());

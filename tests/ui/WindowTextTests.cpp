@@ -7,6 +7,7 @@
 #include <map>
 
 #include <QtCore/QRegularExpression>
+#include <QtGui/QAccessible>
 #include <QtTest/QTest>
 
 namespace {
@@ -36,29 +37,38 @@ class WindowTexts : public WindowTest {
     return found;
   }
 
-  void expectTextsFit() const {
+  /// What a visible text suffers from where the window is too small for it.
+  [[nodiscard]] QStringList misfits() const {
     constexpr int kElideNone = 3;
+    constexpr double kLeastOfElided = 20;
     const QRectF whole(QPointF(), QSizeF(demo_->window().size()));
+    QStringList found;
     for (const QQuickItem* item : textItems()) {
-      const std::string text = item->property("text").toString().toStdString();
-      EXPECT_GT(item->width(), 4) << text;
-      EXPECT_TRUE(whole.contains(seen(item))) << text << " leaves the window";
-      if (item->property("elide").toInt() != kElideNone) continue;
-      EXPECT_LE(item->property("contentWidth").toReal(), item->width() + 0.5) << text;
-      EXPECT_LE(item->property("contentHeight").toReal(), item->height() + 0.5) << text;
+      const QString text = item->property("text").toString();
+      const bool isElided = item->property("elide").toInt() != kElideNone;
+      if (!whole.contains(seen(item))) found << text + " leaves the window";
+      if (isElided && item->width() < kLeastOfElided) found << text + " is squeezed away";
+      if (isElided) continue;
+      if (item->property("contentWidth").toReal() > item->width() + 0.5 ||
+          item->property("contentHeight").toReal() > item->height() + 0.5) {
+        found << text + " is cut off";
+      }
     }
+    return found;
   }
 
-  void expectNothingOverlaps() const {
+  [[nodiscard]] QStringList overlaps() const {
+    QStringList found;
     const auto items = textItems();
     for (std::size_t i = 0; i < items.size(); ++i) {
       for (std::size_t j = i + 1; j < items.size(); ++j) {
         const QRectF both = seen(items[i]) & seen(items[j]);
-        EXPECT_TRUE(both.width() < 1 || both.height() < 1)
-            << items[i]->property("text").toString().toStdString() << " | "
-            << items[j]->property("text").toString().toStdString();
+        if (both.width() < 1 || both.height() < 1) continue;
+        found << items[i]->property("text").toString() + " lies on " +
+                     items[j]->property("text").toString();
       }
     }
+    return found;
   }
 };
 
@@ -70,20 +80,20 @@ const std::map<std::string, QStringList> kTexts = {
       "each folder as an ASC MHL file.",
       "Available when offloading a whole card."}},
     {"setup-ready",
-     {"A001", "64.2 GB used of 128 GB", "1204 files · 64.2 GB · Canon", "Shuttle 1",
+     {"A001", "64.21 GB used of 128 GB", "1204 files · 64.21 GB · Canon", "Shuttle 1",
       "Top level of the drive", "1.62 TB free", "Add Archive", "Files go into", "2026-10-07/A001",
-      "on each drive", "128 GB on Backup", "64.2 GB to 2 drives",
+      "on each drive", "128 GB on Backup", "64.21 GB to 2 drives",
       "Ready. Check the folder name, then press Start Offload."}},
     {"setup-blocked", {"Archive doesn't have room for this card.", "20 GB free"}},
     {"setup-custom", {"Folder", "Harbour Film/2026-10-07_Canon/A001", "Project"}},
-    {"setup-long-names", {"64.2 GB to 2 drives"}},
+    {"setup-long-names", {"64.21 GB to 2 drives"}},
     {"running",
-     {"Offloading A001", "37%", "459 of 1204", "About 3 min 41 s", "458 verified", "So far",
-      "Found 1204 files, 64.2 GB", "459 verified", "Backup: The copy didn't match the original",
+     {"Offloading A001", "37%", "459 of 1204", "About 3 min 41 s", "So far",
+      "Found 1204 files, 64.21 GB", "459 verified", "Backup: The copy didn't match the original",
       "Keep the card and drives connected until the offload is verified."}},
     {"stop-question", {"Stop the offload?", "Keep Going"}},
     {"done",
-     {"Offload verified", "1,204 · 64.2 GB", "1204 of 1204 verified", "XXH64, card read twice",
+     {"Offload verified", "1,204 · 64.21 GB", "1204 of 1204 verified", "XXH64, card read twice",
       "Every file from A001 was copied and read back identical on both drives.", "Show in Files"}},
     {"done-failed",
      {"Some files weren't verified", "1159 of 1204 verified · stopped: The drive was disconnected",
@@ -96,7 +106,7 @@ const std::map<std::string, QStringList> kTexts = {
       "128 GB verified · 3 unreadable blocks saved as zeros · open it in Zephrimark "
       "Kestrine to look for deleted files"}},
     {"failed",
-     {"The offload couldn't start", "Backup (A001) needs 64.3 GB free but has 51.2 GB.", "Back"}},
+     {"The offload couldn't start", "Backup (A001) needs 64.31 GB free but has 51.2 GB.", "Back"}},
     {"about", {"OK"}}};
 
 }  // namespace
@@ -120,8 +130,45 @@ TEST_F(WindowTexts, fitIntoTheSmallestWindow) {
     EXPECT_EQ(window().size(), kSmallest);
     EXPECT_EQ(window().minimumSize(), kSmallest);
     ASSERT_TRUE(shows(kTexts.at(scene).front()));
-    expectTextsFit();
-    if (Demo::sceneNamed(scene)->dialog.empty()) expectNothingOverlaps();
+    const bool isPlain = Demo::sceneNamed(scene)->dialog.empty();
+    const auto faults = [&] { return misfits() + (isPlain ? overlaps() : QStringList()); };
+    // Layouts within layouts take a few rounds.
+    EXPECT_TRUE(QTest::qWaitFor([&] { return faults().isEmpty(); }))
+        << faults().join(u'\n').toStdString();
+  }
+}
+
+TEST_F(WindowTexts, assistiveTechnologyHearsTheSame) {
+  struct Heard {
+    const char* scene;
+    QAccessible::Role role;
+    const char* name;
+    const char* description;
+  };
+  const std::vector<Heard> all = {
+      {"setup-ready", QAccessible::Heading, "Copy to",
+       "Complete. Up to 3 drives, written at the same time"},
+      {"setup-ready", QAccessible::ListItem, "Shuttle 1", "Top level of the drive, 1.62 TB free"},
+      {"setup-ready", QAccessible::ComboBox, "Checksum, XXH64", ""},
+      {"setup-ready", QAccessible::Button, "Start Offload", ""},
+      {"running", QAccessible::Heading, "Offloading A001", ""},
+      {"running", QAccessible::ProgressBar, "Progress", "37 percent"},
+      {"running", QAccessible::StaticText, "About 3 min 41 s", ""},
+      {"running", QAccessible::ListItem, "Shuttle 1: /media/kim/Shuttle 1", "459 verified"},
+      {"done", QAccessible::Heading, "Offload verified", ""},
+      {"done", QAccessible::ListItem, "Backup", "1204 of 1204 verified"}};
+  for (const Heard& heard : all) {
+    open(heard.scene);
+    const auto isHeard = [&] {
+      const auto shown = items();
+      return std::any_of(shown.begin(), shown.end(), [&](QQuickItem* item) {
+        QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(item);
+        return accessible != nullptr && accessible->role() == heard.role &&
+               accessible->text(QAccessible::Name) == heard.name &&
+               accessible->text(QAccessible::Description) == heard.description;
+      });
+    };
+    EXPECT_TRUE(QTest::qWaitFor(isHeard)) << heard.scene << ": " << heard.name;
   }
 }
 
@@ -163,10 +210,13 @@ TEST_F(WindowTexts, growingNumbersMoveNothing) {
   };
   open(scene);
   const auto places = [this] {
+    window().grabWindow();  // lays everything out
     std::map<QString, QPointF> found;
     for (const QQuickItem* item : textItems()) {
       const QString text = item->property("text").toString();
-      if (!text.contains(QRegularExpression("\\d|About|B/s"))) found[text] = seen(item).topLeft();
+      const bool isPartOfFigures = item->parentItem()->inherits("QQuickRow");
+      const bool isNumber = text.contains(QRegularExpression("\\d"));
+      if (!isPartOfFigures && !isNumber) found[text] = seen(item).topLeft();
     }
     return found;
   };
@@ -175,9 +225,9 @@ TEST_F(WindowTexts, growingNumbersMoveNothing) {
   EXPECT_EQ(before.count("Speed"), 1U);
   grown = true;
   ASSERT_TRUE(shows("123455 of 123456"));
-  QTest::qWait(0);
   for (const auto& [text, place] : places()) {
-    if (before.count(text) == 1) EXPECT_EQ(place, before.at(text)) << text.toStdString();
+    if (before.count(text) == 0) continue;
+    EXPECT_EQ(place, before.at(text)) << text.toStdString();
   }
   demo_.reset();  // the script uses `grown`
 }

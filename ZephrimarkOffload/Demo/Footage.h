@@ -1,0 +1,14 @@
+#pragma once
+
+#include "OffloadKit/SourceFile.h"
+#include "ZephrimarkOffload/Model/DiskQuestions.h"
+
+#include <vector>
+
+namespace ZephrimarkOffload::Demo {
+
+/// So many made-up clips and sound files, as a camera names them, with these bytes in all. The same
+/// for the same content. Any thread.
+std::vector<OffloadKit::SourceFile> footage(const SourceCount& content);
+
+}  // namespace ZephrimarkOffload::Demo

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "ZephrimarkOffload/Model/Desktop.h"
+
+namespace ZephrimarkOffload::Demo {
+
+/// A desktop without services, so that a demonstration disturbs nobody.
+class QuietDesktop final : public Desktop {
+ public:
+  void requestNotificationPermission() override {}
+  void notify(const QString&, const QString&) override {}
+  void setBadge(std::optional<double>) override {}
+  void holdAwake(const QString&) override {}
+  void releaseAwake() override {}
+};
+
+}  // namespace ZephrimarkOffload::Demo
