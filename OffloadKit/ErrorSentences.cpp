@@ -45,7 +45,13 @@ std::string displayName(PlatformKit::System system, const PlatformKit::Path& des
 
 PlatformKit::Path nearestExisting(PlatformKit::FileSystem& fileSystem,
                                   const PlatformKit::Path& path) {
+  // No system call takes a longer path, and to shorten it by one component after the other takes time
+  // with the square of its length.
+  constexpr std::size_t kLongest = 4096;
   PlatformKit::Path current = path;
+  if (path.native().size() > kLongest) {
+    current = PlatformKit::Path(path.native().substr(0, kLongest)).parent_path();
+  }
   while (current.has_relative_path() && !fileSystem.resolve(current).ok()) {
     current = current.parent_path();
   }

@@ -82,7 +82,7 @@ std::string chainDocument(const std::vector<ChainEntry>& chain) {
   for (const ChainEntry& entry : chain) {
     text += "  <hashlist sequencenr=\"" + std::to_string(entry.sequence) + "\">\n";
     text += "    <path>" + escapeMarkup(entry.path) + "</path>\n";
-    text += "    <c4>" + entry.c4 + "</c4>\n";
+    text += "    <c4>" + escapeMarkup(entry.c4) + "</c4>\n";
     text += "  </hashlist>\n";
   }
   return text + "</ascmhldirectory>\n";

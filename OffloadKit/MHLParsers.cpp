@@ -4,6 +4,7 @@
 
 #include <charconv>
 #include <new>
+#include <set>
 
 #include <expat.h>
 
@@ -15,6 +16,11 @@ constexpr std::size_t kLongestText = std::size_t{1} << 20;
 
 // How far the reader may fall behind what it was fed, waiting for the end of one tag.
 constexpr std::int64_t kLongestToken = std::int64_t{4} << 20;
+
+// Expat keeps what is open and every name it has met; the format nests less than ten elements and has
+// less than a hundred names.
+constexpr std::size_t kDeepest = 100;
+constexpr std::size_t kLargestVocabulary = std::size_t{1} << 20;  // bytes
 
 std::int64_t sequenceOf(std::string_view text) {
   if (text.starts_with('+')) {
@@ -53,11 +59,23 @@ struct XMLReader::Expat {
   static void onStart(void* user, const XML_Char* name, const XML_Char** attributes) {
     Expat& self = of(user);
     self.reader.text_.clear();
+    ++self.depth;
+    self.learn(name);
+    for (const XML_Char** at = attributes; *at != nullptr; at += 2) self.learn(*at);
+    if (self.isTooMuch()) {
+      XML_StopParser(self.parser, XML_FALSE);
+      return;
+    }
     self.reader.startElement(name, attributes);
   }
   static void onEnd(void* user, const XML_Char* name) {
     Expat& self = of(user);
+    // An element without content still ends after its start has stopped the parser.
+    if (self.isTooMuch()) return;
+    --self.depth;
     self.reader.endElement(name, PlatformKit::trimmed(self.reader.text_));
+    // Or the ends of many elements would trim one long text again and again.
+    self.reader.text_.clear();
   }
   static void onText(void* user, const XML_Char* text, int length) {
     std::string& collected = of(user).reader.text_;
@@ -67,8 +85,21 @@ struct XMLReader::Expat {
     XML_StopParser(of(user).parser, XML_FALSE);
   }
 
+  void learn(std::string_view name) {
+    constexpr std::size_t kBeside = 100;  // bytes that a name takes beside its own
+    if (isTooMuch() || names.find(name) != names.end()) return;
+    names.emplace(name);
+    vocabulary += name.size() + kBeside;
+  }
+  [[nodiscard]] bool isTooMuch() const {
+    return depth > kDeepest || vocabulary > kLargestVocabulary;
+  }
+
   XML_Parser parser;
   XMLReader& reader;
+  std::size_t depth = 0;
+  std::set<std::string, std::less<>> names;
+  std::size_t vocabulary = 0;
   std::int64_t fed = 0;
   bool faulty = false;
 };

@@ -20,7 +20,8 @@ struct ChainEntry {
 
 /// Event-driven reader of XML that may be damaged or hostile: it is fed in pieces of any size,
 /// takes what is complete, and stops for good at the first fault. Document types, and with them
-/// entities, count as a fault; so does a tag that never ends. Element names are compared as
+/// entities, count as a fault; so do a tag that never ends, elements nested too deep and too many
+/// different names, since all of these take memory without bound. Element names are compared as
 /// written. One thread.
 class XMLReader {
  public:
@@ -35,7 +36,7 @@ class XMLReader {
  protected:
   /// `attributes`: names and values in turn, then null.
   virtual void startElement(std::string_view name, const char** attributes) = 0;
-  /// `text`: the characters since the last start tag, without spaces and line breaks at both ends.
+  /// `text`: the characters since the last tag, without spaces and line breaks at both ends.
   virtual void endElement(std::string_view name, std::string_view text) = 0;
 
  private:

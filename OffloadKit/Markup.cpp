@@ -19,6 +19,9 @@ std::string escapeMarkup(std::string_view text) {
       case '"':
         escaped += "&quot;";
         break;
+      case '\r':
+        escaped += "&#13;";
+        break;
       default:
         escaped += c;
     }

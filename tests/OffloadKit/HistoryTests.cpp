@@ -74,6 +74,30 @@ TEST_F(History, takesNoEntitiesAndNoEndlessTags) {
   EXPECT_THAT(knownIn("<h><hash><path>a</path></hash><!--" + nothing), ElementsAre(true, false));
 }
 
+TEST_F(History, takesNoEndlessNestingNamesOrTrimming) {
+  const auto times = [](std::size_t count, const std::string& text) {
+    std::string all;
+    for (std::size_t i = 0; i < count; ++i) all += text;
+    return all;
+  };
+  const std::string file = "<hash><path>a</path></hash>";
+  EXPECT_THAT(knownIn("<h>" + times(50, "<x>") + file), ElementsAre(true, false));
+  EXPECT_THAT(knownIn("<h>" + times(2000, "<x>") + file), ElementsAre(false, false));
+  EXPECT_THAT(chainOf("<d>" + times(2000, "<x>") + kFirstText), IsEmpty());
+  std::string names;
+  for (int i = 0; i < 20'000; ++i) names += "<x" + std::to_string(i) + "/>";
+  EXPECT_THAT(knownIn("<h>" + names + file), ElementsAre(false, false));
+  EXPECT_THAT(knownIn("<h>" + times(20'000, "<x y='' z=''/>") + file), ElementsAre(true, false));
+  // A text belongs to the tag before it alone, so that no end of an element looks at it again.
+  EXPECT_THAT(knownIn("<h><hash><path><x>a</x></path></hash></h>"), ElementsAre(false, false));
+}
+
+TEST_F(History, writesAChainThatReadsTheSameWhateverItsEntriesHold) {
+  const std::vector<ChainEntry> chain = {{-3, "cr\rlf\n\"<&>'", "</c4></hashlist><c4>&amp;"},
+                                         {9, "", ""}};
+  EXPECT_EQ(chainOf(chainDocument(chain)), chain);
+}
+
 TEST_F(History, findsPathsOfFilesOnlyAndAsFarAsTheListIsComplete) {
   EXPECT_THAT(knownIn("<h><path>a</path><hash><path>b\n</path></hash></h>"),
               ElementsAre(false, true));

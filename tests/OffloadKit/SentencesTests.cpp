@@ -55,6 +55,9 @@ TEST_F(Names, theNearestExistingFolderIsFoundAboveWhatIsMissing) {
   EXPECT_EQ(nearestExisting(fileSystem_, copies(1)), drive(1));
   EXPECT_EQ(nearestExisting(fileSystem_, drive(1)), drive(1));
   EXPECT_EQ(nearestExisting(fileSystem_, "/no-such-folder/a/b"), "/");
+  std::string longest = drive(1).native() + "//no-such-folder";
+  for (int i = 0; i < 60'000; ++i) longest += "/a";
+  EXPECT_EQ(nearestExisting(fileSystem_, longest), drive(1));
   addFile("IMG.CR3", "x");
   EXPECT_EQ(nearestExisting(fileSystem_, card_ / "IMG.CR3" / "below" / "a" / "file"),
             card_ / "IMG.CR3");
