@@ -2,7 +2,7 @@
 
 #include "CommandLine/Output.h"
 #include "OffloadKit/Format.h"
-#include "PlatformKit/ByteCount.h"
+#include "OffloadKit/ProgressTexts.h"
 #include "PlatformKit/Posix/Terminal.h"
 #include "PlatformKit/Unicode.h"
 
@@ -18,23 +18,7 @@ namespace {
 
 using OffloadKit::OffloadProgress;
 using Phase = OffloadProgress::Phase;
-
-std::string phaseText(Phase phase, std::size_t destinations) {
-  switch (phase) {
-    case Phase::scanning:
-      return "Reading the card…";
-    case Phase::copying:
-      return fmt::format("Copying to {} and checking each copy",
-                         OffloadKit::Format::counted(destinations, "drive"));
-    case Phase::verifying:
-      return "Reading the copies back and comparing";
-    case Phase::imaging:
-      return "Saving the card image for Kestrine and checking it";
-    case Phase::finishing:
-      return "Writing the report and checksums";
-  }
-  return {};
-}
+namespace ProgressTexts = OffloadKit::ProgressTexts;
 
 // For the redrawn line, where copying and verifying alternate with every file.
 const char* phaseWord(Phase phase) {
@@ -73,11 +57,6 @@ int percent(const OffloadProgress& progress) {
   return static_cast<int>(std::clamp(progress.fraction, 0.0, 1.0) * 100);
 }
 
-std::string speedText(const OffloadProgress& progress) {
-  if (progress.bytesPerSecond <= 0) return "–";
-  return PlatformKit::byteCountText(static_cast<std::uint64_t>(progress.bytesPerSecond)) + "/s";
-}
-
 // Lets a report through when enough time has passed since the last one.
 class Pace {
  public:
@@ -104,9 +83,8 @@ class Estimate {
   explicit Estimate(const PlatformKit::Clock& clock) : clock_(clock), started_(clock.now()) {}
 
   [[nodiscard]] std::string text(const OffloadProgress& progress) const {
-    if (progress.fraction <= 0.02) return "Working it out…";
     const double elapsed = std::chrono::duration<double>(clock_.now() - started_).count();
-    return "About " + OffloadKit::Format::duration(elapsed / progress.fraction - elapsed);
+    return ProgressTexts::remaining(progress, elapsed);
   }
 
  private:
@@ -155,8 +133,8 @@ class TerminalDisplay final : public ProgressDisplay {
     if (progress.filesTotal == 0) return PlatformKit::elidedInTheMiddle(text, width);
     text +=
         fmt::format("  {} of {}  {:>10}  {:<16}", OffloadKit::Format::grouped(progress.filesDone),
-                    OffloadKit::Format::counted(progress.filesTotal, "file"), speedText(progress),
-                    estimate_.text(progress));
+                    OffloadKit::Format::counted(progress.filesTotal, "file"),
+                    ProgressTexts::speed(progress), estimate_.text(progress));
     const std::size_t used = PlatformKit::cellWidth(text) + 2;
     constexpr std::size_t kWorthShowing = 12;
     if (used + kWorthShowing <= width) {
@@ -180,14 +158,14 @@ class LogDisplay final : public ProgressDisplay {
   void show(const OffloadProgress& progress) override {
     // The pace starts with the first file, so that a short run logs its start and its end only.
     if (progress.phase == Phase::scanning || progress.phase == Phase::finishing) {
-      printError(forThisTerminal(phaseText(progress.phase, destinations_)) + "\n");
+      printError(forThisTerminal(ProgressTexts::phase(progress, destinations_)) + "\n");
     } else if (pace_.isDue()) {
-      printError(
-          forThisTerminal(fmt::format(
-              "{}: {} %, {} of {}, {}", phaseText(progress.phase, destinations_), percent(progress),
-              OffloadKit::Format::grouped(progress.filesDone),
-              OffloadKit::Format::counted(progress.filesTotal, "file"), speedText(progress))) +
-          "\n");
+      printError(forThisTerminal(fmt::format(
+                     "{}: {} %, {} of {}, {}", ProgressTexts::phase(progress, destinations_),
+                     percent(progress), OffloadKit::Format::grouped(progress.filesDone),
+                     OffloadKit::Format::counted(progress.filesTotal, "file"),
+                     ProgressTexts::speed(progress))) +
+                 "\n");
     }
   }
 

@@ -1,6 +1,6 @@
 #include "ZephrimarkOffload/Screens/RunningPresenter.h"
 
-#include "ZephrimarkOffload/Model/RunningTexts.h"
+#include "OffloadKit/ProgressTexts.h"
 #include "ZephrimarkOffload/Screens/Text.h"
 
 #include <algorithm>
@@ -8,6 +8,8 @@
 
 namespace ZephrimarkOffload {
 namespace {
+
+namespace ProgressTexts = OffloadKit::ProgressTexts;
 
 // Twenty times a second: faster than figures can be read, and smooth for a bar that is animated.
 constexpr std::chrono::milliseconds kEvery{50};
@@ -70,7 +72,7 @@ void RunningPresenter::showDrives() {
         {"isProblem", false}};
     if (shown_ && i < shown_->drives.size()) {
       const auto& drive = shown_->drives[i];
-      row["outcome"] = QString::fromStdString(RunningTexts::drive(drive));
+      row["outcome"] = QString::fromStdString(ProgressTexts::drive(drive));
       row["isProblem"] = drive.failed > 0;
       const auto total = static_cast<double>(std::max<std::size_t>(shown_->filesTotal, 1));
       row["fraction"] = static_cast<double>(drive.verified) / total;
@@ -97,7 +99,7 @@ QString RunningPresenter::heading() const {
 }
 
 QString RunningPresenter::phase() const {
-  return QString::fromStdString(RunningTexts::phase(shown_, model_.runDestinations().size()));
+  return QString::fromStdString(ProgressTexts::phase(shown_, model_.runDestinations().size()));
 }
 
 double RunningPresenter::fraction() const {
@@ -109,16 +111,16 @@ QString RunningPresenter::percent() const {
 }
 
 QString RunningPresenter::files() const {
-  return QString::fromStdString(RunningTexts::files(shown_));
+  return QString::fromStdString(ProgressTexts::files(shown_));
 }
 
 QString RunningPresenter::speed() const {
-  return QString::fromStdString(RunningTexts::speed(shown_));
+  return QString::fromStdString(ProgressTexts::speed(shown_));
 }
 
 QString RunningPresenter::remaining() const {
   const auto elapsed = std::chrono::duration<double>(model_.now() - model_.startedAt()).count();
-  return QString::fromStdString(RunningTexts::remaining(shown_, elapsed));
+  return QString::fromStdString(ProgressTexts::remaining(shown_, elapsed));
 }
 
 QString RunningPresenter::currentFile() const {

@@ -1,7 +1,7 @@
+#include "OffloadKit/ProgressTexts.h"
 #include "OffloadKit/ResultTexts.h"
 #include "ZephrimarkOffload/Model/Notice.h"
 #include "ZephrimarkOffload/Model/Readiness.h"
-#include "ZephrimarkOffload/Model/RunningTexts.h"
 #include "ZephrimarkOffload/Model/SetupTexts.h"
 #include "ZephrimarkOffload/Model/StepTexts.h"
 
@@ -158,8 +158,8 @@ TEST(StepTextsTests, EveryStageHasItsSentence) {
   }
 }
 
-TEST(RunningTextsTests, FiguresFollowTheReport) {
-  using namespace RunningTexts;
+TEST(ProgressTextsTests, FiguresFollowTheReport) {
+  using namespace OffloadKit::ProgressTexts;
   Progress progress;
   EXPECT_EQ(phase(progress, 2), "Reading the card…");
   EXPECT_EQ(speed(progress), "–");

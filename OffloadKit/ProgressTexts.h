@@ -6,11 +6,11 @@
 #include <optional>
 #include <string>
 
-namespace ZephrimarkOffload::RunningTexts {
+namespace OffloadKit::ProgressTexts {
 
-/// What the running screen says of the last report; none before the first. Valid UTF-8, one line
-/// each. Any thread.
-using Progress = std::optional<OffloadKit::OffloadProgress>;
+/// What the last report says to people, in the window as on the terminal; none before the first. Valid
+/// UTF-8, one line each. Any thread.
+using Progress = std::optional<OffloadProgress>;
 
 /// What the offload is doing, `destinations` drives being written.
 std::string phase(const Progress& progress, std::size_t destinations);
@@ -25,6 +25,6 @@ std::string speed(const Progress& progress);
 std::string remaining(const Progress& progress, double elapsed);
 
 /// What came of the files so far on a drive: "412 verified", "3 not verified: The drive is full".
-std::string drive(const OffloadKit::OffloadProgress::Drive& drive);
+std::string drive(const OffloadProgress::Drive& drive);
 
-}  // namespace ZephrimarkOffload::RunningTexts
+}  // namespace OffloadKit::ProgressTexts

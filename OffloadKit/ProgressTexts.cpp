@@ -1,4 +1,4 @@
-#include "ZephrimarkOffload/Model/RunningTexts.h"
+#include "OffloadKit/ProgressTexts.h"
 
 #include "OffloadKit/Format.h"
 #include "PlatformKit/ByteCount.h"
@@ -8,10 +8,10 @@
 
 #include <fmt/format.h>
 
-namespace ZephrimarkOffload::RunningTexts {
+namespace OffloadKit::ProgressTexts {
 namespace {
 
-using Phase = OffloadKit::OffloadProgress::Phase;
+using Phase = OffloadProgress::Phase;
 
 constexpr const char* kUnknown = "–";
 
@@ -51,10 +51,10 @@ std::string speed(const Progress& progress) {
 
 std::string remaining(const Progress& progress, double elapsed) {
   if (!progress || !(progress->fraction > kEnoughForAnEstimate)) return "Working it out…";
-  return "About " + OffloadKit::Format::duration(elapsed / progress->fraction - elapsed);
+  return "About " + Format::duration(elapsed / progress->fraction - elapsed);
 }
 
-std::string drive(const OffloadKit::OffloadProgress::Drive& drive) {
+std::string drive(const OffloadProgress::Drive& drive) {
   std::string text = fmt::format("{} verified", drive.verified);
   if (drive.failed > 0) {
     text += fmt::format(" · {} not verified: {}", drive.failed,
@@ -63,4 +63,4 @@ std::string drive(const OffloadKit::OffloadProgress::Drive& drive) {
   return text;
 }
 
-}  // namespace ZephrimarkOffload::RunningTexts
+}  // namespace OffloadKit::ProgressTexts
