@@ -9,6 +9,7 @@
 #include "PlatformKit/Linux/LinuxVolumes.h"
 #include "PlatformKit/Posix/UniqueFd.h"
 #include "PlatformKit/Testing/TempFolder.h"
+#include "benchmarks/Timing.h"
 
 #include <algorithm>
 #include <array>
@@ -82,17 +83,6 @@ void imageWithDD(const std::string& device, const Path& image) {
                            "' bs=8M iflag=direct conv=fsync status=none && dd if='" +
                            image.native() + "' of=/dev/null bs=8M iflag=direct status=none";
   if (std::system(copy.c_str()) != 0) std::abort();
-}
-
-double secondsOf(const std::function<void()>& action) {
-  const auto start = std::chrono::steady_clock::now();
-  action();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-double median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  return values[values.size() / 2];
 }
 
 }  // namespace

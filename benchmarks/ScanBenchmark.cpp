@@ -5,6 +5,7 @@
 #include "PlatformKit/Linux/LinuxFileSystem.h"
 #include "PlatformKit/Linux/LinuxVolumes.h"
 #include "PlatformKit/Testing/TempFolder.h"
+#include "benchmarks/Timing.h"
 
 #include <algorithm>
 #include <chrono>
@@ -35,17 +36,6 @@ std::uint64_t bareWalk(const std::string& folder) {
   }
   closedir(stream);
   return bytes;
-}
-
-double secondsOf(const std::function<void()>& action) {
-  const auto start = std::chrono::steady_clock::now();
-  action();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-double median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  return values[values.size() / 2];
 }
 
 }  // namespace

@@ -27,9 +27,8 @@ OffloadModel::OffloadModel(Services services)
       destinationBoard_(background_, [this] { destinationsAnswered(); }) {
   choices_ = services_.settings.load();
   unconfirmed_ = choices_.destinations;
-  loading_ = false;
   followDestinations();
-  // Held weakly: an event that is on its way when the model goes is dropped.
+  // An event that is on its way when the model goes is dropped.
   services_.watcher.start(
       [this, main = background_.main()] { main->post([this] { refreshVolumes(); }); });
   refreshVolumes();
@@ -43,7 +42,7 @@ OffloadModel::~OffloadModel() {
 }
 
 void OffloadModel::save() {
-  if (!loading_) services_.settings.save(choices_);
+  services_.settings.save(choices_);
 }
 
 // Volumes
@@ -96,7 +95,7 @@ void OffloadModel::checkSourceFacts() {
   background_.ask(
       "check " + source_->native(),
       [source = *source_](DiskQuestions& questions) { return questions.source(source); },
-      [this, source = *source_, number = sourceNumber_](const SourceFacts& facts) {
+      [this, number = sourceNumber_](const SourceFacts& facts) {
         if (number != sourceNumber_ || sourceCount_.files == 0) return;
         const bool isSame = facts.name == sourceFacts_.name && facts.disk == sourceFacts_.disk &&
                             facts.volume == sourceFacts_.volume &&

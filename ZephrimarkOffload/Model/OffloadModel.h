@@ -182,7 +182,6 @@ class OffloadModel final : public QObject {
   Services services_;
   Stage stage_ = Stage::setup();
   Choices choices_;
-  bool loading_ = true;
   std::vector<PlatformKit::Path> unconfirmed_;  // saved destinations that may be gone
 
   std::vector<DeviceKit::Volume> cards_;

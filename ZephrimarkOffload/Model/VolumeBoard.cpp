@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 namespace ZephrimarkOffload {
 namespace {
@@ -88,7 +89,8 @@ void VolumeBoard::tell() {
     if (DeviceKit::isDrive(volume)) lists.drives.push_back(DeviceKit::driveRow(volume, space));
     if (DeviceKit::isCard(volume)) lists.cards.push_back(DeviceKit::cardRow(volume, space));
   }
-  lists.gone = gone_;
+  // Told once: what is chosen after that is asked about anew.
+  lists.gone = std::exchange(gone_, std::nullopt);
   publish_(lists);
 }
 

@@ -6,6 +6,7 @@ import os
 import pathlib
 import shutil
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
@@ -28,14 +29,29 @@ def skip_without_tools():
         sys.exit(SKIPPED)
 
 
+def start_screen():
+    """A server and the number of its display. Servers that start or end at the same moment can take the
+    socket from each other, so one that cannot be reached is given up for another."""
+    for _ in range(5):
+        told, tell = os.pipe()
+        server = subprocess.Popen(["Xvfb", "-displayfd", str(tell), "-nolisten", "tcp", "-screen", "0", "1280x1024x24"],
+                                  pass_fds=[tell], stderr=subprocess.DEVNULL)
+        os.close(tell)
+        with os.fdopen(told) as answer:
+            display = answer.readline().strip()
+        # Long enough for another that ends to have taken its sockets away.
+        time.sleep(0.3)
+        with socket.socket(socket.AF_UNIX) as probe:
+            if display and probe.connect_ex("/tmp/.X11-unix/X" + display) == 0 and server.poll() is None:
+                return server, display
+        server.terminate()
+        server.wait()
+    raise AssertionError("Xvfb did not start")
+
+
 def run_on_private_screen(program):
-    told, tell = os.pipe()
-    server = subprocess.Popen(["Xvfb", "-displayfd", str(tell), "-nolisten", "tcp", "-screen", "0", "1280x1024x24"],
-                              pass_fds=[tell], stderr=subprocess.DEVNULL)
-    os.close(tell)
+    server, display = start_screen()
     try:
-        display = os.read(told, 16).decode().strip()
-        assert display, "Xvfb did not start"
         with tempfile.TemporaryDirectory() as folder:
             private = {"HOME": folder, "XDG_RUNTIME_DIR": folder, "XDG_CONFIG_HOME": folder,
                        "XDG_CACHE_HOME": folder, "DISPLAY": ":" + display, "QT_QPA_PLATFORM": "xcb",
@@ -87,7 +103,7 @@ class Screen:
 
     def wait_for(self, role, name):
         """The description and the element, once it is shown; `name` is its beginning."""
-        end = time.monotonic() + 10
+        end = time.monotonic() + 30
         seen = []
         while time.monotonic() < end:
             seen = self.elements()
