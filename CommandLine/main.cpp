@@ -5,6 +5,7 @@
 #include "CommandLine/Output.h"
 #include "CommandLine/Services.h"
 #include "HashKit/HashAlgorithm.h"
+#include "PlatformKit/Posix/OpenFiles.h"
 #include "PlatformKit/Posix/Terminal.h"
 
 #include <memory>
@@ -88,6 +89,7 @@ int tellParseError(const CLI::App& program, const CLI::ParseError& error) {
 
 int main(int argc, char** argv) {
   PlatformKit::openMissingStandardStreams();
+  PlatformKit::raiseOpenFilesLimit();
   CLI::App program("Copies camera cards to one, two or three drives and verifies every copy.",
                    "zephrimark");
   program.set_version_flag("--version", "zephrimark " ZEPHRIMARK_VERSION);

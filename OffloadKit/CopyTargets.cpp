@@ -11,7 +11,6 @@ namespace {
 
 using PlatformKit::FileSystem;
 using PlatformKit::Path;
-using Outcome = OffloadedFile::Outcome;
 
 constexpr std::size_t kLongestName = 255;  // bytes, on every file system in use
 constexpr std::string_view kSuffix = ".zmpart";
@@ -21,48 +20,16 @@ std::string folded(std::string_view relativePath) {
   return PlatformKit::upperCase(relativePath);
 }
 
-bool isSameItem(FileSystem& fileSystem, const Path& a, const Path& b) {
-  const auto first = fileSystem.status(a);
-  const auto second = fileSystem.status(b);
-  return first.ok() && second.ok() && first.value().identity == second.value().identity;
-}
-
-// One destination's share of the choice. Where nothing is to be done, either sets `outcome` or
-// leaves the system's error number in `error`.
-CopyTarget chooseTarget(FileSystem& fileSystem, const SourceFile& file, const Path& source,
-                        const Path& destination, const std::string& temporary, Outcome& outcome,
-                        int& error) {
-  const Path final = destination / file.relativePath;
-  if (leadsOut(fileSystem, final, destination)) {
-    outcome = Outcome::failed("A link in the destination folder leads to another place");
-    return SkipTarget{};
-  }
-  if (alreadyThere(fileSystem, file, destination)) {
-    if (!isSameItem(fileSystem, final, source)) return ResumeTarget{final};
-    outcome = Outcome::failed("This is the card's own file, not a copy of it");
-    return SkipTarget{};
-  }
-  if (fileSystem.status(final).ok()) {
-    outcome =
-        Outcome::failed("A different file with this name is already in the destination folder");
-    return SkipTarget{};
-  }
-  error = createFolders(fileSystem, final.parent_path());
-  if (error != 0) return SkipTarget{};
-  auto copy = PendingCopy::create(fileSystem, destination / temporary, final);
-  error = copy.error();
-  if (error != 0) return SkipTarget{};
-  return WriteTarget{std::move(copy.value())};
+bool isCopyOf(const SourceFile& file, const PlatformKit::ItemStatus& there) {
+  return there.kind == PlatformKit::ItemKind::regularFile && there.size == file.size &&
+         std::chrono::abs(there.modified - file.modified) < std::chrono::seconds(2);
 }
 
 }  // namespace
 
 bool alreadyThere(FileSystem& fileSystem, const SourceFile& file, const Path& destination) {
   const auto answer = fileSystem.status(destination / file.relativePath);
-  if (!answer.ok()) return false;
-  const auto& there = answer.value();
-  return there.kind == PlatformKit::ItemKind::regularFile && there.size == file.size &&
-         std::chrono::abs(there.modified - file.modified) < std::chrono::seconds(2);
+  return answer.ok() && isCopyOf(file, answer.value());
 }
 
 bool leadsOut(FileSystem& fileSystem, const Path& file, const Path& destination) {
@@ -106,26 +73,37 @@ std::string TemporaryNames::forFile(const std::string& relativePath) const {
   }
 }
 
-std::vector<CopyTarget> chooseTargets(FileSystem& fileSystem, const SourceFile& file,
-                                      const Path& source, const std::vector<Path>& destinations,
-                                      const TemporaryNames& temporaryNames,
-                                      DestinationHealth& health, std::vector<Outcome>& outcomes) {
-  const std::string temporary = temporaryNames.forFile(file.relativePath);
-  std::vector<CopyTarget> targets;
-  targets.reserve(destinations.size());
-  for (std::size_t i = 0; i < destinations.size(); ++i) {
-    health.checkVolume(i);
-    if (const std::string* sentence = health.givenUp(i)) {
-      outcomes[i] = Outcome::failed(*sentence);
-      targets.emplace_back(SkipTarget{});
-      continue;
-    }
-    int error = 0;
-    targets.push_back(
-        chooseTarget(fileSystem, file, source, destinations[i], temporary, outcomes[i], error));
-    if (error != 0) outcomes[i] = Outcome::failed(health.otherError(i, error));
+std::string TemporaryNames::keyOf(const std::string& relativePath) const {
+  return folded(forFile(relativePath));
+}
+
+TargetChoice chooseTarget(FileSystem& fileSystem, const SourceFile& file, const Path& source,
+                          const Path& destination, const std::string& temporary,
+                          KnownFolder& folder) {
+  Path final = destination / file.relativePath;
+  const Path parent = final.parent_path();
+  if (folder.path != parent) folder = {parent, leadsOut(fileSystem, final, destination), false};
+  if (folder.leadsOut) {
+    return {SkipTarget{}, "A link in the destination folder leads to another place"};
   }
-  return targets;
+  if (const auto there = fileSystem.status(final); there.ok()) {
+    if (!isCopyOf(file, there.value())) {
+      return {SkipTarget{}, "A different file with this name is already in the destination folder"};
+    }
+    const auto original = fileSystem.status(source);
+    if (original.ok() && original.value().identity == there.value().identity) {
+      return {SkipTarget{}, "This is the card's own file, not a copy of it"};
+    }
+    return {ResumeTarget{std::move(final)}, {}};
+  }
+  if (!folder.exists) {
+    const int error = createFolders(fileSystem, parent);
+    if (error != 0) return {SkipTarget{}, {}, error};
+    folder.exists = true;
+  }
+  auto copy = PendingCopy::create(fileSystem, destination / temporary, std::move(final));
+  if (!copy.ok()) return {SkipTarget{}, {}, copy.error()};
+  return {WriteTarget{std::move(copy.value())}, {}};
 }
 
 }  // namespace OffloadKit

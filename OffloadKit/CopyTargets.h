@@ -1,7 +1,5 @@
 #pragma once
 
-#include "OffloadKit/DestinationHealth.h"
-#include "OffloadKit/OffloadResult.h"
 #include "OffloadKit/PendingCopy.h"
 #include "OffloadKit/SourceFile.h"
 
@@ -44,6 +42,10 @@ class TemporaryNames {
   /// bytes.
   [[nodiscard]] std::string forFile(const std::string& relativePath) const;
 
+  /// Equal for two files whose temporary copies would be one on a drive that does not tell upper
+  /// from lower case, so that the two cannot be on their way at the same time.
+  [[nodiscard]] std::string keyOf(const std::string& relativePath) const;
+
  private:
   [[nodiscard]] bool isTaken(const std::string& relativePath) const;
 
@@ -54,15 +56,27 @@ class TemporaryNames {
 bool leadsOut(PlatformKit::FileSystem& fileSystem, const PlatformKit::Path& file,
               const PlatformKit::Path& destination);
 
-/// Decides what to do for one file on every destination, in order: nothing where the destination
-/// was given up or a link leads out of it, resume where a copy is already there, nothing where something else has the name,
-/// else write (missing folders are made, the temporary file is opened). `outcomes` has one entry
-/// per destination; those of destinations where nothing is to be done are set to the reason.
-std::vector<CopyTarget> chooseTargets(PlatformKit::FileSystem& fileSystem, const SourceFile& file,
-                                      const PlatformKit::Path& source,
-                                      const std::vector<PlatformKit::Path>& destinations,
-                                      const TemporaryNames& temporaryNames,
-                                      DestinationHealth& health,
-                                      std::vector<OffloadedFile::Outcome>& outcomes);
+/// What was found out about the folder that a file goes to, so that the files of a group that lie in
+/// one folder ask the drive once. Starts empty; of one destination; one thread at a time.
+struct KnownFolder {
+  PlatformKit::Path path;
+  bool leadsOut = false;  ///< reached by a link out of the destination
+  bool exists = false;
+};
+
+/// What is to be done for one file on one destination, and why not more.
+struct TargetChoice {
+  CopyTarget target;
+  std::string refusal;  ///< a sentence: why nothing is to be done
+  int error = 0;        ///< the system's error number that left nothing to be done
+};
+
+/// Decides what to do for one file on one destination: nothing where a link leads out of it, resume
+/// where a copy is already there, nothing where something else has the name, else write (missing
+/// folders are made, the temporary file is opened). `source` is the file on the card, `temporary`
+/// the relative path of its temporary copy. Any thread.
+TargetChoice chooseTarget(PlatformKit::FileSystem& fileSystem, const SourceFile& file,
+                          const PlatformKit::Path& source, const PlatformKit::Path& destination,
+                          const std::string& temporary, KnownFolder& folder);
 
 }  // namespace OffloadKit

@@ -2,194 +2,180 @@
 
 #include "OffloadKit/ErrorSentences.h"
 #include "OffloadKit/OffloadError.h"
+#include "OffloadKit/Transfer.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <deque>
 
 namespace OffloadKit {
-namespace {
 
-using PlatformKit::Path;
-using PlatformKit::ReadableFile;
-using PlatformKit::Result;
 using PlatformKit::WritableFile;
 using Outcome = OffloadedFile::Outcome;
-
-WritableFile* writableOf(CopyTarget& target) {
-  auto* write = std::get_if<WriteTarget>(&target);
-  return write == nullptr ? nullptr : &write->copy.file();
-}
-
-}  // namespace
 
 FileCopy::FileCopy(const SourceFile& file, CopyResources& resources)
     : file_(file),
       resources_(resources),
       source_(resources.plan.source / file.relativePath),
-      outcomes_(resources.plan.destinations.size(), Outcome::failed("Not copied")),
-      writeErrors_(resources.plan.destinations.size(), 0) {}
-
-OffloadedFile FileCopy::run(const Advance& copied, const Advance& verifying) {
-  targets_ =
-      chooseTargets(resources_.system.fileSystem, file_, source_, resources_.plan.destinations,
-                    resources_.temporaryNames, resources_.health, outcomes_);
-  std::string hash = streamSource(copied);
-  finishWrites();
-  readBack(hash, verifying);
-  return {file_, std::move(hash), std::move(outcomes_)};
-}
-
-std::string FileCopy::streamSource(const Advance& copied) {
-  auto opened =
-      resources_.system.fileSystem.openForReading(source_, PlatformKit::ReadMode::streamed);
-  if (!opened.ok()) sourceUnreadable(": " + systemText(opened.error()));
-  ReadableFile& source = *opened.value();
-  const auto hasher = makeHasher(resources_.plan.algorithm);
-  const std::span<std::byte> buffer = resources_.transferBuffer.bytes();
-  std::uint64_t bytesRead = 0;
-  throwIfCancelled();
-  for (;;) {
-    const auto count = source.readAt(buffer, bytesRead);
-    if (!count.ok()) sourceUnreadable(": " + systemText(count.error()));
-    if (count.value() == 0) break;
-    const std::uint64_t next = bytesRead + count.value();
-    // The card fetches the next chunk while the drives take this one.
-    if (next < file_.size)
-      source.prefetch(next, std::min<std::uint64_t>(buffer.size(), file_.size - next));
-    writeChunk(buffer.first(count.value()), bytesRead, *hasher);
-    source.discard(bytesRead, count.value());
-    bytesRead = next;
-    copied(count.value());
-    throwIfCancelled();
+      digests_(resources.plan.destinations.size() + 1) {
+  copies_.reserve(resources.plan.destinations.size());
+  for (std::size_t i = 0; i < resources.plan.destinations.size(); ++i) {
+    copies_.push_back({std::nullopt, Outcome::failed("Not copied")});
   }
-  if (bytesRead != file_.size) sourceUnreadable(" changed size while it was being read");
-  return hasher->finalize();
 }
 
-void FileCopy::writeChunk(std::span<const std::byte> chunk, std::uint64_t offset,
-                          HashKit::StreamingHasher& hasher) {
-  const auto write = [&](std::size_t i) {
-    WritableFile* file = writableOf(targets_[i]);
-    if (file == nullptr || writeErrors_[i] != 0) return;
-    writeErrors_[i] = writeBehind(*file, chunk, offset, resources_.plan.chunkSize, file_.size);
-  };
-  auto writing = resources_.workers.start(targets_.size(), write);
-  hasher.update(chunk);
-  writing.wait();
+WritableFile* FileCopy::Copy::writable() {
+  auto* write = as<WriteTarget>();
+  return write == nullptr || writeError != 0 ? nullptr : &write->copy.file();
 }
 
-void FileCopy::finishWrites() {
-  flushCopies();
-  for (std::size_t i = 0; i < targets_.size(); ++i) {
-    auto* write = std::get_if<WriteTarget>(&targets_[i]);
+void FileCopy::Copy::fail(std::string reason) {
+  outcome = Outcome::failed(std::move(reason));
+  choice.reset();
+}
+
+void FileCopy::fetch() {
+  if (original_) return;
+  original_.emplace(
+      resources_.system.fileSystem.openForReading(source_, PlatformKit::ReadMode::streamed));
+  if (original_->ok() && file_.size > 0) {
+    original_->value()->prefetch(0, std::min<std::uint64_t>(file_.size, resources_.plan.chunkSize));
+  }
+}
+
+PlatformKit::ReadableFile& FileCopy::original() {
+  fetch();
+  if (!original_->ok()) sourceUnreadable(original_->error());
+  return *original_->value();
+}
+
+void FileCopy::chooseTarget(std::size_t destination, KnownFolder& folder) {
+  if (resources_.health.givenUp(destination) != nullptr) return;
+  copies_[destination].choice.emplace(OffloadKit::chooseTarget(
+      resources_.system.fileSystem, file_, source_, resources_.plan.destinations[destination],
+      resources_.temporaryNames.forFile(file_.relativePath), folder));
+}
+
+void FileCopy::settleTargets() {
+  for (std::size_t i = 0; i < copies_.size(); ++i) {
+    Copy& copy = copies_[i];
+    if (const std::string* sentence = resources_.health.givenUp(i)) {
+      copy.fail(*sentence);
+    } else if (const int error = copy.choice->error; error != 0) {
+      copy.fail(resources_.health.otherError(i, error));
+    } else if (std::string& refusal = copy.choice->refusal; !refusal.empty()) {
+      copy.fail(std::move(refusal));
+    }
+  }
+}
+
+void FileCopy::write(std::size_t destination, std::span<const std::byte> chunk,
+                     std::uint64_t offset) {
+  Copy& copy = copies_[destination];
+  if (WritableFile* file = copy.writable()) {
+    copy.writeError = writeBehind(*file, chunk, offset, resources_.plan.chunkSize, file_.size);
+  }
+}
+
+void FileCopy::setDates(std::size_t destination) {
+  // Ignored on purpose: a drive that keeps no dates gets its verified copy all the same.
+  if (WritableFile* file = copies_[destination].writable()) {
+    static_cast<void>(file->setDates(file_.modified, file_.created));
+  }
+}
+
+void FileCopy::flush(std::size_t destination) {
+  Copy& copy = copies_[destination];
+  if (WritableFile* file = copy.writable()) copy.writeError = file->flush();
+}
+
+void FileCopy::settleWrites() {
+  for (std::size_t i = 0; i < copies_.size(); ++i) {
+    Copy& copy = copies_[i];
+    auto* write = copy.as<WriteTarget>();
     if (write == nullptr) continue;
     write->copy.close();
-    if (writeErrors_[i] == 0) {
-      if (resources_.afterWrite) resources_.afterWrite(write->copy.temporary());
-    } else {
-      outcomes_[i] = Outcome::failed(resources_.health.contentError(i, writeErrors_[i]));
-      targets_[i] = SkipTarget{};
+    if (copy.writeError != 0) {
+      copy.fail(resources_.health.contentError(i, copy.writeError));
+    } else if (resources_.afterWrite) {
+      resources_.afterWrite(write->copy.temporary());
     }
   }
 }
 
-void FileCopy::flushCopies() {
-  const auto flush = [&](std::size_t i) {
-    WritableFile* file = writableOf(targets_[i]);
-    if (file == nullptr || writeErrors_[i] != 0) return;
-    // Dated before the move, so that a cut between the two leaves a copy that the next run knows. A
-    // drive that keeps no dates gets its verified copy all the same.
-    static_cast<void>(file->setDates(file_.modified, file_.created));
-    writeErrors_[i] = file->flush();
+std::size_t FileCopy::prepareReadBack() {
+  std::size_t count = 0;
+  const auto add = [&](std::size_t reader, const PlatformKit::Path& path) {
+    digests_[reader] = std::make_unique<FileDigest>(resources_.system.fileSystem, path,
+                                                    resources_.plan.algorithm, file_.size);
+    ++count;
   };
-  resources_.workers.parallelFor(targets_.size(), flush);
+  for (std::size_t i = 0; i < copies_.size(); ++i) {
+    if (const auto* write = copies_[i].as<WriteTarget>()) add(i, write->copy.temporary());
+    if (const auto* resume = copies_[i].as<ResumeTarget>()) add(i, resume->final);
+  }
+  if (resources_.plan.verifySource) add(copies_.size(), source_);
+  return count;
 }
 
-void FileCopy::readBack(const std::string& hash, const Advance& verifying) {
-  auto& fileSystem = resources_.system.fileSystem;
-  const auto algorithm = resources_.plan.algorithm;
-  std::deque<FileDigest> digests;  // never moved: workers hold on to them
-  std::vector<std::size_t> destinations;
-  for (std::size_t i = 0; i < targets_.size(); ++i) {
-    if (const auto* write = std::get_if<WriteTarget>(&targets_[i])) {
-      digests.emplace_back(fileSystem, write->copy.temporary(), algorithm);
-      destinations.push_back(i);
-    } else if (const auto* resume = std::get_if<ResumeTarget>(&targets_[i])) {
-      digests.emplace_back(fileSystem, resume->final, algorithm);
-      destinations.push_back(i);
-    }
-  }
-  if (resources_.plan.verifySource) digests.emplace_back(fileSystem, source_, algorithm);
-
-  std::vector<FileDigest*> all;
-  for (FileDigest& digest : digests) all.push_back(&digest);
-  hashAll(all);
-  verifying(file_.size * digests.size());
-
-  if (resources_.plan.verifySource) {
-    const auto second = digests.back().result();
+OffloadedFile FileCopy::decide(std::string hash) {
+  if (const FileDigest* original = digest(copies_.size())) {
+    const auto second = original->result();
     if (!second.ok() || second.value() != hash) {
-      sourceUnreadable(" read differently the second time. The card or reader may be failing.");
+      throw OffloadError::sourceUnreadable(
+          file_.relativePath +
+          " read differently the second time. The card or reader may be failing.");
     }
   }
-  for (std::size_t j = 0; j < destinations.size(); ++j) {
-    decide(destinations[j], digests[j].result(), hash);
+  OffloadedFile result{file_, std::nullopt, {}};
+  for (std::size_t i = 0; i < copies_.size(); ++i) {
+    if (digest(i) != nullptr) compare(i, hash);
+    result.outcomes.push_back(std::move(copies_[i].outcome));
   }
+  result.hash = std::move(hash);
+  return result;
 }
 
-void FileCopy::hashAll(const std::vector<FileDigest*>& digests) {
-  // Direct reads want whole pages; below two of them a second thread has nothing to do.
-  constexpr std::size_t kPage = 4096;
-  const std::size_t half = resources_.plan.chunkSize / 2 / kPage * kPage;
-  const bool inPairs = half > 0 && file_.size > half;
-  const std::size_t threads = inPairs ? 2 : 1;
-  const auto hash = [&](std::size_t job) {
-    std::span<std::byte> buffer = resources_.readBackBuffers[job / threads].bytes();
-    if (inPairs) buffer = buffer.subspan(job % 2 * half, half);
-    digests[job / threads]->work(buffer);
-  };
-  resources_.workers.parallelFor(digests.size() * threads, hash);
-}
-
-void FileCopy::decide(std::size_t destination, const Result<std::string>& copyHash,
-                      const std::string& hash) {
-  if (!copyHash.ok()) {
+void FileCopy::compare(std::size_t destination, const std::string& hash) {
+  Copy& copy = copies_[destination];
+  const auto copyHash = digest(destination)->result();
+  if (const std::string* sentence = resources_.health.givenUp(destination);
+      sentence != nullptr && !copyHash.ok()) {
+    copy.fail(*sentence);
+  } else if (!copyHash.ok()) {
     // The sentence is about reading; the number still tells whether the drive was pulled.
     static_cast<void>(resources_.health.otherError(destination, copyHash.error()));
-    outcomes_[destination] = Outcome::failed("The copy couldn't be read back");
-    targets_[destination] = SkipTarget{};
+    copy.fail("The copy couldn't be read back");
   } else if (copyHash.value() != hash) {
-    outcomes_[destination] = Outcome::failed("The copy didn't match the original");
-    targets_[destination] = SkipTarget{};
-  } else if (const auto* resume = std::get_if<ResumeTarget>(&targets_[destination])) {
+    copy.fail("The copy didn't match the original");
+  } else if (const auto* resume = copy.as<ResumeTarget>()) {
     resources_.folders.verified(destination, resume->final, true);
-    outcomes_[destination] = Outcome::verified(true);
-  } else {
-    giveFinalName(destination);
+    copy.outcome = Outcome::verified(true);
+  } else if (auto* write = copy.as<WriteTarget>()) {
+    giveFinalName(destination, write->copy);
   }
 }
 
-void FileCopy::giveFinalName(std::size_t destination) {
-  PendingCopy& copy = std::get<WriteTarget>(targets_[destination]).copy;
-  if (const int error = copy.commit(); error != 0) {
-    outcomes_[destination] = Outcome::failed(resources_.health.otherError(destination, error));
-    targets_[destination] = SkipTarget{};
+void FileCopy::giveFinalName(std::size_t destination, PendingCopy& pending) {
+  Copy& copy = copies_[destination];
+  if (const int error = pending.commit(); error != 0) {
+    copy.fail(resources_.health.otherError(destination, error));
     return;
   }
-  // Ignored on purpose: the content is verified, with or without its dates.
-  static_cast<void>(
-      resources_.system.fileSystem.setDates(copy.final(), file_.modified, file_.created));
-  resources_.folders.verified(destination, copy.final(), false);
-  outcomes_[destination] = Outcome::verified(false);
+  if (pending.modified() != file_.modified) {
+    // Ignored on purpose: the content is verified, with or without its dates.
+    static_cast<void>(
+        resources_.system.fileSystem.setDates(pending.final(), file_.modified, file_.created));
+  }
+  resources_.folders.verified(destination, pending.final(), false);
+  copy.outcome = Outcome::verified(false);
 }
 
-void FileCopy::throwIfCancelled() const {
-  if (resources_.isCancelled()) throw OffloadError::cancelled();
+void FileCopy::sourceUnreadable(int error) const {
+  throw OffloadError::sourceUnreadable(file_.relativePath + ": " + systemText(error));
 }
 
-void FileCopy::sourceUnreadable(const std::string& why) const {
-  throw OffloadError::sourceUnreadable(file_.relativePath + why);
+void FileCopy::sourceChangedSize() const {
+  throw OffloadError::sourceUnreadable(file_.relativePath +
+                                       " changed size while it was being read");
 }
 
 }  // namespace OffloadKit

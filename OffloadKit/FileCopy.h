@@ -1,75 +1,94 @@
 #pragma once
 
-#include "OffloadKit/CopyTargets.h"
-#include "OffloadKit/DestinationHealth.h"
+#include "OffloadKit/CopyResources.h"
 #include "OffloadKit/FileDigest.h"
-#include "OffloadKit/FolderFlush.h"
-#include "OffloadKit/OffloadPlan.h"
 #include "OffloadKit/OffloadResult.h"
-#include "PlatformKit/AlignedBuffer.h"
-#include "PlatformKit/System.h"
-#include "PlatformKit/WorkerPool.h"
 
-#include <functional>
+#include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace OffloadKit {
 
-/// What the copies of one run share. Everything in it outlives the copies.
-struct CopyResources {
-  const OffloadPlan& plan;
-  PlatformKit::System system;
-  const TemporaryNames& temporaryNames;
-  DestinationHealth& health;
-  FolderFlush& folders;
-  PlatformKit::WorkerPool& workers;
-  PlatformKit::AlignedBuffer& transferBuffer;
-  /// One per file that a read-back can hash at a time: every destination, and the card.
-  std::vector<PlatformKit::AlignedBuffer>& readBackBuffers;
-  const std::function<bool()>& isCancelled;
-  /// May be empty; see OffloadEngine::afterWrite.
-  const std::function<void(const PlatformKit::Path&)>& afterWrite;
-};
-
-/// Takes an increment in bytes handled.
-using Advance = std::function<void(std::uint64_t)>;
-
-/// Copies one file of the source to all destinations at once and proves every copy: streams it,
-/// hashing on the way; flushes the copies; reads every copy (and every copy of an earlier run, and
-/// with the plan's `verifySource` the source again) back from its drive; compares checksums; and
-/// only then gives each copy its final name and dates. Used once, on the run's thread.
+/// One file of the card on its way to all destinations: what is to be done on each, what went wrong
+/// there, and in the end the outcome. The steps are made in the order in which they stand here, by
+/// whoever decides what overlaps (StreamedCopy, FileGroup). Steps that take a destination may run on
+/// several threads, one for each destination; the others belong to the run's thread. What is not
+/// finished when this object goes leaves no temporary copy.
 class FileCopy {
  public:
   FileCopy(const SourceFile& file, CopyResources& resources);
 
-  /// `copied` gets the bytes of every chunk, `verifying` the file's size times the files read back.
-  /// What goes wrong on one destination becomes that destination's outcome. Throws
-  /// OffloadError::sourceUnreadable when the source cannot be read, changed its size or read
-  /// differently the second time, and OffloadError::cancelled; no temporary copy is left then.
-  OffloadedFile run(const Advance& copied, const Advance& verifying);
+  [[nodiscard]] const SourceFile& file() const { return file_; }
+
+  /// Opens the original, unless that is done, and lets the card fetch its beginning, as much as fits a
+  /// transfer buffer. Returns at once; what fails is told by `original`.
+  void fetch();
+  /// The open original, which `closeOriginal` closes. Throws OffloadError::sourceUnreadable when it cannot be opened.
+  [[nodiscard]] PlatformKit::ReadableFile& original();
+  void closeOriginal() { original_.reset(); }
+
+  /// Decides what is to be done on a destination that is not given up. `folder`: that destination's.
+  void chooseTarget(std::size_t destination, KnownFolder& folder);
+  /// Turns what went wrong so far into outcomes; nothing is done where the destination was given up.
+  void settleTargets();
+
+  /// Writes the file's next `chunk`, which begins at `offset` (bytes), where the copy is to be
+  /// written and has not failed.
+  void write(std::size_t destination, std::span<const std::byte> chunk, std::uint64_t offset);
+  /// Whether a copy is being written there and has not failed.
+  [[nodiscard]] bool isWriting(std::size_t destination) {
+    return copies_[destination].writable() != nullptr;
+  }
+  /// Dates the copy as the original, before it is flushed, so that a power cut before the move leaves
+  /// one that the next run knows.
+  void setDates(std::size_t destination);
+  /// Returns when the copy is on the drive (fsync).
+  void flush(std::size_t destination);
+  /// Closes the copies, tells `afterWrite`, and turns failed writes into outcomes.
+  void settleWrites();
+
+  /// Makes a digest of every copy that is to be read back and, if the plan wants that, of the
+  /// original; answers how many there are.
+  std::size_t prepareReadBack();
+  /// The digest of the copy on a destination or, for the number behind the last destination's, of
+  /// the original; null where nothing is to be read.
+  [[nodiscard]] FileDigest* digest(std::size_t reader) const { return digests_[reader].get(); }
+
+  /// Compares all digests with `hash`, that of the first reading, and gives what equals it its final
+  /// name. Throws OffloadError::sourceUnreadable when the original read differently.
+  OffloadedFile decide(std::string hash);
+
+  /// Throws OffloadError::sourceUnreadable with the file's path and the reason.
+  [[noreturn]] void sourceUnreadable(int error) const;
+  [[noreturn]] void sourceChangedSize() const;
 
  private:
-  std::string streamSource(const Advance& copied);
-  void writeChunk(std::span<const std::byte> chunk, std::uint64_t offset,
-                  HashKit::StreamingHasher& hasher);
-  void finishWrites();
-  void flushCopies();
-  void readBack(const std::string& hash, const Advance& verifying);
-  void hashAll(const std::vector<FileDigest*>& digests);
-  void decide(std::size_t destination, const PlatformKit::Result<std::string>& copyHash,
-              const std::string& hash);
-  void giveFinalName(std::size_t destination);
-  void throwIfCancelled() const;
-  [[noreturn]] void sourceUnreadable(const std::string& why) const;
+  struct Copy {
+    std::optional<TargetChoice> choice;
+    OffloadedFile::Outcome outcome;
+    int writeError = 0;
+
+    template <class Target>
+    [[nodiscard]] Target* as() {
+      return choice ? std::get_if<Target>(&choice->target) : nullptr;
+    }
+    /// The file to write to; null where nothing is to be written any more.
+    [[nodiscard]] PlatformKit::WritableFile* writable();
+    void fail(std::string reason);
+  };
+
+  void compare(std::size_t destination, const std::string& hash);
+  void giveFinalName(std::size_t destination, PendingCopy& copy);
 
   const SourceFile& file_;
   CopyResources& resources_;
   const PlatformKit::Path source_;
-  std::vector<OffloadedFile::Outcome> outcomes_;
-  std::vector<CopyTarget> targets_;
-  std::vector<int> writeErrors_;  // one slot per destination, each written by one worker at a time
+  std::optional<PlatformKit::Result<std::unique_ptr<PlatformKit::ReadableFile>>> original_;
+  std::vector<Copy> copies_;  // one per destination
+  std::vector<std::unique_ptr<FileDigest>> digests_;
 };
 
 }  // namespace OffloadKit

@@ -11,12 +11,16 @@ using PlatformKit::ErrorNumber;
 using PlatformKit::Result;
 
 FileDigest::FileDigest(PlatformKit::FileSystem& fileSystem, PlatformKit::Path path,
-                       HashKit::HashAlgorithm algorithm)
-    : fileSystem_(fileSystem), path_(std::move(path)), hasher_(HashKit::makeHasher(algorithm)) {}
+                       HashKit::HashAlgorithm algorithm, std::uint64_t expectedSize)
+    : fileSystem_(fileSystem),
+      path_(std::move(path)),
+      expectedSize_(expectedSize),
+      hasher_(HashKit::makeHasher(algorithm)) {}
 
 void FileDigest::work(std::span<std::byte> piece) {
   while (const auto mine = takePiece()) {
-    const auto read = readFully(*file_, piece, *mine * piece.size());
+    const std::uint64_t offset = *mine * piece.size();
+    const auto read = readFully(*file_, piece.first(lengthAt(offset, piece.size())), offset);
     std::unique_lock lock(mutex_);
     turnChanged_.wait(lock, [&] { return turn_ == *mine; });
     if (!ended_) {
@@ -30,6 +34,15 @@ void FileDigest::work(std::span<std::byte> piece) {
     ++turn_;
     turnChanged_.notify_all();
   }
+}
+
+std::size_t FileDigest::lengthAt(std::uint64_t offset, std::size_t most) const {
+  if (offset >= expectedSize_) return most;
+  // At least one byte more than is left, so that an end that comes later is noticed; whole pages, which
+  // direct reads want.
+  constexpr std::uint64_t kPage = 4096;
+  const std::uint64_t left = (expectedSize_ - offset) / kPage;
+  return left >= most / kPage ? most : static_cast<std::size_t>((left + 1) * kPage);
 }
 
 std::optional<std::uint64_t> FileDigest::takePiece() {

@@ -21,8 +21,13 @@ namespace OffloadKit {
 /// processor hashes the other.
 class FileDigest {
  public:
+  static constexpr std::uint64_t unknownSize = ~std::uint64_t{0};
+
+  /// `expectedSize` (bytes): what the file should have. Reads ask for little more than is left of it,
+  /// because the kernel fills with zeros what a direct read asks for behind the end. A file of another
+  /// size still gets a checksum other than that of the expected content.
   FileDigest(PlatformKit::FileSystem& fileSystem, PlatformKit::Path path,
-             HashKit::HashAlgorithm algorithm);
+             HashKit::HashAlgorithm algorithm, std::uint64_t expectedSize = unknownSize);
 
   /// Works until the file is hashed or has failed. `piece`: this thread's own buffer, not empty, of
   /// the same size for every thread of one file.
@@ -34,11 +39,13 @@ class FileDigest {
 
  private:
   [[nodiscard]] std::optional<std::uint64_t> takePiece();
+  [[nodiscard]] std::size_t lengthAt(std::uint64_t offset, std::size_t most) const;
   void open();
   void absorb(const PlatformKit::Result<std::size_t>& read, std::span<const std::byte> piece);
 
   PlatformKit::FileSystem& fileSystem_;
   const PlatformKit::Path path_;
+  const std::uint64_t expectedSize_;
   std::mutex mutex_;
   std::condition_variable turnChanged_;
   // All of these belong to the mutex; the hasher and the open file to whoever has the turn, or to

@@ -1,8 +1,10 @@
 #include "OffloadKit/OffloadRun.h"
 
+#include "OffloadKit/CopyBatch.h"
 #include "OffloadKit/ErrorSentences.h"
 #include "OffloadKit/OffloadError.h"
 #include "OffloadKit/Preflight.h"
+#include "OffloadKit/ReadBack.h"
 #include "OffloadKit/SourceScan.h"
 
 #include <algorithm>
@@ -96,9 +98,9 @@ void OffloadRun::copyFiles() {
   const TemporaryNames temporaryNames(relativePathsOf(files_));
   DestinationHealth health(system_, plan_.destinations);
   FolderFlush folders(system_, plan_.destinations);
-  // A read-back hashes every copy and the card at once, each with two threads.
+  // A read-back reads every copy and the card at once.
   const std::size_t readBacks = plan_.destinations.size() + (plan_.verifySource ? 1 : 0);
-  PlatformKit::WorkerPool workers(2 * readBacks);
+  PlatformKit::WorkerPool workers(kThreadsPerDrive * readBacks);
   PlatformKit::AlignedBuffer transferBuffer(plan_.chunkSize);
   std::vector<PlatformKit::AlignedBuffer> readBackBuffers;
   for (std::size_t i = 0; i < readBacks; ++i) readBackBuffers.emplace_back(plan_.chunkSize);
@@ -107,15 +109,26 @@ void OffloadRun::copyFiles() {
 
   result_.files.reserve(files_.size());
   drives_.resize(plan_.destinations.size());
-  for (const SourceFile& file : files_) {
-    copyFile(file, resources);
-    countOutcomes(result_.files.back());
+  std::span<const SourceFile> left(files_);
+  const auto takeNext = [&] {
+    NextBatch next = nextBatch(left, resources);
+    left = left.subspan(next.files.size());
+    return next;
+  };
+  for (NextBatch current = takeNext(); current.batch;) {
+    NextBatch next = takeNext();
+    for (std::size_t i = 0; i < current.files.size(); ++i) {
+      copyFile(current.files[i], [&](const CopyProgress& progress) {
+        return current.batch->finish(i, progress, next.batch.get());
+      });
+    }
+    current = std::move(next);
   }
   folders.flush(result_.files, health);
   result_.destinationErrors = health.errors();
 }
 
-void OffloadRun::copyFile(const SourceFile& file, CopyResources& resources) {
+void OffloadRun::copyFile(const SourceFile& file, const CopyStep& copy) {
   if (isCancelled_()) throw OffloadError::cancelled();
   report(Phase::copying, file.relativePath);
   const auto advance = [&](Phase phase) {
@@ -124,21 +137,23 @@ void OffloadRun::copyFile(const SourceFile& file, CopyResources& resources) {
       report(phase, file.relativePath);
     };
   };
-  std::string failure;
+  const CopyProgress progress{advance(Phase::copying), advance(Phase::verifying)};
+  std::optional<std::string> failure;
   try {
-    result_.files.push_back(
-        FileCopy(file, resources).run(advance(Phase::copying), advance(Phase::verifying)));
-    return;
+    result_.files.push_back(copy(progress));
   } catch (const OffloadError& error) {
     if (error.isCancelled()) throw;
     failure = error.errorDescription();
   } catch (const std::exception& error) {
     failure = error.what();
   }
-  done_ += workWeight_ * static_cast<double>(file.size);
-  result_.files.push_back(
-      {file, std::nullopt,
-       std::vector<Outcome>(plan_.destinations.size(), Outcome::failed(failure))});
+  if (failure) {
+    done_ += workWeight_ * static_cast<double>(file.size);
+    result_.files.push_back(
+        {file, std::nullopt,
+         std::vector<Outcome>(plan_.destinations.size(), Outcome::failed(*failure))});
+  }
+  countOutcomes(result_.files.back());
 }
 
 void OffloadRun::countOutcomes(const OffloadedFile& file) {

@@ -1,10 +1,12 @@
 #pragma once
 
-#include "OffloadKit/FileCopy.h"
+#include "OffloadKit/CopyResources.h"
 #include "OffloadKit/OffloadEngine.h"
 #include "OffloadKit/RunClosing.h"
 
 #include <functional>
+#include <memory>
+#include <span>
 #include <vector>
 
 namespace OffloadKit {
@@ -27,7 +29,8 @@ class OffloadRun {
   void lockDestinations();
   void countWork();
   void copyFiles();
-  void copyFile(const SourceFile& file, CopyResources& resources);
+  using CopyStep = std::function<OffloadedFile(const CopyProgress&)>;
+  void copyFile(const SourceFile& file, const CopyStep& copy);
   void countOutcomes(const OffloadedFile& file);
   void writeCardImage();
   void report(OffloadProgress::Phase phase, const std::string& currentFile = {}) const;

@@ -40,7 +40,8 @@ PendingCopy::PendingCopy(PendingCopy&& other) noexcept
       file_(std::move(other.file_)),
       identity_(other.identity_),
       temporary_(std::move(other.temporary_)),
-      final_(std::move(other.final_)) {}
+      final_(std::move(other.final_)),
+      modified_(other.modified_) {}
 
 PendingCopy::~PendingCopy() {
   close();
@@ -57,9 +58,10 @@ int PendingCopy::commitReplacing() {
   return committed(fileSystem_->moveReplacing(temporary_, final_));
 }
 
-int PendingCopy::checkIdentity() const {
+int PendingCopy::checkIdentity() {
   const auto status = fileSystem_->status(temporary_);
   if (!status.ok()) return status.error();
+  modified_ = status.value().modified;
   return status.value().identity == identity_ ? 0 : ESTALE;
 }
 

@@ -3,6 +3,7 @@
 #include "PlatformKit/FileSystem.h"
 
 #include <memory>
+#include <optional>
 
 namespace OffloadKit {
 
@@ -32,11 +33,13 @@ class PendingCopy {
   /// number; the temporary file then goes with this object. ESTALE when the temporary name is no longer
   /// this copy's: somebody else took it.
   [[nodiscard]] int commit();
+  /// The modification date that the copy had when it was committed; none before.
+  [[nodiscard]] std::optional<PlatformKit::Date> modified() const { return modified_; }
   /// As `commit`, but in place of a file that has that name.
   [[nodiscard]] int commitReplacing();
 
  private:
-  [[nodiscard]] int checkIdentity() const;
+  [[nodiscard]] int checkIdentity();
   int committed(int error);
   PendingCopy(PlatformKit::FileSystem& fileSystem, std::unique_ptr<PlatformKit::WritableFile> file,
               PlatformKit::ItemIdentity identity, PlatformKit::Path temporary,
@@ -48,6 +51,7 @@ class PendingCopy {
   PlatformKit::ItemIdentity identity_;
   PlatformKit::Path temporary_;
   PlatformKit::Path final_;
+  std::optional<PlatformKit::Date> modified_;
 };
 
 }  // namespace OffloadKit

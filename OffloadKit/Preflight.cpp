@@ -21,11 +21,13 @@ bool isInside(const Path& path, const Path& folder) {
          folder.end();
 }
 
+// `isNew`: there is no such folder yet, so that no file needs to be looked for.
 std::uint64_t bytesNeeded(PlatformKit::FileSystem& fileSystem, const OffloadPlan& plan,
-                          const Path& destination, const std::vector<SourceFile>& files) {
+                          const Path& destination, bool isNew,
+                          const std::vector<SourceFile>& files) {
   std::uint64_t needed = 0;
   for (const SourceFile& file : files) {
-    if (!alreadyThere(fileSystem, file, destination)) needed += file.size;
+    if (isNew || !alreadyThere(fileSystem, file, destination)) needed += file.size;
   }
   const auto first = std::find(plan.destinations.begin(), plan.destinations.end(), destination);
   const auto index = static_cast<std::size_t>(first - plan.destinations.begin());
@@ -53,7 +55,8 @@ void preflight(PlatformKit::System system, const OffloadPlan& plan,
     if (onTheCard || isInside(resolved(system.fileSystem, existing), source)) {
       throw OffloadError::destinationOnSource(name);
     }
-    const std::uint64_t needed = bytesNeeded(system.fileSystem, plan, destination, files);
+    const std::uint64_t needed =
+        bytesNeeded(system.fileSystem, plan, destination, existing != destination, files);
     const std::uint64_t available =
         std::max(drive.availableForImportantUse.value_or(0), drive.available.value_or(0));
     // Subtracting instead of adding: needed can come close to the largest number.

@@ -65,40 +65,21 @@ TEST(TemporaryNames, areHiddenNeighboursThatFitAndThatNoFileOfTheCardHas) {
 
 class Targets : public OffloadFixture {
  protected:
-  std::vector<CopyTarget> choose(const SourceFile& file) {
-    DestinationHealth health(system_, {drive(1), drive(2)});
-    outcomes_.assign(2, Outcome::failed("Not copied"));
-    return chooseTargets(fileSystem_, file, card_ / file.relativePath, {drive(1), drive(2)},
-                         TemporaryNames({file.relativePath}), health, outcomes_);
+  TargetChoice choose(int number, const SourceFile& file) {
+    KnownFolder folder;
+    return chooseTarget(fileSystem_, file, card_ / file.relativePath, drive(number),
+                        TemporaryNames({file.relativePath}).forFile(file.relativePath), folder);
   }
-  std::vector<Outcome> outcomes_;
 };
-
-TEST_F(Targets, neverOpenWhatALeftoverOfTheTemporaryNameLeadsTo) {
-  const SourceFile file{"DCIM/IMG", 5, {}, {}};
-  writeFile(drive(1) / "precious", "precious");
-  std::filesystem::create_directories(drive(1) / "DCIM");
-  std::filesystem::create_symlink(drive(1) / "precious", drive(1) / "DCIM/.IMG.zmpart");
-  std::filesystem::create_directories(drive(2) / "DCIM/.IMG.zmpart");
-  {
-    const auto targets = choose(file);
-    EXPECT_TRUE(std::holds_alternative<WriteTarget>(targets[0]));
-    EXPECT_FALSE(std::filesystem::is_symlink(drive(1) / "DCIM/.IMG.zmpart"));
-    EXPECT_TRUE(std::holds_alternative<SkipTarget>(targets[1]));
-    EXPECT_EQ(outcomes_[1], Outcome::failed("Is a directory"));
-  }
-  EXPECT_EQ(readFile(drive(1) / "precious"), "precious");
-  EXPECT_FALSE(std::filesystem::exists(drive(1) / "DCIM/.IMG.zmpart"));
-}
 
 TEST_F(Targets, leaveATakenNameAloneEvenADanglingLink) {
   const SourceFile file{"IMG", 5, {}, {}};
   writeFile(drive(1) / "IMG", "other");
   std::filesystem::create_symlink("nowhere", drive(2) / "IMG");
-  const auto targets = choose(file);
-  const auto taken =
-      Outcome::failed("A different file with this name is already in the destination folder");
-  EXPECT_THAT(outcomes_, ::testing::ElementsAre(taken, taken));
+  for (const int number : {1, 2}) {
+    EXPECT_EQ(choose(number, file).refusal,
+              "A different file with this name is already in the destination folder");
+  }
   EXPECT_EQ(readFile(drive(1) / "IMG"), "other");
   EXPECT_TRUE(std::filesystem::is_symlink(drive(2) / "IMG"));
 }

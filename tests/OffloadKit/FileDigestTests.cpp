@@ -39,6 +39,20 @@ TEST_F(Digest, isTheSameForAnyNumberOfThreadsAndAnySizeOfPieces) {
   }
 }
 
+TEST_F(Digest, neverTakesAFileOfAnotherSizeForTheExpectedOne) {
+  const std::size_t sizes[] = {0, 1, 4095, 4096, 4097, 8191, 8192, 8193, 16'384, 20'000};
+  PlatformKit::AlignedBuffer buffer(8192);
+  for (const std::size_t size : sizes) {
+    addFile("file", pattern(size));
+    for (const std::size_t wanted : sizes) {
+      FileDigest digest(fileSystem_, card_ / "file", HashAlgorithm::md5, wanted);
+      digest.work(buffer.bytes());
+      EXPECT_EQ(digest.result().value() == expected(pattern(wanted)), size == wanted)
+          << size << " " << wanted;
+    }
+  }
+}
+
 TEST_F(Digest, goesOnAfterShortReads) {
   const std::string content = pattern(50'000);
   addFile("file", content);

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "OffloadKit/CopyTargets.h"
+#include "OffloadKit/DestinationHealth.h"
+#include "OffloadKit/FolderFlush.h"
+#include "OffloadKit/OffloadPlan.h"
+#include "PlatformKit/AlignedBuffer.h"
+#include "PlatformKit/System.h"
+#include "PlatformKit/WorkerPool.h"
+
+#include <functional>
+#include <vector>
+
+namespace OffloadKit {
+
+/// What the copies of one run share. Everything in it outlives the copies.
+struct CopyResources {
+  const OffloadPlan& plan;
+  PlatformKit::System system;
+  const TemporaryNames& temporaryNames;
+  DestinationHealth& health;
+  FolderFlush& folders;
+  PlatformKit::WorkerPool& workers;
+  PlatformKit::AlignedBuffer& transferBuffer;
+  /// One per file that a read-back can hash at a time: every destination, and the card.
+  std::vector<PlatformKit::AlignedBuffer>& readBackBuffers;
+  const std::function<bool()>& isCancelled;
+  /// May be empty; see OffloadEngine::afterWrite.
+  const std::function<void(const PlatformKit::Path&)>& afterWrite;
+
+  /// How many files a read-back reads at once for each file of the card: every copy, and the
+  /// original too when the plan wants that.
+  [[nodiscard]] std::size_t readers() const {
+    return plan.destinations.size() + (plan.verifySource ? 1 : 0);
+  }
+  /// Throws OffloadError::cancelled after Stop. The run's thread.
+  void throwIfCancelled() const;
+};
+
+/// Takes an increment in bytes handled.
+using Advance = std::function<void(std::uint64_t)>;
+
+/// How the files of a card get to all destinations and are proven: `copied` gets the bytes that were read and
+/// written, `verifying` a file's size times the files that were read back.
+struct CopyProgress {
+  Advance copied;
+  Advance verifying;
+};
+
+}  // namespace OffloadKit

@@ -1,0 +1,174 @@
+#include "OffloadKit/FileGroup.h"
+
+#include "OffloadKit/ReadBack.h"
+#include "OffloadKit/Transfer.h"
+#include "PlatformKit/Posix/OpenFiles.h"
+
+#include <algorithm>
+#include <array>
+#include <set>
+#include <stdexcept>
+
+namespace OffloadKit {
+namespace {
+
+// Left to everything else that a program has open.
+constexpr std::size_t kOtherOpenFiles = 256;
+
+// A group's copies stay open until they are flushed, while the next group's originals are opened.
+std::size_t mostFiles(std::size_t destinations) {
+  const std::size_t limit = PlatformKit::openFilesLimit();
+  return limit < kOtherOpenFiles ? 1 : (limit - kOtherOpenFiles) / (destinations + 1);
+}
+
+}  // namespace
+
+std::size_t groupLength(std::span<const SourceFile> files, const CopyResources& resources) {
+  const std::size_t most = std::min(files.size(), mostFiles(resources.plan.destinations.size()));
+  // Too small a buffer to be shared by the threads that read back.
+  if (resources.plan.chunkSize < kThreadsPerDrive * kDirectPage) return 1;
+  std::uint64_t room = resources.plan.chunkSize;
+  std::set<std::string> temporaryCopies;
+  std::size_t count = 0;
+  while (count < most && files[count].size <= room) {
+    const std::string key = resources.temporaryNames.keyOf(files[count].relativePath);
+    if (!temporaryCopies.insert(key).second) break;
+    room -= files[count].size;
+    ++count;
+  }
+  return std::max<std::size_t>(count, 1);
+}
+
+FileGroup::FileGroup(std::span<const SourceFile> files, CopyResources& resources)
+    : resources_(resources) {
+  std::span<std::byte> room = resources.transferBuffer.bytes();
+  for (const SourceFile& file : files) {
+    items_.emplace_back(file, resources, room.first(file.size));
+    room = room.subspan(file.size);
+  }
+}
+
+void FileGroup::fetch() {
+  for (Item& item : items_) item.copy.fetch();
+}
+
+OffloadedFile FileGroup::finish(std::size_t number, const CopyProgress& progress, CopyBatch* next) {
+  if (!prepared_) prepare(next);
+  Item& item = items_[number];
+  if (!failure_.empty()) throw std::runtime_error(failure_);
+  resources_.throwIfCancelled();
+  if (item.bytesRead > 0) {
+    progress.copied(item.bytesRead);
+    resources_.throwIfCancelled();
+  }
+  if (item.unreadable) throw *item.unreadable;
+  progress.verifying(item.copy.file().size * item.readers);
+  return item.copy.decide(std::move(item.hash));
+}
+
+void FileGroup::prepare(CopyBatch* next) {
+  prepared_ = true;
+  try {
+    copyAll(next);
+  } catch (const OffloadError&) {
+    throw;
+  } catch (const std::exception& error) {
+    failure_ = error.what();
+  }
+}
+
+void FileGroup::copyAll(CopyBatch* next) {
+  chooseAndRead();
+  if (next != nullptr) next->fetch();
+  resources_.throwIfCancelled();
+  write();
+  flush();
+  settle();
+  resources_.throwIfCancelled();
+  readBack();
+}
+
+void FileGroup::chooseAndRead() {
+  const std::size_t destinations = resources_.plan.destinations.size();
+  for (std::size_t i = 0; i < destinations; ++i) resources_.health.checkVolume(i);
+  const auto choose = [&](std::size_t i) {
+    KnownFolder folder;
+    for (Item& item : items_) item.copy.chooseTarget(i, folder);
+  };
+  auto choosing = resources_.workers.start(destinations, choose);
+  fetch();
+  for (Item& item : items_) {
+    try {
+      read(item);
+    } catch (const OffloadError& error) {
+      item.unreadable = error;
+    }
+    item.copy.closeOriginal();
+  }
+  choosing.wait();
+}
+
+void FileGroup::read(Item& item) {
+  PlatformKit::ReadableFile& source = item.copy.original();
+  const auto count = readFully(source, item.buffer, 0);
+  if (!count.ok()) item.copy.sourceUnreadable(count.error());
+  item.bytesRead = count.value();
+  std::array<std::byte, 1> beyond{};
+  const auto more = source.readAt(beyond, item.bytesRead);
+  if (!more.ok()) item.copy.sourceUnreadable(more.error());
+  if (item.bytesRead != item.copy.file().size || more.value() != 0) {
+    item.copy.sourceChangedSize();
+  }
+  source.discard(0, item.bytesRead);
+  const auto hasher = makeHasher(resources_.plan.algorithm);
+  hasher->update(item.buffer);
+  item.hash = hasher->finalize();
+}
+
+void FileGroup::write() {
+  const auto writeAll = [&](std::size_t i) {
+    for (Item& item : items_) {
+      if (item.unreadable) continue;
+      if (!item.buffer.empty()) item.copy.write(i, item.buffer, 0);
+      item.copy.setDates(i);
+    }
+  };
+  resources_.workers.parallelFor(resources_.plan.destinations.size(), writeAll);
+}
+
+void FileGroup::flush() {
+  // The drive writes everything in one go, so that the flush of each copy, which alone tells of that copy's
+  // errors, finds little to do.
+  const auto flushVolume = [&](std::size_t i) {
+    if (std::none_of(items_.begin(), items_.end(),
+                     [i](Item& item) { return item.copy.isWriting(i); })) {
+      return;
+    }
+    static_cast<void>(resources_.system.fileSystem.flushVolume(resources_.plan.destinations[i]));
+  };
+  const std::size_t destinations = resources_.plan.destinations.size();
+  resources_.workers.parallelFor(destinations, flushVolume);
+  const auto flushOne = [&](std::size_t i, std::size_t /*thread*/, std::size_t number) {
+    if (!items_[number].unreadable) items_[number].copy.flush(i);
+  };
+  onEveryDrive(resources_.workers, destinations, items_.size(), flushOne);
+}
+
+void FileGroup::settle() {
+  for (Item& item : items_) {
+    item.copy.settleTargets();
+    if (!item.unreadable) item.copy.settleWrites();
+  }
+}
+
+void FileGroup::readBack() {
+  std::vector<FileCopy*> copies;
+  for (Item& item : items_) {
+    if (item.unreadable) continue;
+    item.readers = item.copy.prepareReadBack();
+    copies.push_back(&item.copy);
+  }
+  OffloadKit::readBack(copies, resources_);
+}
+
+}  // namespace OffloadKit

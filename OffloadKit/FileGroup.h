@@ -1,0 +1,60 @@
+#pragma once
+
+#include "OffloadKit/CopyBatch.h"
+#include "OffloadKit/FileCopy.h"
+#include "OffloadKit/OffloadError.h"
+
+#include <deque>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace OffloadKit {
+
+/// How many files from the beginning of `files` on make one group: at least one, and more while
+/// together they fit the transfer buffer, leave enough descriptors, and no two of them would have
+/// the same temporary copy on a drive that does not tell upper from lower case.
+std::size_t groupLength(std::span<const SourceFile> files, const CopyResources& resources);
+
+/// Copies several small files at once, because what they cost one by one is mostly waiting: for one
+/// flush and one answer of the drive each. The group is read, written everywhere, flushed together
+/// and read back together; nothing of it has its final name before. What can be seen from outside is
+/// as if one file had been copied after the other (see StreamedCopy), with the calls of progress, of `isCancelled` and
+/// the final names in the order of the files. Used once, on the run's thread.
+class FileGroup final : public CopyBatch {
+ public:
+  /// `files`: as many as groupLength says; they outlive the group.
+  FileGroup(std::span<const SourceFile> files, CopyResources& resources);
+
+  void fetch() override;
+  /// The first call does the work of all.
+  OffloadedFile finish(std::size_t number, const CopyProgress& progress, CopyBatch* next) override;
+
+ private:
+  struct Item {
+    Item(const SourceFile& file, CopyResources& resources, std::span<std::byte> room)
+        : copy(file, resources), buffer(room) {}
+    FileCopy copy;
+    std::span<std::byte> buffer;
+    std::uint64_t bytesRead = 0;
+    std::string hash;
+    std::size_t readers = 0;
+    std::optional<OffloadError> unreadable;
+  };
+
+  void prepare(CopyBatch* next);
+  void copyAll(CopyBatch* next);
+  void chooseAndRead();
+  void read(Item& item);
+  void write();
+  void flush();
+  void settle();
+  void readBack();
+
+  CopyResources& resources_;
+  std::deque<Item> items_;  // never moved: workers hold on to them
+  bool prepared_ = false;
+  std::string failure_;  // of the group as a whole
+};
+
+}  // namespace OffloadKit
