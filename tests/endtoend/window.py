@@ -68,12 +68,20 @@ class Screen:
     """What assistive technology sees of one launch of the program."""
 
     def __init__(self, command):
+        from gi.repository import Atspi
+
+        # The registry runs before the program looks for it: asked first, it starts.
+        Atspi.get_desktop(0).get_child_count()
         self.process = subprocess.Popen(command)
 
     def application(self):
-        from gi.repository import Atspi
+        from gi.repository import Atspi, GLib
 
+        # What was asked is remembered, and news of it comes only by a loop that nobody runs here.
+        while GLib.MainContext.default().iteration(False):
+            pass
         desktop = Atspi.get_desktop(0)
+        desktop.clear_cache()
         for i in range(desktop.get_child_count()):
             child = desktop.get_child_at_index(i)
             if child is not None and child.get_process_id() == self.process.pid:
