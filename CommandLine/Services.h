@@ -37,7 +37,9 @@ struct Services {
   // The desktop's disk service is asked first, since it knows the user's session; where there is
   // none, a helper of ours is started as the administrator.
   PlatformKit::LinuxRawDevices devices;
-  PlatformKit::HelperOpener helper{{"pkexec", ZEPHRIMARK_DEVICE_HELPER}};
+  PlatformKit::HelperOpener helper{
+      {"pkexec",
+       PlatformKit::helperProgram(PlatformKit::programFolder(), ZEPHRIMARK_DEVICE_HELPER)}};
   DeviceKit::RawDeviceAccess rawDevices{devices, {&udisks, &helper}};
 };
 

@@ -32,7 +32,9 @@ struct Machine {
   // none, a helper of ours is started as the administrator.
   PlatformKit::LinuxRawDevices devices;
   DiskServices::UDisks udisks;
-  PlatformKit::HelperOpener helper{{"pkexec", ZEPHRIMARK_DEVICE_HELPER}};
+  PlatformKit::HelperOpener helper{
+      {"pkexec",
+       PlatformKit::helperProgram(PlatformKit::programFolder(), ZEPHRIMARK_DEVICE_HELPER)}};
   DeviceKit::RawDeviceAccess rawDevices{devices, {&udisks, &helper}};
 };
 

@@ -1,5 +1,6 @@
 #include "OffloadKit/Version.h"
 #include "PlatformKit/Posix/Interrupts.h"
+#include "PlatformKit/Posix/OpenFiles.h"
 #include "PlatformKit/Posix/Terminal.h"
 #include "Updates/AppUpdater.h"
 #include "ZephrimarkOffload/Desktop/DesktopServices.h"
@@ -23,7 +24,6 @@
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
-#include <QIcon>
 #include <QSessionManager>
 #include <QTimer>
 
@@ -171,6 +171,7 @@ std::optional<std::string> answerTo(const std::vector<std::string>& arguments) {
 
 int main(int argc, char** argv) {
   PlatformKit::openMissingStandardStreams();
+  PlatformKit::raiseOpenFilesLimit();
   const std::vector<std::string> arguments(argv + 1, argv + argc);
   if (const auto answer = answerTo(arguments)) {
     std::cout << *answer;
@@ -188,7 +189,7 @@ int main(int argc, char** argv) {
   QGuiApplication::setApplicationName("Zephrimark Offload");
   QGuiApplication::setDesktopFileName("com.zephrimark.offload");
   ZephrimarkUI::prepareApplication();
-  QGuiApplication::setWindowIcon(QIcon(":/qt/qml/ZephrimarkUI/icons/appicon.svg"));
+  QGuiApplication::setWindowIcon(ZephrimarkUI::applicationIcon());
   const int status = start(application, arguments, token);
   // All work is done and everything is closed. What may be left are threads that wait for a dead
   // volume, which must not meet the objects of the program being destroyed.

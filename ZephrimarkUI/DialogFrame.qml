@@ -13,9 +13,12 @@ T.Dialog {
     // The name of an Icon beside the title.
     property string symbol
     property color symbolColor: Brand.orange
+    property int symbolSize: 22
     // Where the keyboard was when the dialog opened; it goes back there.
     property Item before: null
 
+    // What stands below the message.
+    property alias details: detailColumn.data
     // The buttons, from left to right.
     default property alias buttons: buttonRow.data
 
@@ -46,11 +49,13 @@ T.Dialog {
                 Layout.alignment: Qt.AlignTop
                 name: dialog.symbol
                 color: dialog.symbolColor
-                size: 22
+                size: dialog.symbolSize
             }
 
             TextLabel {
                 Layout.fillWidth: true
+                Layout.fillHeight: true
+                verticalAlignment: Text.AlignVCenter
                 text: dialog.title
                 textFormat: Text.PlainText
                 font: Brand.headline
@@ -67,6 +72,13 @@ T.Dialog {
             color: Brand.secondaryText
             lineHeight: 1.15
             wrapMode: Text.Wrap
+        }
+
+        ColumnLayout {
+            id: detailColumn
+
+            visible: children.length > 0
+            spacing: Brand.tiny
         }
 
         RowLayout {

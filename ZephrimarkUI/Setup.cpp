@@ -28,4 +28,16 @@ void prepareEngine(QQmlEngine& engine) {
   engine.addImageProvider(QStringLiteral("icon"), new IconProvider);  // the engine owns it
 }
 
+QImage applicationImage(int edge) {
+  return IconProvider().requestImage(QStringLiteral("appicon/000000"), nullptr, {edge, edge});
+}
+
+QIcon applicationIcon() {
+  QIcon icon;
+  for (const int edge : {16, 22, 24, 32, 48, 64, 128, 256}) {
+    icon.addPixmap(QPixmap::fromImage(applicationImage(edge)));
+  }
+  return icon;
+}
+
 }  // namespace ZephrimarkUI

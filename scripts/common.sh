@@ -3,26 +3,32 @@
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
+# The window needs these where it runs; a package depends on the first and recommends the others.
+window_packages=(
+  qml6-module-qtqml qml6-module-qtqml-workerscript qml6-module-qtquick qml6-module-qtquick-controls
+  qml6-module-qtquick-templates qml6-module-qtquick-layouts qml6-module-qtquick-window
+  qml6-module-qtquick-dialogs qml6-module-qt-labs-folderlistmodel libqt6svg6
+)
+font_packages=(fonts-inter fonts-dejavu-core)
 build_packages=(
   g++ cmake ninja-build pkg-config
   libssl-dev libexpat1-dev libicu-dev libfmt-dev libcli11-dev nlohmann-json3-dev libsystemd-dev
   qt6-base-dev qt6-declarative-dev qt6-declarative-dev-tools qt6-svg-dev
-  # The window needs these where it runs.
-  qml6-module-qtqml qml6-module-qtqml-workerscript qml6-module-qtquick qml6-module-qtquick-controls
-  qml6-module-qtquick-templates qml6-module-qtquick-layouts qml6-module-qtquick-window
-  qml6-module-qtquick-dialogs qml6-module-qt-labs-folderlistmodel libqt6svg6
-  fonts-inter fonts-dejavu-core
+  "${window_packages[@]}" "${font_packages[@]}"
 )
+package_packages=(debhelper dpkg-dev)
+package_test_packages=(lintian desktop-file-utils appstream mmdebstrap)
 test_packages=(
   libgtest-dev libgmock-dev
   # Real faults, real disks and the services of a desktop; a test whose package is missing says so
   # and is skipped.
   libfuse3-dev fuse3 e2fsprogs fdisk mount libxml2-utils
-  dbus polkitd pkexec udisks2 udev python3-dbus python3-gi openssl
+  xfsprogs btrfs-progs exfatprogs exfat-fuse ntfs-3g
+  strace dbus polkitd pkexec udisks2 udev python3-dbus python3-gi openssl
   # The window without a screen, and with one that a screen reader looks at.
   qml6-module-qttest xvfb xauth at-spi2-core gir1.2-atspi-2.0
 )
-benchmark_packages=(libbenchmark-dev libxxhash-dev)
+benchmark_packages=(libbenchmark-dev libxxhash-dev xxhash rsync rclone)
 
 # install_missing PACKAGE...: installs those that are not there yet, and says which.
 install_missing() {

@@ -7,7 +7,6 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <cstdint>
 #include <cstring>
 #include <string_view>
 #include <system_error>
@@ -63,9 +62,8 @@ bool isFromTheSystem(msghdr& message) {
 
 LinuxVolumeWatcher::~LinuxVolumeWatcher() {
   if (!thread_.joinable()) return;
-  const std::uint64_t one = 1;
   // This cannot fail: the counter is far from full.
-  static_cast<void>(write(stop_.get(), &one, sizeof one));
+  static_cast<void>(eventfd_write(stop_.get(), 1));
   thread_.join();
 }
 

@@ -103,6 +103,18 @@ PrivilegedOpener::Answer openWith(const std::vector<std::string>& command, const
 
 }  // namespace
 
+Path programFolder() {
+  std::error_code error;
+  const Path program = std::filesystem::read_symlink("/proc/self/exe", error);
+  return error ? Path("/") : program.parent_path();
+}
+
+Path helperProgram(const Path& folder, const Path& installed) {
+  const Path place = (folder / installed).lexically_normal();
+  std::error_code error;
+  return std::filesystem::exists(place, error) ? place : folder / installed.filename();
+}
+
 PrivilegedOpener::Answer HelperOpener::openReadOnly(const Path& device) {
   try {
     if (std::any_of(command_.begin(), command_.end(), isMissing)) return {};

@@ -7,6 +7,15 @@
 
 namespace PlatformKit {
 
+/// The folder of the running program, with links resolved; "/" when the system does not tell.
+Path programFolder();
+
+/// The path of a helper program. An installation has it at `installed`, seen from the `folder` of the
+/// program it belongs to, such as "../libexec/zephrimark-open-device"; when there is nothing, it is
+/// right in that folder, as it is before anything is installed. Without "..", as pkexec's actions name
+/// it; nothing needs to be there.
+Path helperProgram(const Path& folder, const Path& installed);
+
 /// Has devices opened by another program, which runs with more rights and hands the descriptor back
 /// over its standard output, a socket.
 class HelperOpener final : public PrivilegedOpener {

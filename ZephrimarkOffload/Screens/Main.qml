@@ -164,6 +164,7 @@ ApplicationWindow {
 
         objectName: "about"
         version: window.shell.version
+        components: window.shell.components
     }
 
     MessageDialog {

@@ -4,6 +4,8 @@
 #include "ZephrimarkOffload/Model/PlatformWords.h"
 #include "ZephrimarkOffload/Screens/Text.h"
 
+#include <QFile>
+
 namespace ZephrimarkOffload {
 
 Shell::Shell(OffloadModel& model, PlatformKit::Path home, DonePresenter::PathAction reveal,
@@ -63,6 +65,19 @@ QString Shell::showInFileBrowser() {
 QString Shell::version() {
   const std::string_view version = OffloadKit::productVersion();
   return QString::fromUtf8(version.data(), static_cast<qsizetype>(version.size()));
+}
+
+QVariantList Shell::components() {
+  QVariantList components;
+  QFile list(QStringLiteral(":/qt/qml/ZephrimarkOffload/licences.txt"));
+  if (!list.open(QIODevice::ReadOnly)) return components;  // it is part of the program
+  const QStringList lines = QString::fromUtf8(list.readAll()).split(u'\n', Qt::SkipEmptyParts);
+  for (const QString& line : lines) {
+    const QStringList columns = line.split(QStringLiteral(" | "));
+    if (line.startsWith(u'#') || columns.size() < 2) continue;
+    components << QVariantMap{{"name", columns[0]}, {"licence", columns[1]}};
+  }
+  return components;
 }
 
 }  // namespace ZephrimarkOffload

@@ -6,6 +6,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <QVariantList>
 #include <QtQml/qqmlregistration.h>
 
 namespace ZephrimarkOffload {
@@ -27,6 +28,8 @@ class Shell final : public QObject {
   Q_PROPERTY(QString failedMessage READ failedMessage NOTIFY stageChanged)
   Q_PROPERTY(QString showInFileBrowser READ showInFileBrowser CONSTANT)
   Q_PROPERTY(QString version READ version CONSTANT)
+  // What others made that the program consists of: "name" and "licence" of each.
+  Q_PROPERTY(QVariantList components READ components CONSTANT)
   Q_PROPERTY(ZephrimarkOffload::SetupPresenter* setup READ setup CONSTANT)
   Q_PROPERTY(ZephrimarkOffload::RunningPresenter* running READ running CONSTANT)
   Q_PROPERTY(ZephrimarkOffload::DonePresenter* done READ done CONSTANT)
@@ -46,6 +49,7 @@ class Shell final : public QObject {
   [[nodiscard]] QString failedMessage() const;
   [[nodiscard]] static QString showInFileBrowser();
   [[nodiscard]] static QString version();
+  [[nodiscard]] static QVariantList components();
   [[nodiscard]] SetupPresenter* setup() { return &setup_; }
   [[nodiscard]] RunningPresenter* running() { return &running_; }
   [[nodiscard]] DonePresenter* done() { return &done_; }

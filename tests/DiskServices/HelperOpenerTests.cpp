@@ -105,6 +105,18 @@ class FakeHelper : public ::testing::Test {
   const std::set<int> before_ = openDescriptors();
 };
 
+TEST(HelperProgram, IsWhereAnInstallationHasItOrBesideTheProgram) {
+  const TempFolder prefix;
+  const Path programs = prefix.path() / "bin";
+  const Path installed = "../libexec/zephrimark-open-device";
+  EXPECT_EQ(PlatformKit::helperProgram(programs, installed), programs / "zephrimark-open-device");
+  const Path helper = prefix.path() / "libexec/zephrimark-open-device";
+  writeFile(helper, "");
+  EXPECT_EQ(PlatformKit::helperProgram(programs, installed), helper);
+  EXPECT_EQ(PlatformKit::programFolder(),
+            std::filesystem::canonical("/proc/self/exe").parent_path());
+}
+
 TEST_F(FakeHelper, TellsARefusalFromAHelperThatDoesNotWork) {
   EXPECT_EQ(kindOf("exit 126"), Kind::declined);
   EXPECT_EQ(kindOf("exit 127"), Kind::declined);

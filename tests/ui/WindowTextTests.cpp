@@ -107,7 +107,7 @@ const std::map<std::string, QStringList> kTexts = {
       "Kestrine to look for deleted files"}},
     {"failed",
      {"The offload couldn't start", "Backup (A001) needs 64.31 GB free but has 51.2 GB.", "Back"}},
-    {"about", {"OK"}}};
+    {"about", {"OK", "Qt 6", "LGPL-3.0-only", "CLI11", "BSD-3-Clause", "Inter", "OFL-1.1"}}};
 
 }  // namespace
 
