@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# run.sh BUILD: runs every benchmark of a build and prints its figures. Only ratios mean anything on a
-# machine that does other things too.
+# run.sh BUILD [OPTION...]: runs every benchmark of a build and prints its figures; options are those of
+# peers.py, which compares whole offloads with other tools. Only ratios mean anything on a machine that
+# does other things too.
 set -uo pipefail
 build=$1/benchmarks
 status=0
@@ -30,4 +31,6 @@ echo
 "$build/ListBenchmark" || status=1
 "$build/ImagingBenchmark" || status=1
 "$(dirname "$0")/window.sh" "$1/bin/zephrimark-offload" || status=1
+echo
+"$(dirname "$0")/peers.py" "$1/bin/zephrimark" "${@:2}" || status=1
 exit "$status"
