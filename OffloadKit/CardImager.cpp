@@ -1,6 +1,7 @@
 #include "OffloadKit/CardImager.h"
 
 #include "DeviceKit/DeviceError.h"
+#include "OffloadKit/CopyTargets.h"
 #include "OffloadKit/ErrorSentences.h"
 #include "OffloadKit/FileDigest.h"
 #include "OffloadKit/FolderPreset.h"
@@ -38,6 +39,9 @@ class Imaging {
 
   /// Writes, checks and names the image. Answers its checksum; `written()` is its size.
   std::string save(const Path& folder, const Path& temporary, const Path& final) {
+    if (leadsOut(system_.fileSystem, final, folder.parent_path())) {
+      throw Failure{"A link in the destination folder leads to another place"};
+    }
     check(createFolders(system_.fileSystem, folder));
     if (system_.fileSystem.status(final).ok()) {
       throw Failure{"An image with this name is already there"};

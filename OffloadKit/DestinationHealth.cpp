@@ -11,22 +11,22 @@ DestinationHealth::DestinationHealth(PlatformKit::System system,
     : system_(system), destinations_(destinations) {
   for (std::size_t i = 0; i < destinations.size(); ++i) {
     devices_.push_back(system.volumes.facts(destinations[i]).device);
-    volumes_.push_back(volumeOf(i));
+    places_.push_back(placeOf(i));
   }
 }
 
 void DestinationHealth::checkVolume(std::size_t destination) {
-  if (volumes_[destination] && volumeOf(destination) != volumes_[destination]) {
+  if (places_[destination] && placeOf(destination) != places_[destination]) {
     givenUp_.emplace(destination, describe(ENODEV));
   }
 }
 
-std::optional<std::uint64_t> DestinationHealth::volumeOf(std::size_t destination) const {
+std::optional<DestinationHealth::Place> DestinationHealth::placeOf(std::size_t destination) const {
   const auto folder = system_.fileSystem.resolve(destinations_[destination]);
   if (!folder.ok()) return std::nullopt;
   const auto status = system_.fileSystem.status(folder.value());
   if (!status.ok()) return std::nullopt;
-  return status.value().identity.volume;
+  return Place{folder.value(), status.value().identity.volume};
 }
 
 std::string DestinationHealth::contentError(std::size_t destination, int error) {

@@ -29,8 +29,9 @@ class DestinationHealth {
   /// gone.
   std::string otherError(std::size_t destination, int error);
 
-  /// Looks whether the destination still lies on the volume it lay on at the start; an unmounted drive
-  /// leaves an empty folder behind, which lies on another. If not, gives it up as disconnected.
+  /// Looks whether the destination still is where it was at the start: an unmounted drive leaves an
+  /// empty folder behind, which lies on another volume, and a link may have been put in a folder's
+  /// place. If not, gives it up as disconnected.
   void checkVolume(std::size_t destination);
 
   /// The sentence that made the run give the destination up; null while it is of use.
@@ -42,12 +43,17 @@ class DestinationHealth {
  private:
   [[nodiscard]] bool isPulled(std::size_t destination, int error) const;
 
-  [[nodiscard]] std::optional<std::uint64_t> volumeOf(std::size_t destination) const;
+  struct Place {
+    PlatformKit::Path folder;  ///< without links
+    std::uint64_t volume;
+    friend bool operator==(const Place&, const Place&) = default;
+  };
+  [[nodiscard]] std::optional<Place> placeOf(std::size_t destination) const;
 
   PlatformKit::System system_;
   std::vector<PlatformKit::Path> destinations_;
   std::vector<std::optional<PlatformKit::DeviceNumber>> devices_;
-  std::vector<std::optional<std::uint64_t>> volumes_;
+  std::vector<std::optional<Place>> places_;
   std::map<std::size_t, std::string> givenUp_;
 };
 

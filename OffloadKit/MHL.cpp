@@ -1,6 +1,7 @@
 #include "OffloadKit/MHL.h"
 
 #include "OffloadKit/C4.h"
+#include "OffloadKit/CopyTargets.h"
 #include "OffloadKit/ErrorSentences.h"
 #include "OffloadKit/FileDigest.h"
 #include "OffloadKit/MHLDocuments.h"
@@ -11,6 +12,7 @@
 #include "PlatformKit/Unicode.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <limits>
 #include <system_error>
 
@@ -53,6 +55,8 @@ void addReports(System system, const Path& folder, HashKit::HashAlgorithm algori
   const std::size_t before = rows.size();
   for (const auto& item : listing.value().entries) {
     if (!item.name.starts_with("Offload Report") || !item.status.ok()) continue;
+    // Anybody may have put a pipe or a device there; opening alone can do things to those.
+    if (item.status.value().kind != PlatformKit::ItemKind::regularFile) continue;
     const auto isListed = [&](const Entry& row) { return row.path == item.name; };
     const auto end = rows.begin() + static_cast<std::ptrdiff_t>(before);
     if (std::any_of(rows.begin(), end, isListed)) continue;
@@ -73,6 +77,20 @@ std::vector<Entry> inFileBrowserOrder(std::vector<Entry> rows) {
     sorted.push_back(std::move(rows[position]));
   }
   return sorted;
+}
+
+// Whether copies lie in the folder of lists: on a drive that does not tell upper from lower case, where a
+// card's folder "ASCMHL" is the same one.
+bool holdsCopies(PlatformKit::FileSystem& fileSystem, const Path& folder, const Path& lists,
+                 const std::vector<OffloadedFile>& files) {
+  const auto ours = fileSystem.status(lists);
+  return ours.ok() && std::any_of(files.begin(), files.end(), [&](const OffloadedFile& file) {
+           const std::string& path = file.file.relativePath;
+           const std::string top = path.substr(0, path.find('/'));
+           if (PlatformKit::upperCase(top) != "ASCMHL") return false;
+           const auto theirs = fileSystem.status(folder / top);
+           return theirs.ok() && theirs.value().identity == ours.value().identity;
+         });
 }
 
 // Number and time are what a reader needs; a long folder name gives way to them.
@@ -110,7 +128,11 @@ Path writeGeneration(System system, const std::vector<OffloadedFile>& files,
                      std::size_t destinationIndex, const Path& folder,
                      const std::vector<Entry>& extra, HashKit::HashAlgorithm algorithm, Date now) {
   const Path lists = folder / "ascmhl";
+  // A link there would have the lists written, and another chain replaced, somewhere else.
+  if (leadsOut(system.fileSystem, lists / kChainName, folder)) throwIf(ELOOP);
   throwIf(createFolders(system.fileSystem, lists));
+  // No list is worth a verified copy that it would replace.
+  if (holdsCopies(system.fileSystem, folder, lists, files)) throwIf(EEXIST);
   std::vector<ChainEntry> chain = readChain(system.fileSystem, lists);
 
   std::vector<Entry> rows = rowsOf(files, destinationIndex);

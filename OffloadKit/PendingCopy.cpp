@@ -45,7 +45,11 @@ PendingCopy::PendingCopy(PendingCopy&& other) noexcept
 
 PendingCopy::~PendingCopy() {
   close();
-  if (fileSystem_ != nullptr) static_cast<void>(fileSystem_->removeFile(temporary_));
+  if (fileSystem_ == nullptr) return;
+  // Somebody may have put a file of their own there, or a link in place of a folder above.
+  const auto there = fileSystem_->status(temporary_);
+  if (there.ok() && there.value().identity != identity_) return;
+  static_cast<void>(fileSystem_->removeFile(temporary_));
 }
 
 int PendingCopy::commit() {

@@ -2,9 +2,12 @@
 
 #include "DeviceKit/DeviceError.h"
 #include "OffloadKit/CardImager.h"
+#include "OffloadKit/ErrorSentences.h"
 #include "OffloadKit/MHL.h"
 #include "OffloadKit/OffloadError.h"
 #include "OffloadKit/OffloadReport.h"
+
+#include <cerrno>
 
 namespace OffloadKit {
 namespace {
@@ -17,6 +20,12 @@ void addUnlessItFails(std::vector<PlatformKit::Path>& list, Write write) {
   } catch (const std::exception&) {
     return;
   }
+}
+
+// Where such a drive was mounted, a folder of the computer's own disk comes to light.
+bool isDisconnected(const OffloadResult& result, std::size_t destination) {
+  const auto error = result.destinationErrors.find(destination);
+  return error != result.destinationErrors.end() && error->second == describe(ENODEV);
 }
 
 }  // namespace
@@ -49,7 +58,7 @@ std::optional<CardImageResult> RunClosing::writeCardImage(
 
 void RunClosing::writeRecords(OffloadResult& result) const {
   for (std::size_t i = 0; i < plan_.destinations.size(); ++i) {
-    if (result.verifiedCount(i) == 0) continue;
+    if (result.verifiedCount(i) == 0 || isDisconnected(result, i)) continue;
     addUnlessItFails(result.reports, [&] { return OffloadReport::write(system_, result, i); });
     addUnlessItFails(result.mhlFiles, [&] { return writeHashList(result, i); });
   }

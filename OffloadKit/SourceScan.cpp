@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 
 namespace OffloadKit {
 namespace {
@@ -21,6 +22,12 @@ constexpr std::array<std::string_view, 8> kIgnoredNames = {".DS_Store",
                                                            ".DocumentRevisions-V100",
                                                            "System Volume Information",
                                                            "ascmhl"};
+
+// A damaged card, or a driver that believes it, can tell names that would lead out of their folder, here
+// and on the drives.
+bool isPlainName(std::string_view name) {
+  return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos;
+}
 
 // Walks depth-first with a stack of its own: a card decides how deep its folders go.
 class Walk {
@@ -53,6 +60,10 @@ class Walk {
 
   void visit(const FolderEntry& entry, std::string relativePath) {
     if (isIgnoredName(entry.name)) return;
+    if (!isPlainName(entry.name)) {
+      unreadable(std::move(relativePath), EUCLEAN);
+      return;
+    }
     if (!entry.status.ok()) {
       unreadable(std::move(relativePath), entry.status.error());
       return;

@@ -124,8 +124,9 @@ class FileSystem {
   /// The items of a folder. The folder's access date stays as it is where the system allows that.
   [[nodiscard]] virtual Result<FolderListing> list(const Path& folder) = 0;
 
-  /// Opens a file for reading; a symbolic link in the last place is refused (ELOOP), a pipe never
-  /// blocks. The file's access date stays as it is where the system allows that.
+  /// Opens a regular file for reading. Refused are a symbolic link in the last place (ELOOP), a folder
+  /// (EISDIR), a pipe or a device (EOPNOTSUPP; never blocks) and a socket (ENXIO). The file's access
+  /// date stays as it is where the system allows that.
   [[nodiscard]] virtual Result<std::unique_ptr<ReadableFile>> openForReading(const Path& path,
                                                                              ReadMode mode) = 0;
 

@@ -62,6 +62,15 @@ int done(int result) {
   return result == 0 ? 0 : errno;
 }
 
+// What somebody has put in a file's place since it was listed: a device may have no end, or do
+// something when it is read.
+int errorUnlessRegularFile(int fd) {
+  struct stat status {};
+  if (fstat(fd, &status) != 0) return errno;
+  if (S_ISREG(status.st_mode)) return 0;
+  return S_ISDIR(status.st_mode) ? EISDIR : EOPNOTSUPP;
+}
+
 }  // namespace
 
 Result<ItemStatus> LinuxFileSystem::status(const Path& path) {
@@ -106,6 +115,9 @@ Result<std::unique_ptr<ReadableFile>> LinuxFileSystem::openForReading(const Path
     if (opened.ok()) static_cast<void>(fdatasync(opened.value().get()));
   }
   if (!opened.ok()) return ErrorNumber{opened.error()};
+  if (const int error = errorUnlessRegularFile(opened.value().get()); error != 0) {
+    return ErrorNumber{error};
+  }
   return std::unique_ptr<ReadableFile>(
       std::make_unique<LinuxReadableFile>(std::move(opened.value()), direct));
 }

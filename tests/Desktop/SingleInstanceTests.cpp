@@ -4,12 +4,18 @@
 #include "tests/Desktop/Process.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <memory>
 #include <vector>
 
 #include <QFileInfo>
 #include <QLocalSocket>
+#include <grp.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace ZephrimarkOffload::Testing {
 namespace {
@@ -111,6 +117,35 @@ TEST_F(SingleInstanceTest, HostileConnectionsDoNoHarm) {
   startAnother(other, "XDG_ACTIVATION_TOKEN", "good");
   EXPECT_EQ(other.line(), "acknowledged");
   EXPECT_EQ(activations_, std::vector<QString>{"good"});
+}
+
+TEST_F(SingleInstanceTest, OtherUsersCannotReachIt) {
+  if (geteuid() != 0) GTEST_SKIP() << "Only the administrator can become another user.";
+  namespace fs = std::filesystem;
+  fs::permissions(runtime_.path(), fs::perms(0755));
+  fs::create_directory(folder_);
+  fs::permissions(folder_, fs::perms::all);
+  const auto first = newInstance();
+  ASSERT_EQ(first->claim(""), Role::first);
+  // Whether a user reaches the socket: 0 or the error number.
+  const auto reaches = [&](unsigned user) {
+    const pid_t child = fork();
+    if (child == 0) {
+      sockaddr_un address{};
+      address.sun_family = AF_UNIX;
+      (folder_ / "socket").native().copy(address.sun_path, sizeof address.sun_path - 1);
+      const int number = ::socket(AF_UNIX, SOCK_STREAM, 0);
+      if (setgroups(0, nullptr) != 0 || setgid(user) != 0 || setuid(user) != 0) _exit(99);
+      const bool reached =
+          ::connect(number, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+      _exit(reached ? 0 : errno);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WEXITSTATUS(status);
+  };
+  EXPECT_EQ(reaches(65534), EACCES);
+  EXPECT_EQ(reaches(0), 0);
 }
 
 TEST_F(SingleInstanceTest, EndsBesideAMuteFirstAndRunsWhereNothingCanBeLocked) {

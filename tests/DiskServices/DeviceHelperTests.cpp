@@ -3,9 +3,11 @@
 #include "tests/DiskServices/Machine.h"
 
 #include <array>
+#include <functional>
 #include <memory>
 
 #include <fcntl.h>
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -33,9 +35,11 @@ class DeviceHelper : public ::testing::Test {
     if (geteuid() != 0) GTEST_SKIP() << "Only the administrator can make block devices.";
   }
 
-  // Runs the helper with these streams; answers its status.
-  int run(const std::vector<std::string>& arguments, int output) {
-    std::vector<std::string> command = {ZEPHRIMARK_DEVICE_HELPER};
+  // Runs the helper with this output; answers its status. `prepare` is called in its process before.
+  int run(
+      const std::vector<std::string>& arguments, int output,
+      const std::function<void()>& prepare = [] {}) {
+    std::vector<std::string> command = {helper_};
     command.insert(command.end(), arguments.begin(), arguments.end());
     std::vector<char*> list;
     list.reserve(command.size() + 1);
@@ -46,6 +50,7 @@ class DeviceHelper : public ::testing::Test {
     if (child == 0) {
       dup2(output, STDOUT_FILENO);
       dup2(errors.get(), STDERR_FILENO);
+      prepare();
       execv(list.front(), list.data());
       _exit(99);
     }
@@ -69,6 +74,7 @@ class DeviceHelper : public ::testing::Test {
 
   const TempFolder folder_;
   const Path errors_ = folder_.path() / "errors";
+  Path helper_ = ZEPHRIMARK_DEVICE_HELPER;
   std::unique_ptr<LoopDevice> device_;
 };
 
@@ -104,11 +110,33 @@ TEST_F(DeviceHelper, RefusesWhatIsNotABlockDeviceRightInDev) {
   ASSERT_EQ(stat(device_->path().c_str(), &status), 0);
   ASSERT_EQ(mknod(node.c_str(), S_IFBLK | 0600, status.st_rdev), 0);
   const std::string name = device_->name();
-  for (const std::string& path :
-       {node.native(), std::string("/dev/null"), std::string("/dev/../etc/passwd"),
-        "/dev/../dev/" + name, "/dev//" + name, "/dev/./" + name, "//dev/" + name, name,
-        "dev/" + name, std::string("/dev/"), std::string("/dev"), std::string("/dev/.."),
-        std::string("/etc/passwd"), std::string()}) {
+  for (const std::string& path : {node.native(),
+                                  std::string("/dev/null"),
+                                  std::string("/dev/../etc/passwd"),
+                                  "/dev/../dev/" + name,
+                                  "/dev//" + name,
+                                  "/dev/./" + name,
+                                  "//dev/" + name,
+                                  name,
+                                  "dev/" + name,
+                                  std::string("/dev/"),
+                                  std::string("/dev"),
+                                  std::string("/dev/.."),
+                                  std::string("/etc/passwd"),
+                                  std::string(),
+                                  std::string("/dev/stdin"),
+                                  std::string("/dev/stdout"),
+                                  std::string("/dev/fd"),
+                                  std::string("/dev/fd/1"),
+                                  std::string("/proc/self/fd/1"),
+                                  std::string("/dev/shm"),
+                                  std::string("/dev/zero"),
+                                  std::string("/dev/tty"),
+                                  "/dev/" + name + "\n",
+                                  "/dev/" + name + "/",
+                                  " /dev/" + name,
+                                  "/dev/" + std::string(255, 'n'),
+                                  "/dev/" + std::string(100'000, 'n')}) {
     expectRefusal({path});
   }
 }
@@ -122,6 +150,86 @@ TEST_F(DeviceHelper, RefusesOtherArgumentsAndOtherOutputs) {
   EXPECT_EQ(run({device_->path()}, file.get()), 1);
   EXPECT_EQ(readFile(output), "");
   EXPECT_NE(readFile(errors_), "");
+}
+
+// pkexec cleans the environment, but whoever starts the helper chooses its streams.
+TEST_F(DeviceHelper, ServesWithStreamsClosedAndNeverWithoutItsSocket) {
+  for (const bool socketClosed : {false, true}) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()), 0);
+    const UniqueFd ours(ends[0]);
+    {
+      const UniqueFd theirs(ends[1]);
+      const auto closeStreams = [socketClosed] {
+        for (const int stream : {STDIN_FILENO, STDERR_FILENO}) close(stream);
+        if (socketClosed) close(STDOUT_FILENO);
+      };
+      EXPECT_EQ(run({device_->path()}, theirs.get(), closeStreams), socketClosed ? 1 : 0);
+    }
+    const UniqueFd received = PlatformKit::receiveDescriptor(ours.get());
+    EXPECT_EQ(PlatformKit::isReadOnlyDevice(received.get(), device_->path()), !socketClosed);
+  }
+  std::string bytes(8192, '\0');
+  const UniqueFd device(open(device_->path().c_str(), O_RDONLY | O_CLOEXEC));
+  EXPECT_EQ(pread(device.get(), bytes.data(), bytes.size(), 0), 8192);
+  EXPECT_EQ(bytes, pattern(8192)) << "a sentence went to the device, which had the stream's number";
+}
+
+TEST_F(DeviceHelper, GivesAnOrdinaryUserNothingByItself) {
+  helper_ = PlatformKit::Testing::programForEverybody(helper_, folder_);
+  ASSERT_EQ(std::filesystem::status(ZEPHRIMARK_DEVICE_HELPER).permissions() &
+                (std::filesystem::perms::set_uid | std::filesystem::perms::set_gid),
+            std::filesystem::perms::none);
+  std::array<int, 2> ends{};
+  ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()), 0);
+  const UniqueFd ours(ends[0]);
+  {
+    const UniqueFd theirs(ends[1]);
+    constexpr unsigned kNobody = 65534;
+    const auto becomeNobody = [] {
+      if (setgroups(0, nullptr) != 0 || setgid(kNobody) != 0 || setuid(kNobody) != 0) _exit(98);
+    };
+    EXPECT_EQ(run({device_->path()}, theirs.get(), becomeNobody), 1);
+  }
+  EXPECT_FALSE(PlatformKit::receiveDescriptor(ours.get()).valid());
+  EXPECT_TRUE(readFile(errors_).ends_with("Permission denied.\n")) << readFile(errors_);
+}
+
+// What it could do beyond its purpose, it would have to call: the names are in the table of symbols.
+TEST(DeviceHelperProgram, CannotStartProgramsAndReadsNoEnvironment) {
+  const std::string program = readFile(ZEPHRIMARK_DEVICE_HELPER);
+  const auto calls = [&](const std::string& function) {
+    return program.find('\0' + function + "@GLIBC") != std::string::npos;
+  };
+  EXPECT_TRUE(calls("sendmsg") && calls("lstat")) << "the names are looked for in the wrong way";
+  for (const char* function :
+       {"system",      "popen",        "execve", "execv", "execvp", "execl",  "execlp",
+        "posix_spawn", "posix_spawnp", "fork",   "vfork", "dlopen", "getenv", "secure_getenv",
+        "setlocale",   "fopen",        "openat", "creat", "ioctl",  "write",  "unlink",
+        "rename",      "chmod",        "chown",  "setuid"}) {
+    EXPECT_FALSE(calls(function)) << function;
+  }
+}
+
+TEST(DeviceHelperAction, AsksForTheAdministratorEachTime) {
+  const std::string action = readFile(ZEPHRIMARK_POLICY);
+  const auto count = [&](const std::string& text) {
+    std::size_t found = 0;
+    for (auto at = action.find(text); at != std::string::npos; at = action.find(text, at + 1)) {
+      ++found;
+    }
+    return found;
+  };
+  EXPECT_EQ(count("<action "), 1U);
+  for (const char* who : {"allow_any", "allow_inactive", "allow_active"}) {
+    EXPECT_EQ(count(std::string("<") + who + ">auth_admin</" + who + ">"), 1U) << who;
+    EXPECT_EQ(count(who), 2U) << who;
+  }
+  // No windows for the helper, no other action along with it, and no other program.
+  EXPECT_EQ(count("<annotate "), 1U);
+  EXPECT_EQ(count("<annotate key=\"org.freedesktop.policykit.exec.path\">"
+                  "@ZEPHRIMARK_DEVICE_HELPER@</annotate>"),
+            1U);
 }
 
 }  // namespace

@@ -44,25 +44,6 @@ TEST_F(Closing, leavesReportThenHashListOnEveryDriveWithAVerifiedFile) {
   EXPECT_THAT(again, HasSubstr("<xxh64 action=\"original\""));  // the new report
 }
 
-TEST_F(Closing, losesARecordThatCannotBeWrittenButNothingElse) {
-  addFile("a", pattern(1000));
-  for (const Call call : {Call::createFile, Call::write, Call::flush, Call::move}) {
-    for (int number = 1; number <= 2; ++number) std::filesystem::remove_all(copies(number));
-    fileSystem_.setScript([&](const CallInfo& info) {
-      const bool record = info.path.native().find("drive1") != std::string::npos &&
-                          (info.path.native().find("Offload Report") != std::string::npos ||
-                           info.path.native().find("ascmhl/") != std::string::npos);
-      return Intervention{record && info.call == call ? EROFS : 0};
-    });
-    const auto result = run(plan());
-    EXPECT_TRUE(result.allVerified());
-    EXPECT_EQ(result.reports.size(), 1U);
-    EXPECT_EQ(result.mhlFiles.size(), 1U);
-    expectIdentical(1);
-    expectNothingPending();
-  }
-}
-
 TEST_F(Closing, savesTheImageAfterTheFilesAndListsItOnItsDriveOnly) {
   addFile("a", pattern(kChunk));
   std::vector<OffloadProgress> imaging;

@@ -3,6 +3,7 @@
 #include "tests/endtoend/Program.h"
 
 #include <array>
+#include <cerrno>
 #include <ctime>
 #include <fstream>
 #include <memory>
@@ -17,10 +18,6 @@
 #include <sched.h>
 #include <sys/mount.h>
 #include <unistd.h>
-
-#ifndef ZEPHRIMARK_BAD_SECTORS
-#define ZEPHRIMARK_BAD_SECTORS ""
-#endif
 
 namespace EndToEnd {
 namespace {
@@ -70,10 +67,10 @@ class CardImage : public testing::Test {
       EXPECT_EQ(end.status, 0) << testing::PrintToString(undo_.back()) << end.error;
     }
     loop_ = UniqueFd();
-    if (!badSectors_) return;
+    if (!faults_) return;
     // Whoever else looks at new devices may keep it busy for a moment.
     EXPECT_EQ(run({"umount", "-l", served_}).status, 0);
-    EXPECT_EQ(badSectors_->waitForEnd().status, 0);
+    EXPECT_EQ(faults_->waitForEnd().status, 0);
   }
 
   [[nodiscard]] End run(const Words& words) const { return Program(words, setting_).waitForEnd(); }
@@ -148,7 +145,7 @@ class CardImage : public testing::Test {
                                    "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nonexistent"}};
   std::string device_;
   UniqueFd loop_;
-  std::unique_ptr<Program> badSectors_;
+  std::unique_ptr<Program> faults_;
   std::vector<Words> undo_;
 
  private:
@@ -166,23 +163,24 @@ class CardImage : public testing::Test {
 };
 
 TEST_F(CardImage, HasZerosForUnreadableSectorsAndEverythingElse) {
-  if (std::string(ZEPHRIMARK_BAD_SECTORS).empty()) GTEST_SKIP() << "Built without libfuse3.";
+  if (std::string(ZEPHRIMARK_FAULT_FS).empty()) GTEST_SKIP() << "Built without libfuse3.";
   if (access("/dev/fuse", R_OK | W_OK) != 0) GTEST_SKIP() << "Needs /dev/fuse.";
   // Across the end of a read, within a page, and at the very end; twelve in all.
   constexpr std::array<std::array<std::size_t, 2>, 3> kBad = {
       {{16 * kMebi / kSector - 4, 8}, {20 * kMebi / kSector + 3, 1}, {kCardSize / kSector - 3, 3}}};
   makeCard();
   fs::create_directory(served_);
-  Words serving = {ZEPHRIMARK_BAD_SECTORS, backing_, served_};
+  Words serving = {ZEPHRIMARK_FAULT_FS, temp_.path(), served_};
   std::string expected = readFile(backing_);
   for (const auto& [start, count] : kBad) {
-    serving.push_back(std::to_string(start * kSector));
-    serving.push_back(std::to_string(count * kSector));
+    const std::size_t end = start + count;
+    serving.push_back("any error=" + std::to_string(EIO) + " from=" +
+                      std::to_string(start * kSector) + " to=" + std::to_string(end * kSector));
     expected.replace(start * kSector, count * kSector, count * kSector, '\0');
   }
-  badSectors_ = std::make_unique<Program>(serving, setting_);
-  badSectors_->readUntil([](const std::string& output) { return output == "ready\n"; });
-  attach(served_ / "img");
+  faults_ = std::make_unique<Program>(serving, setting_);
+  faults_->readUntil([](const std::string& output) { return output == "ready\n"; });
+  attach(served_ / backing_.filename());
   mount({"-o", "ro", device_}, card_);
 
   const End end = run(offloadOf(card_) + Words{"--checksum", "md5"});
