@@ -6,6 +6,7 @@
 #include "DeviceKit/VolumeLists.h"
 #include "DeviceKit/VolumeSpaces.h"
 #include "PlatformKit/ByteCount.h"
+#include "PlatformKit/Translation.h"
 #include "PlatformKit/Unicode.h"
 
 #include <chrono>
@@ -20,6 +21,7 @@ namespace {
 using namespace std::chrono_literals;
 using DeviceKit::Volume;
 using PlatformKit::MountedVolume;
+using PlatformKit::translate;
 
 struct Entry {
   Volume row;
@@ -48,21 +50,25 @@ std::vector<Entry> entries(const std::shared_ptr<PlatformKit::MountedVolumes>& v
   return result;
 }
 
-const char* kindOf(const Entry& entry) {
-  if (!entry.isCard) return "drive";
-  return entry.isDrive ? "card and drive" : "card";
+std::string kindOf(const Entry& entry) {
+  if (!entry.isCard) return translate("Terminal", "drive");
+  return entry.isDrive ? translate("Terminal", "card and drive") : translate("Terminal", "card");
 }
 
 std::string sizeCell(const Entry& entry, std::int64_t bytes) {
-  return entry.isSizeKnown ? PlatformKit::byteCountText(static_cast<std::uint64_t>(bytes)) : "?";
+  return entry.isSizeKnown ? PlatformKit::shownByteCount(static_cast<std::uint64_t>(bytes)) : "?";
 }
 
 void printTable(const std::vector<Entry>& entries) {
   if (entries.empty()) {
-    print("No card and no drive is mounted. zephrimark disks lists what is connected.\n");
+    print(translate("Terminal",
+                    "No card and no drive is mounted. zephrimark disks lists what is connected.") +
+          "\n");
     return;
   }
-  std::vector<TableRow> rows = {{"NAME", "FREE", "SIZE", "KIND", "PLACE"}};
+  std::vector<TableRow> rows = {{translate("Terminal", "NAME"), translate("Terminal", "FREE"),
+                                 translate("Terminal", "SIZE"), translate("Terminal", "KIND"),
+                                 translate("Terminal", "PLACE")}};
   for (const Entry& entry : entries) {
     rows.push_back({nameCell(entry.row.name), sizeCell(entry, entry.row.available),
                     sizeCell(entry, entry.row.capacity), kindOf(entry),

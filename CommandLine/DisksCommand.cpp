@@ -4,6 +4,7 @@
 #include "CommandLine/Output.h"
 #include "CommandLine/Table.h"
 #include "DeviceKit/DiskEnumerator.h"
+#include "PlatformKit/Translation.h"
 #include "PlatformKit/Unicode.h"
 
 #include <string>
@@ -17,6 +18,8 @@ namespace {
 using DeviceKit::DiskEnumerator;
 using DeviceKit::ExternalDisk;
 using PlatformKit::DiskFacts;
+using PlatformKit::translatable;
+using PlatformKit::translate;
 
 std::vector<DiskFacts> disksToShow(bool all, PlatformKit::Disks& disks) {
   std::vector<DiskFacts> shown = disks.list();
@@ -27,11 +30,13 @@ std::vector<DiskFacts> disksToShow(bool all, PlatformKit::Disks& disks) {
   return shown;
 }
 
+// In English, for machines; people read the translation.
 const char* kindOf(const DiskFacts& disk) {
-  if (disk.isDiskImage) return "disk image";
-  if (disk.isVirtual) return "virtual";
-  if (!DiskEnumerator::isMemoryCardLike(disk, false)) return "internal";
-  return DiskEnumerator::externalDisk(disk).isMemoryCard() ? "card" : "drive";
+  if (disk.isDiskImage) return translatable("Terminal", "disk image");
+  if (disk.isVirtual) return translatable("Terminal", "virtual");
+  if (!DiskEnumerator::isMemoryCardLike(disk, false)) return translatable("Terminal", "internal");
+  return DiskEnumerator::externalDisk(disk).isMemoryCard() ? translatable("Terminal", "card")
+                                                           : translatable("Terminal", "drive");
 }
 
 // The volumes have a place of their own in both outputs.
@@ -42,16 +47,22 @@ std::string nameOf(const DiskFacts& disk) {
 TableRow rowOf(const DiskFacts& facts) {
   const ExternalDisk disk = DiskEnumerator::externalDisk(facts);
   return {nameCell(nameOf(facts)), facts.volumeNames.empty() ? "–" : nameCell(disk.displayName()),
-          disk.sizeDescription(), PlatformKit::singleLineText(disk.rawDevicePath()), kindOf(facts)};
+          disk.sizeDescription(), PlatformKit::singleLineText(disk.rawDevicePath()),
+          translate("Terminal", kindOf(facts))};
 }
 
 void printTable(const std::vector<DiskFacts>& disks, bool all) {
   if (disks.empty()) {
-    print(all ? "No disks were found.\n"
-              : "No memory card or external drive is connected. --all shows every disk.\n");
+    print((all ? translate("Terminal", "No disks were found.")
+               : translate("Terminal",
+                           "No memory card or external drive is connected. --all shows every "
+                           "disk.")) +
+          "\n");
     return;
   }
-  std::vector<TableRow> rows = {{"NAME", "VOLUMES", "SIZE", "DEVICE", "KIND"}};
+  std::vector<TableRow> rows = {{translate("Terminal", "NAME"), translate("Terminal", "VOLUMES"),
+                                 translate("Terminal", "SIZE"), translate("Terminal", "DEVICE"),
+                                 translate("Terminal", "KIND")}};
   for (const DiskFacts& disk : disks) rows.push_back(rowOf(disk));
   print(forThisTerminal(tableText(rows, {2})));
 }

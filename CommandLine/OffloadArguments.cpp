@@ -3,6 +3,8 @@
 #include "OffloadKit/ErrorSentences.h"
 #include "OffloadKit/FolderPreset.h"
 #include "OffloadKit/Places.h"
+#include "OffloadKit/ShownReason.h"
+#include "PlatformKit/Translation.h"
 #include "PlatformKit/Unicode.h"
 
 #include <algorithm>
@@ -10,7 +12,10 @@
 namespace CommandLine {
 namespace {
 
+using PlatformKit::filled;
 using PlatformKit::Path;
+using PlatformKit::singleLineText;
+using PlatformKit::translate;
 
 // Absolute and without links, also where the last components do not exist yet: then two ways of
 // writing one folder are one path. ".." is taken as the kernel does, behind links.
@@ -29,20 +34,21 @@ Path absolutePath(PlatformKit::FileSystem& fileSystem, const std::string& typed)
   return whole.has_filename() || !whole.has_relative_path() ? whole : whole.parent_path();
 }
 
-std::string quoted(const std::string& text) {
-  return "\"" + PlatformKit::singleLineText(text) + "\"";
-}
-
 Path sourcePath(PlatformKit::FileSystem& fileSystem, const std::string& typed) {
-  if (typed.empty()) throw ArgumentError("The source is empty. Name a card or folder.");
+  if (typed.empty()) {
+    throw ArgumentError(translate("Terminal", "The source is empty. Name a card or folder."));
+  }
   const auto resolved = fileSystem.resolve(typed);
   if (!resolved.ok()) {
-    throw SourceError("There is no card or folder at " + quoted(typed) + ": " +
-                      OffloadKit::systemText(resolved.error()) + ".");
+    throw SourceError(filled(translate("Terminal", "There is no card or folder at \"%1\": %2."),
+                             {singleLineText(typed),
+                              OffloadKit::shownReason(OffloadKit::systemText(resolved.error()))}));
   }
   const auto status = fileSystem.status(resolved.value());
   if (status.ok() && status.value().kind != PlatformKit::ItemKind::folder) {
-    throw SourceError(quoted(typed) + " is a file. Name the card or folder that holds it.");
+    throw SourceError(
+        filled(translate("Terminal", "\"%1\" is a file. Name the card or folder that holds it."),
+               {singleLineText(typed)}));
   }
   return resolved.value();
 }
@@ -60,13 +66,19 @@ OffloadKit::CardImageRequest imageRequest(PlatformKit::System system,
                                           const DeviceKit::DiskEnumerator& disks,
                                           const OffloadKit::OffloadPlan& plan) {
   if (!OffloadKit::isVolumeRoot(system, plan.source)) {
-    throw ArgumentError(quoted(plan.source.native()) +
-                        " is a folder, not a whole card. A card image needs a card as the source.");
+    throw ArgumentError(
+        filled(translate("Terminal",
+                         "\"%1\" is a folder, not a whole card. A card image needs a card as the "
+                         "source."),
+               {singleLineText(plan.source.native())}));
   }
   const auto disk = disks.wholeDisk(plan.source);
   if (!disk) {
-    throw ArgumentError("There is no single disk behind " + quoted(plan.source.native()) +
-                        " that a card image could be made of.");
+    throw ArgumentError(
+        filled(translate("Terminal",
+                         "There is no single disk behind \"%1\" that a card image could be made "
+                         "of."),
+               {singleLineText(plan.source.native())}));
   }
   std::size_t emptiest = 0;
   for (std::size_t i = 1; i < plan.destinations.size(); ++i) {
@@ -79,19 +91,27 @@ OffloadKit::CardImageRequest imageRequest(PlatformKit::System system,
 
 std::vector<Path> destinationFolders(PlatformKit::FileSystem& fileSystem,
                                      const std::vector<std::string>& typed) {
-  if (typed.size() > 3) throw ArgumentError("At most three destinations can be given.");
+  if (typed.size() > 3) {
+    throw ArgumentError(translate("Terminal", "At most three destinations can be given."));
+  }
   std::vector<Path> folders;
   for (const std::string& destination : typed) {
-    if (destination.empty()) throw ArgumentError("A destination is empty. Name a folder.");
+    if (destination.empty()) {
+      throw ArgumentError(translate("Terminal", "A destination is empty. Name a folder."));
+    }
     const Path folder = absolutePath(fileSystem, destination);
     const Path existing = OffloadKit::nearestExisting(fileSystem, folder);
     if (!isFolder(fileSystem, existing)) {
-      throw ArgumentError(quoted(existing == folder ? destination : existing.native()) +
-                          " is a file. Name a folder to copy to.");
+      throw ArgumentError(
+          filled(translate("Terminal", "\"%1\" is a file. Name a folder to copy to."),
+                 {singleLineText(existing == folder ? destination : existing.native())}));
     }
     if (std::find(folders.begin(), folders.end(), folder) != folders.end()) {
-      throw ArgumentError("The destination " + quoted(destination) +
-                          " is given twice. Two copies on one folder would be one copy.");
+      throw ArgumentError(
+          filled(translate("Terminal",
+                           "The destination \"%1\" is given twice. Two copies on one folder would "
+                           "be one copy."),
+                 {singleLineText(destination)}));
     }
     folders.push_back(folder);
   }

@@ -25,13 +25,13 @@ struct OffloadArguments {
   bool quiet = false;
 };
 
-/// Arguments that cannot be meant as they stand; the text is a sentence for people.
+/// Arguments that cannot be meant as they stand; the text is a sentence in the user's language.
 class ArgumentError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-/// The source is not there or not a folder; the text is a sentence for people.
+/// The source is not there or not a folder; the text is a sentence in the user's language.
 class SourceError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

@@ -7,8 +7,10 @@
 #include "CommandLine/Verdict.h"
 #include "OffloadKit/OffloadEngine.h"
 #include "OffloadKit/Places.h"
+#include "OffloadKit/ShownReason.h"
 #include "PlatformKit/Posix/Interrupts.h"
 #include "PlatformKit/Posix/Terminal.h"
+#include "PlatformKit/Translation.h"
 #include "PlatformKit/Unicode.h"
 
 #include <atomic>
@@ -19,6 +21,9 @@
 
 namespace CommandLine {
 namespace {
+
+using PlatformKit::filled;
+using PlatformKit::translate;
 
 std::unique_ptr<ProgressDisplay> displayFor(const OffloadArguments& arguments,
                                             const OffloadKit::OffloadPlan& plan,
@@ -56,12 +61,13 @@ void tellError(const std::string& sentence) {
 bool shallEject(const OffloadArguments& arguments, const OffloadKit::OffloadPlan& plan,
                 PlatformKit::System system) {
   if (!arguments.eject || OffloadKit::isVolumeRoot(system, plan.source)) return arguments.eject;
-  tellError("\"" + plan.source.native() +
-            "\" is a folder, not a whole card. It will not be ejected.");
+  tellError(
+      filled(translate("Terminal", "\"%1\" is a folder, not a whole card. It will not be ejected."),
+             {plan.source.native()}));
   return false;
 }
 
-// Answers none when it was done, else a sentence.
+// Answers none when it was done, else a sentence in English.
 std::optional<std::string> ejectCard(const OffloadKit::OffloadResult& result,
                                      const Services& services) {
   if (!isComplete(result)) {
@@ -70,7 +76,7 @@ std::optional<std::string> ejectCard(const OffloadKit::OffloadResult& result,
   const OffloadKit::OffloadPlan& plan = result.plan;
   // Once it is taken out, its folder may lie on another disk.
   if (!OffloadKit::isVolumeRoot(services.system, plan.source)) {
-    return plan.sourceName + " is not mounted any more, so it was not ejected.";
+    return filled("%1 is not mounted any more, so it was not ejected.", {plan.sourceName});
   }
   return services.cardEjector.eject(plan.source, plan.sourceName);
 }
@@ -83,10 +89,11 @@ void tellEjection(const OffloadArguments& arguments, const std::string& name,
                    {"reason", problem ? nlohmann::json(*problem) : nlohmann::json()}});
   }
   if (problem) {
-    tellError(*problem);
+    tellError(OffloadKit::shownReason(*problem));
   } else if (!arguments.quiet) {
-    const std::string done =
-        forThisTerminal("\nEjected " + PlatformKit::singleLineText(name) + ".\n");
+    const std::string sentence =
+        filled(translate("Terminal", "Ejected %1."), {PlatformKit::singleLineText(name)});
+    const std::string done = forThisTerminal("\n" + sentence + "\n");
     arguments.json ? printError(done) : print(done);
   }
 }
@@ -102,7 +109,10 @@ int runOffload(const OffloadArguments& arguments, const Services& services) {
     engine.cancel();
     // A check of a large file can still take a while, and somebody is looking.
     if (PlatformKit::isTerminal(PlatformKit::OutputStream::standardError)) {
-      printError("\nStopping after this step. Press Ctrl-C again to end at once.\n");
+      printError(
+          "\n" +
+          translate("Terminal", "Stopping after this step. Press Ctrl-C again to end at once.") +
+          "\n");
     }
   });
   std::unique_ptr<ProgressDisplay> display = makeSilentDisplay();
@@ -121,7 +131,7 @@ int runOffload(const OffloadArguments& arguments, const Services& services) {
     return wrongArguments;
   } catch (const OffloadKit::OffloadError& error) {
     display->finish();
-    tellError(error.what());
+    tellError(error.shownDescription());
     if (error.isCancelled()) return stoppedByInterrupt + interruptedBy;
   } catch (const std::exception& error) {
     display->finish();

@@ -4,6 +4,7 @@
 #include "OffloadKit/Format.h"
 #include "OffloadKit/ProgressTexts.h"
 #include "PlatformKit/Posix/Terminal.h"
+#include "PlatformKit/Translation.h"
 #include "PlatformKit/Unicode.h"
 
 #include <algorithm>
@@ -18,23 +19,36 @@ namespace {
 
 using OffloadKit::OffloadProgress;
 using Phase = OffloadProgress::Phase;
+using PlatformKit::filled;
+using PlatformKit::translate;
 namespace ProgressTexts = OffloadKit::ProgressTexts;
 
 // For the redrawn line, where copying and verifying alternate with every file.
-const char* phaseWord(Phase phase) {
+std::string phaseWord(Phase phase) {
   switch (phase) {
     case Phase::scanning:
-      return "Reading ";
+      return translate("Terminal", "Reading");
     case Phase::copying:
-      return "Copying ";
+      return translate("Terminal", "Copying");
     case Phase::verifying:
-      return "Checking";
+      return translate("Terminal", "Checking");
     case Phase::imaging:
-      return "Imaging ";
+      return translate("Terminal", "Imaging");
     case Phase::finishing:
-      return "Finishing";
+      return translate("Terminal", "Finishing");
   }
   return "";
+}
+
+// As wide as the others that alternate with it, so that the bar keeps still.
+std::string paddedPhaseWord(Phase phase) {
+  std::size_t width = 0;
+  for (const Phase other : {Phase::scanning, Phase::copying, Phase::verifying, Phase::imaging}) {
+    width = std::max(width, PlatformKit::cellWidth(phaseWord(other)));
+  }
+  std::string word = phaseWord(phase);
+  const std::size_t own = PlatformKit::cellWidth(word);
+  return own < width ? word.append(width - own, ' ') : word;
 }
 
 const char* phaseName(Phase phase) {
@@ -55,6 +69,14 @@ const char* phaseName(Phase phase) {
 
 int percent(const OffloadProgress& progress) {
   return static_cast<int>(std::clamp(progress.fraction, 0.0, 1.0) * 100);
+}
+
+// "412 of 1,204 files".
+std::string filesOf(const OffloadProgress& progress) {
+  const std::size_t total = progress.filesTotal;
+  return filled(
+      translate("Terminal", "%1 of %2 files", "%1 of %2 file", total),
+      {OffloadKit::Format::grouped(progress.filesDone), OffloadKit::Format::grouped(total)});
 }
 
 // Lets a report through when enough time has passed since the last one.
@@ -128,13 +150,11 @@ class TerminalDisplay final : public ProgressDisplay {
   // What does not fit goes from the end: first the file's name, then the time left.
   [[nodiscard]] std::string line(const OffloadProgress& progress, std::size_t width) const {
     std::string text = fmt::format(
-        "{}  {} {:3} %", phaseWord(progress.phase),
+        "{}  {} {:3} %", paddedPhaseWord(progress.phase),
         bar(progress.fraction, std::clamp<std::size_t>(width / 5, 5, 24)), percent(progress));
     if (progress.filesTotal == 0) return PlatformKit::elidedInTheMiddle(text, width);
-    text +=
-        fmt::format("  {} of {}  {:>10}  {:<16}", OffloadKit::Format::grouped(progress.filesDone),
-                    OffloadKit::Format::counted(progress.filesTotal, "file"),
-                    ProgressTexts::speed(progress), estimate_.text(progress));
+    text += fmt::format("  {}  {:>10}  {:<16}", filesOf(progress), ProgressTexts::speed(progress),
+                        estimate_.text(progress));
     const std::size_t used = PlatformKit::cellWidth(text) + 2;
     constexpr std::size_t kWorthShowing = 12;
     if (used + kWorthShowing <= width) {
@@ -160,11 +180,10 @@ class LogDisplay final : public ProgressDisplay {
     if (progress.phase == Phase::scanning || progress.phase == Phase::finishing) {
       printError(forThisTerminal(ProgressTexts::phase(progress, destinations_)) + "\n");
     } else if (pace_.isDue()) {
-      printError(forThisTerminal(fmt::format(
-                     "{}: {} %, {} of {}, {}", ProgressTexts::phase(progress, destinations_),
-                     percent(progress), OffloadKit::Format::grouped(progress.filesDone),
-                     OffloadKit::Format::counted(progress.filesTotal, "file"),
-                     ProgressTexts::speed(progress))) +
+      printError(forThisTerminal(filled(translate("Terminal", "%1: %2 %, %3, %4"),
+                                        {ProgressTexts::phase(progress, destinations_),
+                                         std::to_string(percent(progress)), filesOf(progress),
+                                         ProgressTexts::speed(progress)})) +
                  "\n");
     }
   }

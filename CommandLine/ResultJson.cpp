@@ -26,6 +26,7 @@ json destinations(const OffloadKit::OffloadResult& result) {
     array.push_back(
         {{"path", result.plan.destinations[i].native()},
          {"verified", result.verifiedCount(i)},
+         {"readThroughCache", result.readThroughCache.contains(i)},
          {"error", error == result.destinationErrors.end() ? json() : json(error->second)}});
   }
   return array;

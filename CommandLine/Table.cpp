@@ -6,7 +6,8 @@
 
 namespace CommandLine {
 
-std::string tableText(const std::vector<TableRow>& rows, const std::set<std::size_t>& numbers) {
+std::string tableText(const std::vector<TableRow>& rows, const std::set<std::size_t>& numbers,
+                      const std::string& indent) {
   std::vector<std::size_t> widths;
   for (const TableRow& row : rows) {
     widths.resize(row.size());
@@ -16,6 +17,7 @@ std::string tableText(const std::vector<TableRow>& rows, const std::set<std::siz
   }
   std::string text;
   for (const TableRow& row : rows) {
+    text += indent;
     for (std::size_t i = 0; i + 1 < row.size(); ++i) {
       const std::string filling(widths[i] - PlatformKit::cellWidth(row[i]), ' ');
       text += (numbers.contains(i) ? filling + row[i] : row[i] + filling) + "  ";

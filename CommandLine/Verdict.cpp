@@ -1,7 +1,10 @@
 #include "CommandLine/Verdict.h"
 
 #include "CommandLine/Output.h"
+#include "CommandLine/Table.h"
 #include "OffloadKit/ResultTexts.h"
+#include "OffloadKit/ShownReason.h"
+#include "PlatformKit/Translation.h"
 #include "PlatformKit/Unicode.h"
 
 #include <algorithm>
@@ -12,7 +15,9 @@ namespace CommandLine {
 namespace {
 
 using OffloadKit::OffloadResult;
+using PlatformKit::filled;
 using PlatformKit::singleLineText;
+using PlatformKit::translate;
 namespace ResultTexts = OffloadKit::ResultTexts;
 
 std::string headline(const OffloadResult& result, bool onStandardError) {
@@ -23,9 +28,11 @@ std::string headline(const OffloadResult& result, bool onStandardError) {
 }
 
 std::string figures(const OffloadResult& result) {
-  return fmt::format("\n  Files     {}\n  Took      {}\n  Checksum  {}\n",
-                     ResultTexts::files(result), ResultTexts::took(result),
-                     ResultTexts::checksum(result));
+  const std::vector<TableRow> rows = {
+      {translate("Terminal", "Files"), ResultTexts::files(result)},
+      {translate("Terminal", "Took"), ResultTexts::took(result)},
+      {translate("Terminal", "Checksum"), ResultTexts::checksum(result)}};
+  return "\n" + tableText(rows, {}, "  ");
 }
 
 std::string mark(bool good, bool onStandardError) {
@@ -37,20 +44,23 @@ std::string driveLine(const OffloadResult& result, std::size_t index, bool onSta
   const auto resumed =
       std::count_if(result.files.begin(), result.files.end(),
                     [index](const auto& file) { return file.outcomes[index].isResumed(); });
-  return fmt::format("  {} {}\n    {}{}\n", mark(complete, onStandardError),
-                     singleLineText(result.plan.destinations[index].native()),
-                     ResultTexts::drive(result, index),
-                     resumed > 0 ? fmt::format(" · {} already there", resumed) : "");
+  std::string outcome = ResultTexts::drive(result, index);
+  if (resumed > 0) {
+    outcome =
+        filled(translate("Terminal", "%1 · %2 already there"), {outcome, std::to_string(resumed)});
+  }
+  return fmt::format("  {} {}\n    {}\n", mark(complete, onStandardError),
+                     singleLineText(result.plan.destinations[index].native()), outcome);
 }
 
 std::string imageLine(const OffloadKit::CardImageResult& image, bool onStandardError) {
   const bool saved = image.outcome.isVerified();
-  return fmt::format("  {} Card image\n    {}\n{}", mark(saved, onStandardError),
-                     ResultTexts::cardImage(image),
+  return fmt::format("  {} {}\n    {}\n{}", mark(saved, onStandardError),
+                     translate("Terminal", "Card image"), ResultTexts::cardImage(image),
                      saved ? "    " + singleLineText(image.url.native()) + "\n" : "");
 }
 
-std::string records(const char* title, const std::vector<PlatformKit::Path>& files) {
+std::string records(const std::string& title, const std::vector<PlatformKit::Path>& files) {
   std::string text = files.empty() ? "" : fmt::format("\n{}\n", title);
   for (const auto& file : files) text += "  " + singleLineText(file.native()) + "\n";
   return text;
@@ -62,12 +72,13 @@ std::string failedFile(const OffloadResult& result, const OffloadKit::OffloadedF
   std::string text = "  " + singleLineText(file.file.relativePath) + "\n";
   if (std::all_of(outcomes.begin(), outcomes.end(),
                   [&](const auto& outcome) { return outcome == outcomes.front(); })) {
-    return text + "    " + singleLineText(outcomes.front().reason()) + "\n";
+    return text + "    " + singleLineText(OffloadKit::shownReason(outcomes.front().reason())) +
+           "\n";
   }
   for (std::size_t i = 0; i < outcomes.size(); ++i) {
     if (outcomes[i].isVerified()) continue;
     text += fmt::format("    {}: {}\n", singleLineText(result.plan.destinations[i].native()),
-                        singleLineText(outcomes[i].reason()));
+                        singleLineText(OffloadKit::shownReason(outcomes[i].reason())));
   }
   return text;
 }
@@ -82,16 +93,23 @@ std::string verdict(const OffloadResult& result, bool onStandardError) {
   if (result.cardImage) text += imageLine(*result.cardImage, onStandardError);
   const auto failed = result.failedFiles();
   if (!failed.empty()) {
-    text += "\n" + styled("Not verified everywhere", Style::strong, onStandardError) + "\n";
+    text +=
+        "\n" +
+        styled(translate("Terminal", "Not verified everywhere"), Style::strong, onStandardError) +
+        "\n";
     for (const auto* file : failed) text += failedFile(result, *file);
   }
   if (!result.unreadable.empty()) {
-    text += "\n" + styled("Could not be read from the card", Style::strong, onStandardError) + "\n";
+    text += "\n" +
+            styled(translate("Terminal", "Could not be read from the card"), Style::strong,
+                   onStandardError) +
+            "\n";
     for (const auto& item : result.unreadable) {
       text += "  " + ResultTexts::unreadableItem(item) + "\n";
     }
   }
-  text += records("Reports", result.reports) + records("Hash lists", result.mhlFiles);
+  text += records(translate("Terminal", "Reports"), result.reports) +
+          records(translate("Terminal", "Hash lists"), result.mhlFiles);
   return forThisTerminal(text);
 }
 

@@ -22,7 +22,7 @@ class CardEjector {
   /// the one the system runs from, is left alone.
   ///
   /// Answers none when it was done and the card may be taken out. Else one or two full sentences for
-  /// people: why not, and what to do. They call the volume `name`, bytes as given. Blocks while the
+  /// people, in English: why not, and what to do. They call the volume `name`, bytes as given. Blocks while the
   /// disk takes what was written to it and while the user is asked for a password, which can take
   /// minutes. Never throws.
   [[nodiscard]] std::optional<std::string> eject(const PlatformKit::Path& volume,

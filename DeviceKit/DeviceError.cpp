@@ -1,24 +1,27 @@
 #include "DeviceKit/DeviceError.h"
 
-#include <system_error>
+#include "PlatformKit/Posix/SystemText.h"
+#include "PlatformKit/Translation.h"
 
 namespace DeviceKit {
 namespace {
 
-struct Describe {
-  static std::string text(int error) { return std::generic_category().message(error); }
+using PlatformKit::filled;
+using PlatformKit::systemText;
 
+struct Describe {
   std::string operator()(const DeviceError::CannotOpen& error) const {
-    return "Could not open " + error.path + ": " + text(error.underlying);
+    return filled("Could not open %1: %2", {error.path, systemText(error.underlying)});
   }
   std::string operator()(const DeviceError::AuthorizationDenied& error) const {
-    return "Authorization to read " + error.path + " was denied.";
+    return filled("Authorization to read %1 was denied.", {error.path});
   }
   std::string operator()(const DeviceError::NotAFileOrDevice& error) const {
-    return error.path + " is not a readable file or device.";
+    return filled("%1 is not a readable file or device.", {error.path});
   }
   std::string operator()(const DeviceError::ReadFailed& error) const {
-    return "Read failed at offset " + std::to_string(error.offset) + ": " + text(error.underlying);
+    return filled("Read failed at offset %1: %2",
+                  {std::to_string(error.offset), systemText(error.underlying)});
   }
 };
 

@@ -7,7 +7,8 @@
 
 namespace DeviceKit {
 
-/// Why a device or file could not be opened or read. Its text is a full sentence for people.
+/// Why a device or file could not be opened or read. Its text is a full sentence for people,
+/// in English.
 class DeviceError final : public std::exception {
  public:
   struct CannotOpen {

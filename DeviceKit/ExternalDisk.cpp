@@ -17,7 +17,7 @@ std::string ExternalDisk::displayName() const {
 }
 
 std::string ExternalDisk::sizeDescription() const {
-  return PlatformKit::byteCountText(sizeBytes);
+  return PlatformKit::shownByteCount(sizeBytes);
 }
 
 bool ExternalDisk::isMemoryCard() const {

@@ -24,7 +24,7 @@ struct ExternalDisk {
   /// the device identifier.
   [[nodiscard]] std::string displayName() const;
 
-  /// The size for people, such as "63.9 GB".
+  /// The size for people, in their language, such as "63.9 GB".
   [[nodiscard]] std::string sizeDescription() const;
 
   /// Whether a whole word of the media name says that it is a memory card or a reader of one:

@@ -1,7 +1,6 @@
 #include "OffloadKit/ErrorSentences.h"
 
 #include <cerrno>
-#include <system_error>
 
 namespace OffloadKit {
 namespace {
@@ -10,10 +9,6 @@ namespace {
 constexpr int kHighestErrorNumber = 133;
 
 }  // namespace
-
-std::string systemText(int error) {
-  return std::generic_category().message(error);
-}
 
 std::string describe(int error) {
   const bool known = error > 0 && error <= kHighestErrorNumber;

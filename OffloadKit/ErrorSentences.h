@@ -1,18 +1,19 @@
 #pragma once
 
+#include "PlatformKit/Posix/SystemText.h"
 #include "PlatformKit/System.h"
 
 #include <string>
 
 namespace OffloadKit {
 
+using PlatformKit::systemText;
+
 /// A short sentence for people about a drive, from the system's error number: "No permission to
 /// write here", "The drive reported a write error", "The drive was disconnected", "The drive is
-/// full", or the system's own text. A number the system does not know counts as EIO. Any thread.
+/// full", or the system's own text. A number the system does not know counts as EIO. In English, as
+/// results keep it. Any thread.
 std::string describe(int error);
-
-/// The system's own text for an error number, such as "Input/output error". Any thread.
-std::string systemText(int error);
 
 /// Whether an error means that the drive itself is of no more use in this run: EIO, ENXIO, ENODEV
 /// or ENOSPC.

@@ -1,5 +1,6 @@
 #include "OffloadKit/FolderPreset.h"
 
+#include "PlatformKit/Translation.h"
 #include "PlatformKit/Unicode.h"
 
 #include <optional>
@@ -8,6 +9,8 @@
 
 namespace OffloadKit {
 namespace {
+
+using PlatformKit::translatable;
 
 using Brand = std::pair<std::string_view, std::string_view>;
 
@@ -92,11 +95,11 @@ const std::array<FolderPreset, 4>& FolderPreset::presets() {
 
 const std::array<FolderPreset::Token, 5>& FolderPreset::tokens() {
   static constexpr std::array<Token, 5> list = {
-      {{"{date}", "Date of the offload, 2026-10-07"},
-       {"{time}", "Time of the offload, 1432"},
-       {"{card}", "The card's name, EOS_DIGITAL"},
-       {"{camera}", "Camera brand, from the card's folders"},
-       {"{project}", "The project name you type"}}};
+      {{"{date}", translatable("Setup", "Date of the offload, 2026-10-07")},
+       {"{time}", translatable("Setup", "Time of the offload, 1432")},
+       {"{card}", translatable("Setup", "The card's name, EOS_DIGITAL")},
+       {"{camera}", translatable("Setup", "Camera brand, from the card's folders")},
+       {"{project}", translatable("Setup", "The project name you type")}}};
   return list;
 }
 

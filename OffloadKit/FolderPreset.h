@@ -21,7 +21,7 @@ struct FolderPreset {
 
   struct Token {
     std::string_view token;
-    std::string_view meaning;
+    const char* meaning;  ///< in English, of the context "Setup"
   };
 
   std::string templateText;

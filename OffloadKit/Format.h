@@ -1,18 +1,22 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 namespace OffloadKit::Format {
 
 /// A span of time for people, rounded to whole seconds: "59 s", "1 min 0 s", "2 h 5 min". Negative
-/// spans count as 0. Any thread.
+/// spans count as 0. In English, for records. Any thread.
 std::string duration(double seconds);
 
-/// A number with its digits in groups of three: "2,004". Any thread.
-std::string grouped(std::size_t number);
+/// The same in the user's language, for screens. Any thread.
+std::string shownDuration(double seconds);
 
-/// "1 file", "2,004 files": `noun` with a plural s unless the number is 1. Any thread.
-std::string counted(std::size_t number, const char* noun);
+/// "245.3 MB/s", in the user's language. Any thread.
+std::string speed(std::uint64_t bytesPerSecond);
+
+/// A number with its digits in groups of three, in the user's language: "2,004". Any thread.
+std::string grouped(std::size_t number);
 
 }  // namespace OffloadKit::Format

@@ -1,44 +1,77 @@
 #include "OffloadKit/OffloadError.h"
 
+#include "OffloadKit/ShownReason.h"
 #include "PlatformKit/ByteCount.h"
+#include "PlatformKit/Translation.h"
 
 namespace OffloadKit {
 namespace {
 
+using PlatformKit::filled;
+using PlatformKit::translatable;
+
+/// How a description says things: in English, or in the user's language.
+struct Wording {
+  std::string (*text)(const char* source);
+  std::string (*size)(std::uint64_t bytes);
+  std::string (*reason)(const std::string& reason);
+};
+
 struct Describe {
+  const Wording& say;
+
   std::string operator()(const OffloadError::SourceUnreadable& error) const {
-    return "The card couldn't be read: " + error.what;
+    return say.reason("The card couldn't be read: " + error.what);
   }
   std::string operator()(const OffloadError::DestinationOnSource& error) const {
-    return error.destination + " is on the card itself. Choose a different drive.";
+    return filled(
+        say.text(translatable("Errors", "%1 is on the card itself. Choose a different drive.")),
+        {error.destination});
   }
   std::string operator()(const OffloadError::DestinationUnavailable& error) const {
-    return error.destination + " isn't available or can't be written to.";
+    return filled(say.text(translatable("Errors", "%1 isn't available or can't be written to.")),
+                  {error.destination});
   }
   std::string operator()(const OffloadError::DestinationInUse& error) const {
-    return error.destination +
-           " is already being copied to. Choose another folder, or wait until that is finished.";
+    return filled(say.text(translatable("Errors",
+                                        "%1 is already being copied to. Choose another folder, or "
+                                        "wait until that is finished.")),
+                  {error.destination});
   }
   std::string operator()(const OffloadError::NotEnoughSpace& error) const {
-    return error.destination + " needs " + PlatformKit::byteCountText(error.needed) +
-           " free but has " + PlatformKit::byteCountText(error.available) + ".";
+    return filled(say.text(translatable("Errors", "%1 needs %2 free but has %3.")),
+                  {error.destination, say.size(error.needed), say.size(error.available)});
   }
   std::string operator()(const OffloadError::CardImageUnavailable& error) const {
-    return "The card couldn't be opened for the card image: " + error.reason +
-           " Turn off the card image to offload without it.";
+    return filled(say.text(translatable("Errors",
+                                        "The card couldn't be opened for the card image: %1 Turn "
+                                        "off the card image to offload without it.")),
+                  {say.reason(error.reason)});
   }
   std::string operator()(const OffloadError::NoFiles&) const {
-    return "There are no files on the card to offload.";
+    return say.text(translatable("Errors", "There are no files on the card to offload."));
   }
   std::string operator()(const OffloadError::Cancelled&) const {
-    return "The offload was stopped.";
+    return say.text(translatable("Errors", "The offload was stopped."));
   }
 };
+
+constexpr Wording kEnglish = {[](const char* source) { return std::string(source); },
+                              PlatformKit::byteCountText,
+                              [](const std::string& reason) { return reason; }};
+
+constexpr Wording kShown = {
+    [](const char* source) { return PlatformKit::translate("Errors", source); },
+    PlatformKit::shownByteCount, shownReason};
 
 }  // namespace
 
 OffloadError::OffloadError(Kind kind)
-    : kind_(std::move(kind)), description_(std::visit(Describe{}, kind_)) {}
+    : kind_(std::move(kind)), description_(std::visit(Describe{kEnglish}, kind_)) {}
+
+std::string OffloadError::shownDescription() const {
+  return std::visit(Describe{kShown}, kind_);
+}
 
 OffloadError OffloadError::sourceUnreadable(std::string what) {
   return OffloadError(SourceUnreadable{std::move(what)});

@@ -7,7 +7,7 @@
 
 namespace OffloadKit {
 
-/// Why a run could not start or was stopped. Its text is a full sentence for people.
+/// Why a run could not start or was stopped. Its text is a full sentence for people, in English.
 class OffloadError final : public std::exception {
  public:
   struct SourceUnreadable {
@@ -62,6 +62,8 @@ class OffloadError final : public std::exception {
   [[nodiscard]] const Kind& kind() const { return kind_; }
   [[nodiscard]] bool isCancelled() const { return std::holds_alternative<Cancelled>(kind_); }
   [[nodiscard]] const std::string& errorDescription() const { return description_; }
+  /// The sentence in the user's language.
+  [[nodiscard]] std::string shownDescription() const;
   [[nodiscard]] const char* what() const noexcept override { return description_.c_str(); }
 
   friend bool operator==(const OffloadError& a, const OffloadError& b) {

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <variant>
 #include <vector>
@@ -97,6 +98,9 @@ struct OffloadResult {
   PlatformKit::Date finished{};
   /// Destinations that the run gave up on, with the sentence that made it give up.
   std::map<std::size_t, std::string> destinationErrors;
+  /// Destinations whose copies were read back through the computer's cache, which may not have asked
+  /// the drive; see PlatformKit::VolumeFacts::readsThroughCache.
+  std::set<std::size_t> readThroughCache;
   std::vector<PlatformKit::Path> mhlFiles;  ///< hash lists written, in destination order
   std::vector<PlatformKit::Path> reports;   ///< reports written, in destination order
   std::optional<CardImageResult> cardImage;

@@ -66,11 +66,13 @@ void OffloadRun::scanSource() {
   result_.unreadable = std::move(found.unreadable);
 }
 
-void OffloadRun::createDestinations() const {
-  for (const Path& destination : plan_.destinations) {
+void OffloadRun::createDestinations() {
+  for (std::size_t i = 0; i < plan_.destinations.size(); ++i) {
+    const Path& destination = plan_.destinations[i];
     if (createFolders(system_.fileSystem, destination) != 0) {
       throw OffloadError::destinationUnavailable(displayName(system_, destination));
     }
+    if (system_.volumes.facts(destination).readsThroughCache) result_.readThroughCache.insert(i);
   }
 }
 

@@ -25,7 +25,7 @@ class OffloadRun {
 
  private:
   void scanSource();
-  void createDestinations() const;
+  void createDestinations();
   void lockDestinations();
   void countWork();
   void copyFiles();

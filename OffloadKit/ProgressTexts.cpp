@@ -1,17 +1,18 @@
 #include "OffloadKit/ProgressTexts.h"
 
 #include "OffloadKit/Format.h"
-#include "PlatformKit/ByteCount.h"
+#include "OffloadKit/ShownReason.h"
+#include "PlatformKit/Translation.h"
 #include "PlatformKit/Unicode.h"
 
 #include <algorithm>
-
-#include <fmt/format.h>
 
 namespace OffloadKit::ProgressTexts {
 namespace {
 
 using Phase = OffloadProgress::Phase;
+using PlatformKit::filled;
+using PlatformKit::translate;
 
 constexpr const char* kUnknown = "–";
 
@@ -25,42 +26,48 @@ std::string phase(const Progress& progress, std::size_t destinations) {
     case Phase::scanning:
       break;
     case Phase::copying:
-      return fmt::format("Copying to {} drive{} and checking each copy", destinations,
-                         destinations == 1 ? "" : "s");
+      return filled(translate("Progress", "Copying to %1 drives and checking each copy",
+                              "Copying to %1 drive and checking each copy", destinations),
+                    {std::to_string(destinations)});
     case Phase::verifying:
-      return "Reading the copies back and comparing";
+      return translate("Progress", "Reading the copies back and comparing");
     case Phase::imaging:
-      return "Saving the card image for Kestrine and checking it";
+      return translate("Progress", "Saving the card image for Kestrine and checking it");
     case Phase::finishing:
-      return "Writing the report and checksums";
+      return translate("Progress", "Writing the report and checksums");
   }
-  return "Reading the card…";
+  return translate("Progress", "Reading the card…");
 }
 
 std::string files(const Progress& progress) {
   if (!progress) return kUnknown;
-  return fmt::format("{} of {}", progress->filesDone, progress->filesTotal);
+  return filled(translate("Progress", "%1 of %2"),
+                {std::to_string(progress->filesDone), std::to_string(progress->filesTotal)});
 }
 
 std::string speed(const Progress& progress) {
   if (!progress || !(progress->bytesPerSecond > 0)) return kUnknown;
   const double highest = 1e18;  // keeps the conversion to whole bytes defined
   const auto bytes = static_cast<std::uint64_t>(std::min(progress->bytesPerSecond, highest));
-  return PlatformKit::byteCountText(bytes) + "/s";
+  return Format::speed(bytes);
 }
 
 std::string remaining(const Progress& progress, double elapsed) {
-  if (!progress || !(progress->fraction > kEnoughForAnEstimate)) return "Working it out…";
-  return "About " + Format::duration(elapsed / progress->fraction - elapsed);
+  if (!progress || !(progress->fraction > kEnoughForAnEstimate)) {
+    return translate("Progress", "Working it out…");
+  }
+  return filled(translate("Progress", "About %1"),
+                {Format::shownDuration(elapsed / progress->fraction - elapsed)});
 }
 
 std::string drive(const OffloadProgress::Drive& drive) {
-  std::string text = fmt::format("{} verified", drive.verified);
-  if (drive.failed > 0) {
-    text += fmt::format(" · {} not verified: {}", drive.failed,
-                        PlatformKit::singleLineText(drive.lastFailure));
+  const std::string verified = std::to_string(drive.verified);
+  if (drive.failed == 0) {
+    return filled(translate("Progress", "%1 verified"), {verified});
   }
-  return text;
+  return filled(translate("Progress", "%1 verified · %2 not verified: %3"),
+                {verified, std::to_string(drive.failed),
+                 PlatformKit::singleLineText(shownReason(drive.lastFailure))});
 }
 
 }  // namespace OffloadKit::ProgressTexts

@@ -8,11 +8,8 @@
 
 namespace OffloadKit::ResultTexts {
 
-/// What a result says to people, in the window as on the terminal. Valid UTF-8, one line each. Any
-/// thread.
-
-/// "the drive", "both drives", "all 3 drives".
-std::string drivesPhrase(std::size_t drives);
+/// What a result says to people, in the window as on the terminal. In the user's language, valid
+/// UTF-8, one line each. Any thread.
 
 /// "Offload verified" or "Some files weren't verified"; a result whose files are all verified, but
 /// that could not read all of the card, is told as "Some of the card couldn't be read".
@@ -30,7 +27,8 @@ std::string took(const OffloadResult& result);
 /// "XXH64, card read twice".
 std::string checksum(const OffloadResult& result);
 
-/// "1204 of 1204 verified · stopped: The drive is full".
+/// "1204 of 1204 verified · stopped: The drive is full"; tells, too, where the read-back may not have
+/// reached the drive.
 std::string drive(const OffloadResult& result, std::size_t destination);
 
 /// What became of the card image: "128 GB verified · 3 unreadable blocks saved as zeros · …" or

@@ -32,6 +32,9 @@ struct VolumeFacts {
   std::optional<std::uint64_t>
       availableForImportantUse;        ///< bytes, where the system tells them apart
   std::optional<DeviceNumber> device;  ///< none for network and memory volumes
+  /// Its file system runs as a process that reads the device through the computer's cache, as those
+  /// for exFAT and NTFS do: what is read there need not come from the drive.
+  bool readsThroughCache = false;
 };
 
 /// Facts about mounted volumes. Any thread; a dead network volume can block for long.

@@ -4,6 +4,8 @@
 
 #include <utility>
 
+#include <QCoreApplication>
+
 namespace Updates {
 namespace {
 
@@ -11,7 +13,8 @@ constexpr qint64 kLargestFeed = 65536;
 constexpr qint64 kLargestSignature = 1024;
 
 QString notSigned() {
-  return "The update information isn't signed by Zephrimark, so it was not used.";
+  return QCoreApplication::translate(
+      "Updates", "The update information isn't signed by Zephrimark, so it was not used.");
 }
 
 // A signature that is not there, or that no signature can be as large as, is none. Everything else
@@ -61,11 +64,12 @@ void UpdateCheck::judge(const QByteArray& feed, const QByteArray& signature) {
   }
   const auto news = parseFeed(feed);
   if (!news) {
-    end(failed("The update information couldn't be understood."));
+    end(failed(
+        QCoreApplication::translate("Updates", "The update information couldn't be understood.")));
   } else if (news->downloadPage.scheme() != "https") {
-    end(
-        failed("The update information names a download page that isn't secure, so it was not "
-               "used."));
+    end(failed(QCoreApplication::translate(
+        "Updates",
+        "The update information names a download page that isn't secure, so it was not used.")));
   } else if (plan_.currentVersion.isBefore(news->version)) {
     end(available(plan_.currentVersionText, *news));
   } else {
@@ -77,7 +81,7 @@ void UpdateCheck::giveUp() {
   proxy_.disconnect(this);
   signature_.reset();
   feed_.reset();
-  end(failed("The answer took too long."));
+  end(failed(QCoreApplication::translate("Updates", "The answer took too long.")));
 }
 
 std::unique_ptr<Download> UpdateCheck::start(const QUrl& url, qint64 largest) {

@@ -1,5 +1,7 @@
 #include "Updates/UpdateResult.h"
 
+#include <QCoreApplication>
+
 namespace Updates {
 namespace {
 
@@ -11,8 +13,9 @@ QString ended(const QString& sentence) {
 
 UpdateResult upToDate(const QString& currentVersion) {
   return {UpdateResult::Kind::upToDate,
-          "You have the newest version",
-          "Zephrimark Offload " + currentVersion + " is the newest version.",
+          QCoreApplication::translate("Updates", "You have the newest version"),
+          QCoreApplication::translate("Updates", "Zephrimark Offload %1 is the newest version.")
+              .arg(currentVersion),
           {},
           {},
           {}};
@@ -20,32 +23,47 @@ UpdateResult upToDate(const QString& currentVersion) {
 
 UpdateResult available(const QString& currentVersion, const Feed& feed) {
   return {UpdateResult::Kind::available,
-          "Zephrimark Offload " + feed.versionText + " is available",
-          "You have " + currentVersion +
-              ". The download page opens in your browser; nothing is installed by itself.",
+          QCoreApplication::translate("Updates", "Zephrimark Offload %1 is available")
+              .arg(feed.versionText),
+          QCoreApplication::translate("Updates",
+                                      "You have %1. The download page opens in your browser; "
+                                      "nothing is installed by itself.")
+              .arg(currentVersion),
           feed.downloadPage,
           feed.versionText,
           feed.notes};
 }
 
 UpdateResult failed(const QString& why) {
-  return {UpdateResult::Kind::failed, "The update check didn't work", why, {}, {}, {}};
+  return {UpdateResult::Kind::failed,
+          QCoreApplication::translate("Updates", "The update check didn't work"),
+          why,
+          {},
+          {},
+          {}};
 }
 
 QString sentenceFor(const DownloadFailure& failure) {
   switch (failure.kind) {
     case DownloadFailure::Kind::unreachable:
-      return ended("The update server couldn't be reached: " + failure.reason);
+      return ended(
+          QCoreApplication::translate("Updates", "The update server couldn't be reached: %1")
+              .arg(failure.reason));
     case DownloadFailure::Kind::untrusted:
-      return ended("The update server couldn't prove who it is: " + failure.reason);
+      return ended(
+          QCoreApplication::translate("Updates", "The update server couldn't prove who it is: %1")
+              .arg(failure.reason));
     case DownloadFailure::Kind::insecureRedirect:
-      return "The server redirected to an address that isn't secure.";
+      return QCoreApplication::translate("Updates",
+                                         "The server redirected to an address that isn't secure.");
     case DownloadFailure::Kind::tooManyRedirects:
-      return "The server redirected too many times.";
+      return QCoreApplication::translate("Updates", "The server redirected too many times.");
     case DownloadFailure::Kind::badStatus:
-      return "The update server answered with the error " + failure.reason + ".";
+      return QCoreApplication::translate("Updates", "The update server answered with the error %1.")
+          .arg(failure.reason);
     case DownloadFailure::Kind::tooLarge:
-      return "The update information is larger than it may be, so it was not used.";
+      return QCoreApplication::translate(
+          "Updates", "The update information is larger than it may be, so it was not used.");
   }
   return {};
 }

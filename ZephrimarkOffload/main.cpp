@@ -2,6 +2,8 @@
 #include "PlatformKit/Posix/Interrupts.h"
 #include "PlatformKit/Posix/OpenFiles.h"
 #include "PlatformKit/Posix/Terminal.h"
+#include "PlatformKit/Translation.h"
+#include "Translations/Language.h"
 #include "Updates/AppUpdater.h"
 #include "ZephrimarkOffload/Desktop/DesktopServices.h"
 #include "ZephrimarkOffload/Desktop/FileManager.h"
@@ -33,12 +35,20 @@ using ZephrimarkOffload::OffloadModel;
 using ZephrimarkOffload::OffloadWindow;
 using ZephrimarkOffload::SingleInstance;
 
-constexpr const char* kHelp =
-    "Usage: zephrimark-offload [-ZMSource FOLDER] [-ZMDestinations FOLDER[:FOLDER...]]\n"
-    "                          [-ZMAutoStart YES]\n"
-    "Opens the window of Zephrimark Offload, with a source and destinations already chosen if\n"
-    "they are given; with -ZMAutoStart YES the offload starts after a second, when it can.\n"
-    "On the command line, use zephrimark.\n";
+using PlatformKit::translate;
+
+std::string help() {
+  return translate(
+             "Start",
+             "Usage: zephrimark-offload [-ZMSource FOLDER] [-ZMDestinations FOLDER[:FOLDER...]]\n"
+             "                          [-ZMAutoStart YES]\n"
+             "Opens the window of Zephrimark Offload, with a source and destinations already "
+             "chosen if\n"
+             "they are given; with -ZMAutoStart YES the offload starts after a second, when it "
+             "can.\n"
+             "On the command line, use zephrimark.") +
+         "\n";
+}
 
 /// The check for updates and what the window shows of it.
 class UpdateCheck {
@@ -103,10 +113,15 @@ bool hasScreen() {
 
 int endAsSecond(const SingleInstance& instance) {
   if (instance.acknowledged()) {
-    std::cerr << "Zephrimark Offload is already running; its window was brought to the front.\n";
+    std::cerr << translate("Start",
+                           "Zephrimark Offload is already running; its window was brought to the "
+                           "front.")
+              << "\n";
     return 0;
   }
-  std::cerr << "Zephrimark Offload is already running but does not answer. End it first.\n";
+  std::cerr << translate("Start",
+                         "Zephrimark Offload is already running but does not answer. End it first.")
+            << "\n";
   return 1;
 }
 
@@ -133,7 +148,9 @@ int run(QGuiApplication& application, const std::vector<std::string>& arguments,
                                  QDesktopServices::openUrl(ZephrimarkOffload::urlOf(file));
                                }});
   if (!window.isShown()) {
-    std::cerr << "zephrimark-offload: The window could not be made. The installation is damaged.\n";
+    std::cerr << "zephrimark-offload: "
+              << translate("Start", "The window could not be made. The installation is damaged.")
+              << "\n";
     return 1;
   }
   QObject::connect(&instance, &SingleInstance::activationRequested,
@@ -162,7 +179,7 @@ std::optional<std::string> answerTo(const std::vector<std::string>& arguments) {
     if (argument == "--version") {
       return "zephrimark-offload " + std::string(OffloadKit::productVersion()) + "\n";
     }
-    if (argument == "--help" || argument == "-h") return kHelp;
+    if (argument == "--help" || argument == "-h") return help();
   }
   return std::nullopt;
 }
@@ -172,20 +189,26 @@ std::optional<std::string> answerTo(const std::vector<std::string>& arguments) {
 int main(int argc, char** argv) {
   PlatformKit::openMissingStandardStreams();
   PlatformKit::raiseOpenFilesLimit();
+  const std::string language = Translations::languageOfUser();
+  Translations::useLanguage(language);
   const std::vector<std::string> arguments(argv + 1, argv + argc);
   if (const auto answer = answerTo(arguments)) {
     std::cout << *answer;
     return 0;
   }
   if (!hasScreen()) {
-    std::cerr << "zephrimark-offload: There is no screen to open a window on. On the command line, "
-                 "use zephrimark.\n";
+    std::cerr << "zephrimark-offload: "
+              << translate("Start",
+                           "There is no screen to open a window on. On the command line, use "
+                           "zephrimark.")
+              << "\n";
     return 1;
   }
   const QString token = ZephrimarkOffload::startActivationToken();
   // Before any other thread. An offload that runs ends at its next step, as with Stop.
   const PlatformKit::Interrupts interrupts(endBySignal);
   QGuiApplication application(argc, argv);
+  Translations::useLanguage(language);
   QGuiApplication::setApplicationName("Zephrimark Offload");
   QGuiApplication::setDesktopFileName("com.zephrimark.offload");
   ZephrimarkUI::prepareApplication();

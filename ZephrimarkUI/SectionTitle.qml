@@ -15,7 +15,7 @@ RowLayout {
 
     Accessible.role: Accessible.Heading
     Accessible.name: title
-    Accessible.description: !complete ? detail : detail === "" ? qsTr("Complete") : qsTr("Complete") + ". " + detail
+    Accessible.description: !complete ? detail : detail === "" ? qsTr("Complete") : qsTr("Complete. %1").arg(detail)
 
     Icon {
         size: Brand.symbol

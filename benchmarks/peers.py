@@ -27,6 +27,7 @@ CASES = {  # name: (files, bytes of each)
     "small": (20000, 10 * 1024),
 }
 SLOW_DRIVE = 80 * MIB  # bytes a second of the throttled drive
+FEW_REQUESTS = 400  # a second, of drives that take their time for each, as behind USB
 
 
 def run(command, **options):
@@ -76,7 +77,7 @@ class Places:
         self.stack.callback(run, ["umount", "-l", path])
         return path
 
-    def loop(self, name, gigabytes, limit=None):
+    def loop(self, name, gigabytes, limit=None, unit="bps"):
         image = f"{self.root}/{name}.img"
         with open(image, "wb") as file:
             os.posix_fallocate(file.fileno(), 0, gigabytes << 30)
@@ -89,13 +90,13 @@ class Places:
         run(["mount", device, path])
         self.stack.callback(run, ["umount", "-l", path])
         if limit:
-            self.throttle(device, limit)
+            self.throttle(device, limit, unit)
         return path
 
-    def throttle(self, device, limit):
+    def throttle(self, device, limit, unit):
         numbers = os.stat(device).st_rdev
         for way in ("read", "write"):
-            control = f"/sys/fs/cgroup/blkio/blkio.throttle.{way}_bps_device"
+            control = f"/sys/fs/cgroup/blkio/blkio.throttle.{way}_{unit}_device"
             rule = f"{os.major(numbers)}:{os.minor(numbers)} "
 
             def say(value, control=control, rule=rule):
@@ -118,11 +119,15 @@ def throttled(places):
     return places.folder("card"), [places.loop("a", 5), places.loop("b", 5, SLOW_DRIVE)]
 
 
+def latency(places):
+    return places.folder("card"), [places.loop(name, 5, FEW_REQUESTS, "iops") for name in ("a", "b")]
+
+
 def memory(places):
     return places.tmpfs("card"), [places.tmpfs("a"), places.tmpfs("b")]
 
 
-PLACES = {"disk": disk, "loops": loops, "throttled": throttled, "tmpfs": memory}
+PLACES = {"disk": disk, "loops": loops, "throttled": throttled, "latency": latency, "tmpfs": memory}
 
 
 def ours(program, card, drives):

@@ -11,10 +11,11 @@ set(DeviceKit_may PlatformKit)
 set(OffloadKit_may HashKit PlatformKit DeviceKit)
 set(DiskServices_may PlatformKit)
 set(DeviceHelper_may PlatformKit)
+set(Translations_may PlatformKit)
 set(Updates_may "")
 set(ZephrimarkUI_may "")
-set(CommandLine_may HashKit PlatformKit DeviceKit OffloadKit DiskServices)
-set(modules PlatformKit HashKit DeviceKit OffloadKit DiskServices DeviceHelper Updates ZephrimarkUI
+set(CommandLine_may HashKit PlatformKit DeviceKit OffloadKit DiskServices Translations)
+set(modules PlatformKit HashKit DeviceKit OffloadKit DiskServices DeviceHelper Translations Updates ZephrimarkUI
     CommandLine)
 
 # The operating system's own headers belong to the lowest layer's implementations.

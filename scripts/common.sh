@@ -14,6 +14,7 @@ build_packages=(
   g++ cmake ninja-build pkg-config
   libssl-dev libexpat1-dev libicu-dev libfmt-dev libcli11-dev nlohmann-json3-dev libsystemd-dev
   qt6-base-dev qt6-declarative-dev qt6-declarative-dev-tools qt6-svg-dev
+  qt6-tools-dev qt6-l10n-tools
   "${window_packages[@]}" "${font_packages[@]}"
 )
 package_packages=(debhelper dpkg-dev)

@@ -28,6 +28,7 @@ VolumeFacts LinuxVolumes::facts(const Path& existing) {
   const auto mounts = readMounts(roots_.mountInfo);
   if (const Mount* mount = mountHolding(mounts, path)) {
     facts.root = mount->point;
+    facts.readsThroughCache = mount->fileSystem == "fuseblk";
     facts.device = blockDeviceOf(*mount);
     if (facts.device) facts.name = volumeLabel(roots_.udevData, *facts.device);
     if (!facts.name) facts.name = nonEmpty(mount->point.filename().native());

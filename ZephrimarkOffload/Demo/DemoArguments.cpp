@@ -1,5 +1,7 @@
 #include "ZephrimarkOffload/Demo/DemoArguments.h"
 
+#include "Translations/Language.h"
+
 #include <QRegularExpression>
 
 namespace ZephrimarkOffload::Demo {
@@ -26,6 +28,11 @@ QSize sizeOf(const std::string& text) {
   throw DemoArguments::Error("\"" + text + "\" is no size such as 820x840.");
 }
 
+std::string languageOf(const std::string& code) {
+  if (Translations::isKnown(code)) return code;
+  throw DemoArguments::Error("There are no texts in the language \"" + code + "\".");
+}
+
 }  // namespace
 
 DemoArguments DemoArguments::parse(const std::vector<std::string>& arguments) {
@@ -42,6 +49,8 @@ DemoArguments DemoArguments::parse(const std::vector<std::string>& arguments) {
       parsed.scene = sceneOf(value());
     else if (option == "--dark" || option == "--light")
       parsed.dark = option == "--dark";
+    else if (option == "--language")
+      parsed.language = languageOf(value());
     else if (option == "--screenshot")
       parsed.screenshot = QString::fromStdString(value());
     else if (option == "--size")
@@ -54,7 +63,7 @@ DemoArguments DemoArguments::parse(const std::vector<std::string>& arguments) {
 }
 
 std::string DemoArguments::help() {
-  return "Usage: zephrimark-offload-demo [--scene NAME] [--dark|--light]\n"
+  return "Usage: zephrimark-offload-demo [--scene NAME] [--dark|--light] [--language CODE]\n"
          "                               [--screenshot FILE [--size WxH]]\n"
          "Opens the window of Zephrimark Offload on made-up cards and drives. Nothing is copied.\n"
          "Without --scene you can offload one of two cards, which takes about 20 seconds.\n"

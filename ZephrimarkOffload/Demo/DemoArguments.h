@@ -24,6 +24,7 @@ struct DemoArguments {
   std::optional<bool> dark;
   std::optional<QString> screenshot;  ///< the file to save a picture in
   std::optional<QSize> size;          ///< of the window in the picture
+  std::string language = "en";
   bool wantsHelp = false;
 
   /// `arguments`: without the program's name. Throws Error.

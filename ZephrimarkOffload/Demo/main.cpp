@@ -1,3 +1,4 @@
+#include "Translations/Language.h"
 #include "ZephrimarkOffload/Demo/DemoArguments.h"
 #include "ZephrimarkOffload/Demo/DemoWindow.h"
 #include "ZephrimarkOffload/Demo/Screenshot.h"
@@ -41,6 +42,7 @@ int main(int argc, char** argv) {
       return 0;
     }
     const QGuiApplication application(argc, argv);
+    Translations::useLanguage(arguments.language);
     ZephrimarkUI::prepareApplication();
     return run(application, arguments);
   } catch (const Demo::DemoArguments::Error& error) {

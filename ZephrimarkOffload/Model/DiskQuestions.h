@@ -69,8 +69,8 @@ class DiskQuestions {
   [[nodiscard]] virtual SourceCount count(const PlatformKit::Path& path) = 0;
   [[nodiscard]] virtual DestinationFacts destination(const PlatformKit::Path& path) = 0;
 
-  /// Unmounts and ejects the disk under the volume; none when that was done, else a sentence that
-  /// calls it `name` and says why not.
+  /// Unmounts and ejects the disk under the volume; none when that was done, else a sentence in
+  /// English that calls it `name` and says why not.
   [[nodiscard]] virtual std::optional<std::string> eject(const PlatformKit::Path& volume,
                                                          const std::string& name) = 0;
 };

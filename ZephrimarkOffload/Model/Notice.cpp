@@ -1,29 +1,43 @@
 #include "ZephrimarkOffload/Model/Notice.h"
 
 #include "PlatformKit/ByteCount.h"
+#include "PlatformKit/Translation.h"
 #include "PlatformKit/Unicode.h"
 
-#include <fmt/format.h>
-
 namespace ZephrimarkOffload {
+
+namespace {
+
+using PlatformKit::filled;
+using PlatformKit::translate;
+
+}  // namespace
 
 Notice noticeOf(const OffloadKit::OffloadResult& result) {
   const std::string name = PlatformKit::singleLineText(result.plan.sourceName);
   const std::size_t drives = result.plan.destinations.size();
   if (!result.allVerified()) {
-    return {"Offload finished with problems",
-            fmt::format("{}: {} file(s) weren't verified on every drive.", name,
-                        result.failedFiles().size())};
+    const std::size_t failed = result.failedFiles().size();
+    return {translate("Notice", "Offload finished with problems"),
+            filled(translate("Notice", "%1: %2 file(s) weren't verified on every drive.",
+                             "%1: %2 file(s) weren't verified on every drive.", failed),
+                   {name, std::to_string(failed)})};
   }
   if (!result.unreadable.empty()) {
-    return {"Offload finished with problems",
-            fmt::format("{}: {} item(s) couldn't be read from the card.", name,
-                        result.unreadable.size())};
+    const std::size_t missing = result.unreadable.size();
+    return {translate("Notice", "Offload finished with problems"),
+            filled(translate("Notice", "%1: %2 item(s) couldn't be read from the card.",
+                             "%1: %2 item(s) couldn't be read from the card.", missing),
+                   {name, std::to_string(missing)})};
   }
+  const std::size_t files = result.files.size();
   return {
-      "Offload verified",
-      fmt::format("{}: {} files, {}, checked on {} drive{}.", name, result.files.size(),
-                  PlatformKit::byteCountText(result.totalBytes()), drives, drives == 1 ? "" : "s")};
+      translate("Notice", "Offload verified"),
+      filled(translate("Notice", "%1: %2, %3, checked on %4 drives.",
+                       "%1: %2, %3, checked on %4 drive.", drives),
+             {name,
+              filled(translate("Notice", "%1 files", "%1 files", files), {std::to_string(files)}),
+              PlatformKit::shownByteCount(result.totalBytes()), std::to_string(drives)})};
 }
 
 }  // namespace ZephrimarkOffload

@@ -1,6 +1,7 @@
 #include "ZephrimarkOffload/Model/OffloadModel.h"
 
 #include "OffloadKit/ErrorSentences.h"
+#include "PlatformKit/Translation.h"
 #include "PlatformKit/Unicode.h"
 #include "ZephrimarkOffload/Model/StepTexts.h"
 
@@ -292,7 +293,7 @@ std::optional<OffloadKit::CardImageRequest> OffloadModel::imageRequest() const {
 }
 
 std::optional<std::string> OffloadModel::blocker() const {
-  if (isEjecting_) return "Ejecting the card…";
+  if (isEjecting_) return PlatformKit::translate("Setup", "Ejecting the card…");
   return ZephrimarkOffload::blocker(readiness());
 }
 

@@ -2,6 +2,8 @@
 
 #include "OffloadKit/ErrorSentences.h"
 #include "OffloadKit/OffloadError.h"
+#include "OffloadKit/ShownReason.h"
+#include "PlatformKit/Translation.h"
 #include "PlatformKit/Unicode.h"
 #include "ZephrimarkOffload/Model/Notice.h"
 #include "ZephrimarkOffload/Model/OffloadModel.h"
@@ -39,7 +41,8 @@ void OffloadModel::start() {
   ejectMessage_.clear();
   isStopping_ = false;
   services_.desktop.holdAwake(
-      QString::fromStdString("Copying " + PlatformKit::singleLineText(plan.sourceName)));
+      QString::fromStdString(PlatformKit::filled(PlatformKit::translate("Progress", "Copying %1"),
+                                                 {PlatformKit::singleLineText(plan.sourceName)})));
   setStage(Stage::running());
   services_.desktop.requestNotificationPermission();
   std::optional<Path> ejectTarget;
@@ -60,7 +63,7 @@ void OffloadModel::runInBackground(const OffloadKit::OffloadPlan& plan,
       if (error.isCancelled()) {
         main->post([this] { stopped(); });
       } else {
-        main->post([this, message = error.errorDescription()] { failed(message); });
+        main->post([this, message = error.shownDescription()] { failed(message); });
       }
     } catch (const std::exception& error) {
       main->post([this, message = std::string(error.what())] { failed(message); });
@@ -69,7 +72,7 @@ void OffloadModel::runInBackground(const OffloadKit::OffloadPlan& plan,
   try {
     run_ = std::thread(work);
   } catch (const std::system_error& error) {
-    failed(OffloadKit::systemText(error.code().value()));
+    failed(OffloadKit::shownReason(OffloadKit::systemText(error.code().value())));
   }
 }
 
@@ -151,7 +154,11 @@ void OffloadModel::eject(const Path& volume) {
       [this, name](const std::optional<std::string>& failure) {
         isEjecting_ = false;
         isEjected_ = !failure;
-        ejectMessage_ = failure.value_or("Ejected " + name + ". You can take it out now.");
+        ejectMessage_ =
+            failure ? OffloadKit::shownReason(*failure)
+                    : PlatformKit::filled(
+                          PlatformKit::translate("Setup", "Ejected %1. You can take it out now."),
+                          {name});
         emit ejectChanged();
         refreshVolumes();
       });

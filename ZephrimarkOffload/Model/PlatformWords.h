@@ -1,28 +1,41 @@
 #pragma once
 
-#include <string_view>
+#include "PlatformKit/Translation.h"
 
 namespace ZephrimarkOffload {
 
-/// The words that name the platform, everything else in the texts being the same everywhere.
+/// The words that name the platform, everything else in the texts being the same everywhere. They are
+/// English, of the context "Platform".
 struct PlatformWords {
-  std::string_view thisComputer;      ///< the name of a destination on the computer's own disk
-  std::string_view onlyThisComputer;  ///< the warning that all copies are there
-  std::string_view showInFileBrowser;
-  std::string_view asksForPassword;  ///< the last sentence about the card image
+  const char* thisComputer;      ///< the name of a destination on the computer's own disk
+  const char* onlyThisComputer;  ///< the warning that all copies are there
+  const char* showInFileBrowser;
+  const char* imagesCard;  ///< what a card image is for, and that a password may be asked for
 };
 
 inline constexpr PlatformWords kMacWords{
-    "This Mac",
-    "Every copy is on this Mac's own disk. Add an external drive so the footage isn't on one disk "
-    "only.",
-    "Show in Finder", "macOS asks for your password to read the card directly."};
+    PlatformKit::translatable("Platform", "This Mac"),
+    PlatformKit::translatable("Platform",
+                              "Every copy is on this Mac's own disk. Add an external drive so the "
+                              "footage isn't on one disk only."),
+    PlatformKit::translatable("Platform", "Show in Finder"),
+    PlatformKit::translatable(
+        "Platform",
+        "A sector-by-sector copy of the whole card, including deleted space. If something turns "
+        "out to be missing later, Zephrimark Kestrine can search the image, even after the card "
+        "is reused. macOS asks for your password to read the card directly.")};
 
 inline constexpr PlatformWords kLinuxWords{
-    "This Computer",
-    "Every copy is on this computer's own disk. Add an external drive so the footage isn't on one "
-    "disk only.",
-    "Show in Files", "Your password may be asked for to read the card directly."};
+    PlatformKit::translatable("Platform", "This Computer"),
+    PlatformKit::translatable("Platform",
+                              "Every copy is on this computer's own disk. Add an external drive so "
+                              "the footage isn't on one disk only."),
+    PlatformKit::translatable("Platform", "Show in Files"),
+    PlatformKit::translatable(
+        "Platform",
+        "A sector-by-sector copy of the whole card, including deleted space. If something turns "
+        "out to be missing later, Zephrimark Kestrine can search the image, even after the card "
+        "is reused. Your password may be asked for to read the card directly.")};
 
 /// Those of the platform that this is built for.
 inline constexpr PlatformWords kWords =

@@ -1,7 +1,12 @@
 #include "ZephrimarkOffload/Model/Readiness.h"
 
+#include "PlatformKit/Translation.h"
+
 namespace ZephrimarkOffload {
 namespace {
+
+using PlatformKit::filled;
+using PlatformKit::translate;
 
 std::optional<std::string> missingRoom(const Readiness& readiness) {
   const auto image = imageDestination(readiness.destinations);
@@ -9,13 +14,17 @@ std::optional<std::string> missingRoom(const Readiness& readiness) {
     const Readiness::Room& room = readiness.destinations[i];
     const bool takesImage = readiness.cardImageSize && image == i;
     const std::uint64_t imageSize = takesImage ? *readiness.cardImageSize : 0;
-    if (!room.freeSpace) return "Waiting for " + room.volumeName + " to answer…";
+    if (!room.freeSpace) {
+      return filled(translate("Setup", "Waiting for %1 to answer…"), {room.volumeName});
+    }
     // By differences, since a sum might not fit.
     if (*room.freeSpace >= imageSize && *room.freeSpace - imageSize >= readiness.sourceSize) {
       continue;
     }
-    return room.volumeName + (imageSize > 0 ? " doesn't have room for this card and its card image."
-                                            : " doesn't have room for this card.");
+    return filled(imageSize > 0
+                      ? translate("Setup", "%1 doesn't have room for this card and its card image.")
+                      : translate("Setup", "%1 doesn't have room for this card."),
+                  {room.volumeName});
   }
   return std::nullopt;
 }
@@ -32,9 +41,13 @@ std::optional<std::size_t> imageDestination(const std::vector<Readiness::Room>& 
 }
 
 std::optional<std::string> blocker(const Readiness& readiness) {
-  if (!readiness.hasSource) return "Choose a card to offload.";
-  if (readiness.destinations.empty()) return "Add at least one drive to copy to.";
-  if (readiness.sourceFileCount == 0 && readiness.sourceSize == 0) return "Reading the card…";
+  if (!readiness.hasSource) return translate("Setup", "Choose a card to offload.");
+  if (readiness.destinations.empty()) {
+    return translate("Setup", "Add at least one drive to copy to.");
+  }
+  if (readiness.sourceFileCount == 0 && readiness.sourceSize == 0) {
+    return translate("Setup", "Reading the card…");
+  }
   return missingRoom(readiness);
 }
 

@@ -2,20 +2,21 @@
 
 #include "OffloadKit/FolderPreset.h"
 #include "PlatformKit/ByteCount.h"
+#include "PlatformKit/Translation.h"
 #include "PlatformKit/Unicode.h"
 #include "ZephrimarkOffload/Model/PlatformWords.h"
 
 #include <algorithm>
 #include <string_view>
 
-#include <fmt/format.h>
-
 namespace ZephrimarkOffload::SetupTexts {
 namespace {
 
-using PlatformKit::byteCountText;
+using PlatformKit::filled;
 using PlatformKit::Path;
+using PlatformKit::shownByteCount;
 using PlatformKit::singleLineText;
+using PlatformKit::translate;
 
 // The rest of `path` below `folder`, with its leading slash; none when it lies elsewhere.
 std::optional<std::string_view> below(const Path& path, const Path& folder) {
@@ -38,7 +39,8 @@ std::string withShortHome(const Path& path, const Path& home) {
 std::string used(std::int64_t capacity, std::int64_t available) {
   if (capacity <= 0) return {};
   const auto bytes = static_cast<std::uint64_t>(std::max<std::int64_t>(capacity - available, 0));
-  return byteCountText(bytes) + " used of " + byteCountText(static_cast<std::uint64_t>(capacity));
+  return filled(translate("Setup", "%1 used of %2"),
+                {shownByteCount(bytes), shownByteCount(static_cast<std::uint64_t>(capacity))});
 }
 
 std::string sourceDetail(const SourceFacts& facts, const Path& source, const Path& home) {
@@ -49,14 +51,16 @@ std::string sourceDetail(const SourceFacts& facts, const Path& source, const Pat
 }
 
 std::string sourceSummary(const SourceCount& count, const std::string& camera) {
-  if (count.files == 0) return "Reading the card…";
-  std::string text = fmt::format("{} files · {}", count.files, byteCountText(count.bytes));
+  if (count.files == 0) return translate("Setup", "Reading the card…");
+  std::string text = filled(translate("Setup", "%1 files · %2", "%1 files · %2", count.files),
+                            {std::to_string(count.files), shownByteCount(count.bytes)});
   if (camera != "Camera") text += " · " + singleLineText(camera);
   return text;
 }
 
 std::string destinationName(const DestinationFacts& facts) {
-  return facts.isInternal ? std::string(kWords.thisComputer) : singleLineText(facts.volumeName);
+  return facts.isInternal ? translate("Platform", kWords.thisComputer)
+                          : singleLineText(facts.volumeName);
 }
 
 std::string placeOnDrive(const DestinationFacts& facts, const Path& destination, const Path& home) {
@@ -64,39 +68,37 @@ std::string placeOnDrive(const DestinationFacts& facts, const Path& destination,
   std::string_view place = below(destination, facts.volumeRoot).value_or(destination.native());
   while (place.starts_with('/')) place.remove_prefix(1);
   while (place.ends_with('/')) place.remove_suffix(1);
-  return place.empty() ? "Top level of the drive" : singleLineText(place);
+  return place.empty() ? translate("Setup", "Top level of the drive") : singleLineText(place);
 }
 
 std::string freeText(std::uint64_t bytes) {
-  return byteCountText(bytes) + " free";
+  return filled(translate("Setup", "%1 free"), {shownByteCount(bytes)});
 }
 
 std::string onDrives(std::size_t destinations) {
-  return destinations == 1 ? "on the drive" : "on each drive";
+  return translate("Setup", "on each drive", "on the drive", destinations);
 }
 
 std::string cardImageDetail(std::uint64_t size, const std::string& destinationName) {
-  return byteCountText(size) + (destinationName.empty() ? "" : " on " + destinationName);
+  if (destinationName.empty()) return shownByteCount(size);
+  return filled(translate("Setup", "%1 on %2"), {shownByteCount(size), destinationName});
 }
 
 std::string cardImageCaption(bool isPossible) {
-  if (!isPossible) return "Available when offloading a whole card.";
-  return "A sector-by-sector copy of the whole card, including deleted space. If something turns "
-         "out to be missing later, Zephrimark Kestrine can search the image, even after the card "
-         "is reused. " +
-         std::string(kWords.asksForPassword);
+  if (!isPossible) return translate("Setup", "Available when offloading a whole card.");
+  return translate("Platform", kWords.imagesCard);
 }
 
 std::string startSummary(std::uint64_t size, std::size_t destinations) {
-  return fmt::format("{} to {} drive{}", byteCountText(size), destinations,
-                     destinations == 1 ? "" : "s");
+  return filled(translate("Setup", "%1 to %2 drives", "%1 to %2 drive", destinations),
+                {shownByteCount(size), std::to_string(destinations)});
 }
 
 std::string tokensHelp() {
   std::string text;
   for (const auto& token : OffloadKit::FolderPreset::tokens()) {
-    text +=
-        (text.empty() ? "" : "\n") + std::string(token.token) + "  " + std::string(token.meaning);
+    text += (text.empty() ? "" : "\n") + std::string(token.token) + "  " +
+            translate("Setup", token.meaning);
   }
   return text;
 }

@@ -1,40 +1,49 @@
 #include "ZephrimarkOffload/Model/StepTexts.h"
 
+#include "PlatformKit/Translation.h"
 #include "PlatformKit/Unicode.h"
-
-#include <fmt/format.h>
 
 namespace ZephrimarkOffload {
 namespace {
 
+using PlatformKit::filled;
+using PlatformKit::translate;
 using Phase = OffloadKit::OffloadProgress::Phase;
 
 std::string doneStatus(const OffloadKit::OffloadResult& result) {
   if (!result.allVerified()) {
-    return "Some files weren't verified on every drive. Don't format the card yet.";
+    return translate("Steps",
+                     "Some files weren't verified on every drive. Don't format the card yet.");
   }
   if (!result.unreadable.empty()) {
-    return "Some of the card couldn't be read. Don't format the card yet.";
+    return translate("Steps", "Some of the card couldn't be read. Don't format the card yet.");
   }
-  return "Every file is verified on every drive. Check the report before you format the card.";
+  return translate(
+      "Steps",
+      "Every file is verified on every drive. Check the report before you format the card.");
 }
 
 std::string runningStatus(const StepFacts& facts) {
   const Phase phase = facts.progress ? facts.progress->phase : Phase::scanning;
-  if (phase == Phase::finishing) return "Writing the report and checksums.";
-  if (phase == Phase::imaging) return "Saving the card image for Kestrine, then checking it.";
+  if (phase == Phase::finishing) return translate("Steps", "Writing the report and checksums.");
+  if (phase == Phase::imaging)
+    return translate("Steps", "Saving the card image for Kestrine, then checking it.");
   if (phase == Phase::verifying) {
-    return "Reading every copy back from the drives and comparing it with the card.";
+    return translate("Steps",
+                     "Reading every copy back from the drives and comparing it with the card.");
   }
-  return fmt::format("Copying {} to {} drive{}. Keep everything connected.",
-                     PlatformKit::singleLineText(facts.sourceName), facts.destinations,
-                     facts.destinations == 1 ? "" : "s");
+  const std::size_t drives = facts.destinations;
+  return filled(translate("Steps", "Copying %1 to %2 drives. Keep everything connected.",
+                          "Copying %1 to %2 drive. Keep everything connected.", drives),
+                {PlatformKit::singleLineText(facts.sourceName), std::to_string(drives)});
 }
 
 std::string setupStatus(const StepFacts& facts) {
-  if (!facts.hasSource) return "Insert a card, or choose a folder to offload.";
-  if (facts.destinations == 0) return "Add the drives to copy to. Two is safer than one.";
-  return facts.blocker.value_or("Ready. Check the folder name, then press Start Offload.");
+  if (!facts.hasSource) return translate("Steps", "Insert a card, or choose a folder to offload.");
+  if (facts.destinations == 0)
+    return translate("Steps", "Add the drives to copy to. Two is safer than one.");
+  if (facts.blocker) return *facts.blocker;
+  return translate("Steps", "Ready. Check the folder name, then press Start Offload.");
 }
 
 }  // namespace
@@ -51,7 +60,7 @@ std::string stepStatus(const StepFacts& facts) {
     case Stage::Kind::done:
       return doneStatus(*facts.stage.result());
     case Stage::Kind::failed:
-      return "The offload couldn't start. See the message below.";
+      return translate("Steps", "The offload couldn't start. See the message below.");
     case Stage::Kind::running:
       return runningStatus(facts);
     case Stage::Kind::setup:

@@ -4,6 +4,7 @@
 #include "OffloadKit/FolderPreset.h"
 #include "OffloadKit/Places.h"
 #include "OffloadKit/SourceScan.h"
+#include "PlatformKit/Translation.h"
 
 #include <exception>
 
@@ -72,7 +73,7 @@ DestinationFacts SystemDiskQuestions::destination(const Path& path) {
 std::optional<std::string> SystemDiskQuestions::eject(const Path& volume, const std::string& name) {
   // Once a card is taken out, its folder may lie on another disk.
   if (!OffloadKit::isVolumeRoot(system_, volume)) {
-    return name + " is not mounted any more, so it was not ejected.";
+    return PlatformKit::filled("%1 is not mounted any more, so it was not ejected.", {name});
   }
   return ejector_.eject(volume, name);
 }

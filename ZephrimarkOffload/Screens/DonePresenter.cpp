@@ -2,12 +2,9 @@
 
 #include "OffloadKit/ErrorSentences.h"
 #include "OffloadKit/ResultTexts.h"
-#include "PlatformKit/ByteCount.h"
 #include "ZephrimarkOffload/Screens/Text.h"
 
 #include <algorithm>
-
-#include <QLocale>
 
 namespace ZephrimarkOffload {
 namespace {
@@ -71,10 +68,8 @@ QString DonePresenter::sentence() const {
   return QString::fromStdString(ResultTexts::sentence(*result_));
 }
 
-// With the user's own digit grouping, which the terminal and the report do not have.
 QString DonePresenter::files() const {
-  return QLocale().toString(static_cast<qulonglong>(result_->files.size())) + " · " +
-         QString::fromStdString(PlatformKit::byteCountText(result_->totalBytes()));
+  return QString::fromStdString(ResultTexts::files(*result_));
 }
 
 QString DonePresenter::took() const {
@@ -100,7 +95,7 @@ QString DonePresenter::missingProof() const {
     if (result_->verifiedCount(i) > 0) ++drives;
   }
   if (std::min(result_->reports.size(), result_->mhlFiles.size()) >= drives) return {};
-  return "Not every drive got its report and its hash list: they could not be written.";
+  return tr("Not every drive got its report and its hash list: they could not be written.");
 }
 
 bool DonePresenter::canOpenReport() const {

@@ -18,22 +18,28 @@ ColumnLayout {
     }
 
     RowLayout {
+        id: sentence
+
         visible: section.presenter.folderName !== ""
         spacing: Brand.tiny
 
         TextLabel {
+            id: beginning
+
             text: qsTr("Files go into")
             font: Brand.callout
             color: Brand.secondaryText
         }
 
         ElidedLabel {
-            Layout.maximumWidth: section.width - 220
+            Layout.maximumWidth: section.width - beginning.implicitWidth - ending.implicitWidth - 2 * sentence.spacing
             text: section.presenter.folderName
             font: Brand.mono
         }
 
         TextLabel {
+            id: ending
+
             text: section.presenter.onDrives
             font: Brand.callout
             color: Brand.secondaryText

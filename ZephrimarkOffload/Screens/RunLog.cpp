@@ -1,15 +1,17 @@
 #include "ZephrimarkOffload/Screens/RunLog.h"
 
+#include "OffloadKit/ShownReason.h"
 #include "PlatformKit/ByteCount.h"
+#include "PlatformKit/Translation.h"
 #include "PlatformKit/Unicode.h"
 
 #include <algorithm>
 
-#include <fmt/format.h>
-
 namespace ZephrimarkOffload {
 namespace {
 
+using PlatformKit::filled;
+using PlatformKit::translate;
 using Phase = OffloadKit::OffloadProgress::Phase;
 
 // A drive whose every file fails in a way of its own must not fill the memory.
@@ -24,21 +26,24 @@ bool RunLog::add(const OffloadKit::OffloadProgress& progress, PlatformKit::Date 
   const std::size_t before = lines_.size();
   if (!isScanned_ && progress.filesTotal > 0) {
     isScanned_ = true;
-    lines_.push_back({time, fmt::format("Found {} files, {}", progress.filesTotal,
-                                        PlatformKit::byteCountText(progress.bytesTotal))});
+    const std::size_t files = progress.filesTotal;
+    lines_.push_back(
+        {time, filled(translate("Progress", "Found %1 files, %2", "Found %1 files, %2", files),
+                      {std::to_string(files), PlatformKit::shownByteCount(progress.bytesTotal)})});
   }
   addProblems(progress, time);
   if (progress.phase != phase_) {
     phase_ = progress.phase;
     if (phase_ == Phase::imaging) {
-      lines_.push_back({time, "All files are done, the card image is next"});
+      lines_.push_back({time, translate("Progress", "All files are done, the card image is next")});
     } else if (phase_ == Phase::finishing) {
       const auto& drives = progress.drives;
       const bool isClean = std::all_of(drives.begin(), drives.end(),
                                        [](const auto& drive) { return drive.failed == 0; });
       lines_.push_back({time,
-                        isClean ? "Everything is copied and compared"
-                                : "All files are done, some are not verified",
+                        isClean
+                            ? translate("Progress", "Everything is copied and compared")
+                            : translate("Progress", "All files are done, some are not verified"),
                         !isClean});
     }
   }
@@ -51,7 +56,10 @@ void RunLog::addProblems(const OffloadKit::OffloadProgress& progress, PlatformKi
     // The same failure again is in the count that stands beside the drive.
     if (failure.empty() || failure == lastFailures_[i] || lines_.size() >= kMostLines) continue;
     lastFailures_[i] = failure;
-    lines_.push_back({time, driveNames_[i] + ": " + PlatformKit::singleLineText(failure), true});
+    lines_.push_back(
+        {time,
+         driveNames_[i] + ": " + PlatformKit::singleLineText(OffloadKit::shownReason(failure)),
+         true});
   }
 }
 

@@ -95,7 +95,7 @@ void RunningPresenter::showLog() {
 }
 
 QString RunningPresenter::heading() const {
-  return "Offloading " + lineText(model_.runPlan().sourceName);
+  return tr("Offloading %1").arg(lineText(model_.runPlan().sourceName));
 }
 
 QString RunningPresenter::phase() const {
@@ -107,7 +107,7 @@ double RunningPresenter::fraction() const {
 }
 
 QString RunningPresenter::percent() const {
-  return QString::number(static_cast<int>(fraction() * 100)) + "%";
+  return tr("%1%").arg(static_cast<int>(fraction() * 100));
 }
 
 QString RunningPresenter::files() const {

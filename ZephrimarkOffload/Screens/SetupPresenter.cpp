@@ -1,6 +1,6 @@
 #include "ZephrimarkOffload/Screens/SetupPresenter.h"
 
-#include "PlatformKit/ByteCount.h"
+#include "PlatformKit/Translation.h"
 #include "ZephrimarkOffload/Model/PlatformWords.h"
 #include "ZephrimarkOffload/Model/SetupTexts.h"
 #include "ZephrimarkOffload/Screens/Text.h"
@@ -76,7 +76,7 @@ void SetupPresenter::updateCards() {
 
 QString SetupPresenter::cardHint() const {
   if (hasSource() || !model_.cards().empty()) return {};
-  return "Insert a card, or choose a folder to offload.";
+  return tr("Insert a card, or choose a folder to offload.");
 }
 
 QString SetupPresenter::sourceSummary() const {
@@ -152,11 +152,12 @@ bool SetupPresenter::canAdd() const {
 
 QString SetupPresenter::drivesHint() const {
   if (!canAdd() || suggestedDrives_.count() > 0) return {};
-  return "Connect the drives you want to copy to.";
+  return tr("Connect the drives you want to copy to.");
 }
 
 QString SetupPresenter::internalWarning() const {
-  return model_.onlyInternalCopies() ? toText(kWords.onlyThisComputer) : QString();
+  if (!model_.onlyInternalCopies()) return {};
+  return toText(PlatformKit::translate("Platform", kWords.onlyThisComputer));
 }
 
 QString SetupPresenter::ejectMessage() const {
@@ -195,8 +196,7 @@ QStringList SetupPresenter::presetNames() {
   for (const auto& preset : OffloadKit::FolderPreset::presets()) {
     names.push_back(QString::fromStdString(preset.templateText));
   }
-  return names << "---"
-               << "Custom…";
+  return names << "---" << tr("Custom…");
 }
 
 bool SetupPresenter::isCustom() const {

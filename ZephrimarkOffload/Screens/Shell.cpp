@@ -1,6 +1,7 @@
 #include "ZephrimarkOffload/Screens/Shell.h"
 
 #include "OffloadKit/Version.h"
+#include "PlatformKit/Translation.h"
 #include "ZephrimarkOffload/Model/PlatformWords.h"
 #include "ZephrimarkOffload/Screens/Text.h"
 
@@ -50,7 +51,7 @@ QString Shell::stage() const {
 }
 
 QStringList Shell::steps() {
-  return {"Card", "Drives", "Copy and verify", "Done"};
+  return {tr("Card"), tr("Drives"), tr("Copy and verify"), tr("Done")};
 }
 
 QString Shell::failedMessage() const {
@@ -58,8 +59,7 @@ QString Shell::failedMessage() const {
 }
 
 QString Shell::showInFileBrowser() {
-  return QString::fromUtf8(kWords.showInFileBrowser.data(),
-                           static_cast<qsizetype>(kWords.showInFileBrowser.size()));
+  return QString::fromStdString(PlatformKit::translate("Platform", kWords.showInFileBrowser));
 }
 
 QString Shell::version() {

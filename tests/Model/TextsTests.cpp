@@ -219,8 +219,10 @@ TEST(ResultTextsTests, TheDoneScreensSentences) {
   EXPECT_EQ(took(result), "2 min 5 s · 9.6 MB/s");
   EXPECT_EQ(checksum(result), "XXH64, card read twice");
   EXPECT_EQ(drive(result, 0), "1204 of 1204 verified");
-  EXPECT_EQ(drivesPhrase(1), "the drive");
-  EXPECT_EQ(drivesPhrase(3), "all 3 drives");
+  EXPECT_EQ(sentence(resultOf(1, 0, 1)),
+            "Every file from A001 was copied and read back identical on the drive.");
+  EXPECT_EQ(sentence(resultOf(1, 0, 3)),
+            "Every file from A001 was copied and read back identical on all 3 drives.");
 
   result.cardImage.emplace();
   result.cardImage->size = 1'296'000'000;
@@ -241,6 +243,9 @@ TEST(ResultTextsTests, TheDoneScreensSentences) {
             "45 files didn't make it onto every drive. Don't erase the card yet.");
   EXPECT_EQ(sentence(resultOf(3, 1, 1)),
             "1 file didn't make it onto every drive. Don't erase the card yet.");
+  partly.readThroughCache.insert(0);
+  EXPECT_THAT(drive(partly, 0),
+              testing::EndsWith("verified · read back through this computer's cache"));
   EXPECT_EQ(drive(partly, 2), "5 of 50 verified · stopped: The drive is full");
   EXPECT_EQ(failedFile(*partly.failedFiles()[0]), "F0: The drive is full");
   const auto lines = capped(std::vector<std::string>(45, "x"), 30);

@@ -37,9 +37,8 @@ TEST(Format, writesSpansOfTimeAndNumbersForPeople) {
   EXPECT_EQ(Format::duration(-3), "0 s");
   EXPECT_EQ(Format::duration(std::numeric_limits<double>::quiet_NaN()), "0 s");
   EXPECT_EQ(Format::duration(std::numeric_limits<double>::infinity()).substr(0, 6), "277777");
-  EXPECT_EQ(Format::counted(1, "file"), "1 file");
-  EXPECT_EQ(Format::counted(0, "file"), "0 files");
-  EXPECT_EQ(Format::counted(1'234'567, "file"), "1,234,567 files");
+  EXPECT_EQ(Format::grouped(999), "999");
+  EXPECT_EQ(Format::grouped(1'234'567), "1,234,567");
 }
 
 using Names = OffloadFixture;

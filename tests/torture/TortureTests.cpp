@@ -84,7 +84,7 @@ TEST(Torture, PowerCutAtAnyStep) {
   const std::size_t cuts = isLong() ? kAll : 10;
   for (std::uint64_t round = 0; round < (isLong() ? 3U : 1U); ++round) {
     for (const Variant& variant : {kUsual, kFresh}) {
-      expectClean(cutPower(variant, cuts, seed() + round), isLong() ? 600 : 30);
+      expectClean(cutPower(variant, cuts, seed() + round), isLong() ? 500 : 30);
     }
   }
 }

@@ -1,6 +1,7 @@
 // Every stage of the work in the window: its words, and that they fit.
 
 #include "WindowFixture.h"
+#include "tests/translations/InLanguage.h"
 
 #include <algorithm>
 #include <atomic>
@@ -47,6 +48,8 @@ class WindowTexts : public WindowTest {
       const QString text = item->property("text").toString();
       const bool isElided = item->property("elide").toInt() != kElideNone;
       if (!whole.contains(seen(item))) found << text + " leaves the window";
+      // Only upwards and downwards can be scrolled.
+      if (seen(item).width() < item->width() - 0.5) found << text + " is cut off at its side";
       if (isElided && item->width() < kLeastOfElided) found << text + " is squeezed away";
       if (isElided) continue;
       if (item->property("contentWidth").toReal() > item->width() + 0.5 ||
@@ -55,6 +58,14 @@ class WindowTexts : public WindowTest {
       }
     }
     return found;
+  }
+
+  void expectFit(const std::string& scene) const {
+    const bool isPlain = Demo::sceneNamed(scene)->dialog.empty();
+    const auto faults = [&] { return misfits() + (isPlain ? overlaps() : QStringList()); };
+    // Layouts within layouts take a few rounds.
+    EXPECT_TRUE(QTest::qWaitFor([&] { return faults().isEmpty(); }))
+        << faults().join(u'\n').toStdString();
   }
 
   [[nodiscard]] QStringList overlaps() const {
@@ -130,11 +141,24 @@ TEST_F(WindowTexts, fitIntoTheSmallestWindow) {
     EXPECT_EQ(window().size(), kSmallest);
     EXPECT_EQ(window().minimumSize(), kSmallest);
     ASSERT_TRUE(shows(kTexts.at(scene).front()));
-    const bool isPlain = Demo::sceneNamed(scene)->dialog.empty();
-    const auto faults = [&] { return misfits() + (isPlain ? overlaps() : QStringList()); };
-    // Layouts within layouts take a few rounds.
-    EXPECT_TRUE(QTest::qWaitFor([&] { return faults().isEmpty(); }))
-        << faults().join(u'\n').toStdString();
+    expectFit(scene);
+  }
+}
+
+TEST_F(WindowTexts, areInTheUsersLanguageAndFitInItToo) {
+  const InLanguage german("de");
+  for (const std::string& scene : Demo::sceneNames()) {
+    for (const QSize size : {QSize(720, 600), QSize(820, 840)}) {
+      SCOPED_TRACE(scene);
+      open(scene, size);
+      ASSERT_TRUE(shows("Kopieren und prüfen"));
+      for (const QString& text : texts()) {
+        EXPECT_FALSE(text.contains(QRegularExpression("\\b(the|is|to|of|files|drives?)\\b")) &&
+                     scene != "setup-long-names")
+            << text.toStdString();
+      }
+      expectFit(scene);
+    }
   }
 }
 
