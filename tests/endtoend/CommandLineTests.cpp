@@ -330,8 +330,14 @@ TEST_F(Offload, JsonIsProgressAndThenOneResultAndQuietLeavesTheResult) {
   }
   json rest = result;
   for (const char* member : {"started", "finished", "hashLists", "reports"}) rest.erase(member);
-  const json drives = {{{"path", landed(first_).native()}, {"verified", 2}, {"error", nullptr}},
-                       {{"path", landed(second_).native()}, {"verified", 2}, {"error", nullptr}}};
+  const json drives = {{{"path", landed(first_).native()},
+                        {"verified", 2},
+                        {"readThroughCache", false},
+                        {"error", nullptr}},
+                       {{"path", landed(second_).native()},
+                        {"verified", 2},
+                        {"readThroughCache", false},
+                        {"error", nullptr}}};
   EXPECT_EQ(rest, json({{"type", "result"},
                         {"allVerified", true},
                         {"files", 2},

@@ -28,7 +28,6 @@ class Exfat : public CardAndDrives {
 TEST_F(Exfat, GetsEverythingAndTheNextRunOnlyReadsItBack) {
   const Ended first = offload();
   EXPECT_EQ(first.status, 0) << first.error;
-  EXPECT_THAT(first.error, HasSubstr("5 of 5 verified · read back through this computer's cache"));
   EXPECT_EQ(first.result.at("destinations").at(0).at("readThroughCache"), true);
   EXPECT_EQ(first.result.at("destinations").at(1).at("readThroughCache"), false);
   for (const Path& drive : {first_, second_}) expectWhole(drive);
@@ -42,7 +41,7 @@ TEST_F(Exfat, GetsEverythingAndTheNextRunOnlyReadsItBack) {
   const Ended second = offload();
   EXPECT_EQ(second.status, 1);
   EXPECT_THAT(second.error, HasSubstr("The copy didn't match the original"));
-  EXPECT_THAT(second.error, HasSubstr("4 of 5 verified"));
+  EXPECT_THAT(second.error, HasSubstr("4 of 5 verified · read back through this computer's cache"));
   EXPECT_THAT(second.error, HasSubstr("4 already there"));
   EXPECT_TRUE(PlatformKit::Testing::readFile(copy) == other);
 }
