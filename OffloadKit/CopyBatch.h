@@ -18,10 +18,10 @@ class CopyBatch {
   virtual void fetch() = 0;
 
   /// Finishes file `number` of the batch; to be called for each, in order. `next`: the batch whose
-  /// files come next, null at the end; it fetches while the drives are busy with this one. What goes wrong on one
-  /// destination becomes that destination's outcome. Throws OffloadError::sourceUnreadable when the
-  /// original cannot be read, changed its size or read differently the second time, and
-  /// OffloadError::cancelled.
+  /// files come next, null at the end; it fetches while the drives are busy with this one. What
+  /// goes wrong on one destination becomes that destination's outcome. Throws
+  /// OffloadError::sourceUnreadable when the original cannot be read, changed its size or read
+  /// differently the second time, and OffloadError::cancelled.
   virtual OffloadedFile finish(std::size_t number, const CopyProgress& progress,
                                CopyBatch* next) = 0;
 };

@@ -40,8 +40,8 @@ struct CopyResources {
 /// Takes an increment in bytes handled.
 using Advance = std::function<void(std::uint64_t)>;
 
-/// How the files of a card get to all destinations and are proven: `copied` gets the bytes that were read and
-/// written, `verifying` a file's size times the files that were read back.
+/// How the files of a card get to all destinations and are proven: `copied` gets the bytes that
+/// were read and written, `verifying` a file's size times the files that were read back.
 struct CopyProgress {
   Advance copied;
   Advance verifying;

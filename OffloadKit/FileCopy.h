@@ -14,8 +14,8 @@ namespace OffloadKit {
 
 /// One file of the card on its way to all destinations: what is to be done on each, what went wrong
 /// there, and in the end the outcome. The steps are made in the order in which they stand here, by
-/// whoever decides what overlaps (StreamedCopy, FileGroup). Steps that take a destination may run on
-/// several threads, one for each destination; the others belong to the run's thread. What is not
+/// whoever decides what overlaps (StreamedCopy, FileGroup). Steps that take a destination may run
+/// on several threads, one for each destination; the others belong to the run's thread. What is not
 /// finished when this object goes leaves no temporary copy.
 class FileCopy {
  public:
@@ -23,16 +23,19 @@ class FileCopy {
 
   [[nodiscard]] const SourceFile& file() const { return file_; }
 
-  /// Opens the original, unless that is done, and lets the card fetch its beginning, as much as fits a
-  /// transfer buffer. Returns at once; what fails is told by `original`.
+  /// Opens the original, unless that is done, and lets the card fetch its beginning, as much as
+  /// fits a transfer buffer. Returns at once; what fails is told by `original`.
   void fetch();
-  /// The open original, which `closeOriginal` closes. Throws OffloadError::sourceUnreadable when it cannot be opened.
+  /// The open original, which `closeOriginal` closes. Throws OffloadError::sourceUnreadable when it
+  /// cannot be opened.
   [[nodiscard]] PlatformKit::ReadableFile& original();
   void closeOriginal() { original_.reset(); }
 
-  /// Decides what is to be done on a destination that is not given up. `folder`: that destination's.
+  /// Decides what is to be done on a destination that is not given up. `folder`: that
+  /// destination's.
   void chooseTarget(std::size_t destination, KnownFolder& folder);
-  /// Turns what went wrong so far into outcomes; nothing is done where the destination was given up.
+  /// Turns what went wrong so far into outcomes; nothing is done where the destination was given
+  /// up.
   void settleTargets();
 
   /// Writes the file's next `chunk`, which begins at `offset` (bytes), where the copy is to be
@@ -42,8 +45,8 @@ class FileCopy {
   [[nodiscard]] bool isWriting(std::size_t destination) {
     return copies_[destination].writable() != nullptr;
   }
-  /// Dates the copy as the original, before it is flushed, so that a power cut before the move leaves
-  /// one that the next run knows.
+  /// Dates the copy as the original, before it is flushed, so that a power cut before the move
+  /// leaves one that the next run knows.
   void setDates(std::size_t destination);
   /// Returns when the copy is on the drive (fsync).
   void flush(std::size_t destination);
@@ -57,8 +60,8 @@ class FileCopy {
   /// the original; null where nothing is to be read.
   [[nodiscard]] FileDigest* digest(std::size_t reader) const { return digests_[reader].get(); }
 
-  /// Compares all digests with `hash`, that of the first reading, and gives what equals it its final
-  /// name. Throws OffloadError::sourceUnreadable when the original read differently.
+  /// Compares all digests with `hash`, that of the first reading, and gives what equals it its
+  /// final name. Throws OffloadError::sourceUnreadable when the original read differently.
   OffloadedFile decide(std::string hash);
 
   /// Throws OffloadError::sourceUnreadable with the file's path and the reason.

@@ -38,8 +38,8 @@ void FileDigest::work(std::span<std::byte> piece) {
 
 std::size_t FileDigest::lengthAt(std::uint64_t offset, std::size_t most) const {
   if (offset >= expectedSize_) return most;
-  // At least one byte more than is left, so that an end that comes later is noticed; whole pages, which
-  // direct reads want.
+  // At least one byte more than is left, so that an end that comes later is noticed; whole pages,
+  // which direct reads want.
   constexpr std::uint64_t kPage = 4096;
   const std::uint64_t left = (expectedSize_ - offset) / kPage;
   return left >= most / kPage ? most : static_cast<std::size_t>((left + 1) * kPage);
@@ -47,8 +47,8 @@ std::size_t FileDigest::lengthAt(std::uint64_t offset, std::size_t most) const {
 
 std::optional<std::uint64_t> FileDigest::takePiece() {
   const std::lock_guard lock(mutex_);
-  // Opened by the first worker rather than by the constructor: the files of a read-back are opened in
-  // parallel.
+  // Opened by the first worker rather than by the constructor: the files of a read-back are opened
+  // in parallel.
   if (!opened_) open();
   if (ended_) return std::nullopt;
   return nextPiece_++;

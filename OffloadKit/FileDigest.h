@@ -23,9 +23,9 @@ class FileDigest {
  public:
   static constexpr std::uint64_t unknownSize = ~std::uint64_t{0};
 
-  /// `expectedSize` (bytes): what the file should have. Reads ask for little more than is left of it,
-  /// because the kernel fills with zeros what a direct read asks for behind the end. A file of another
-  /// size still gets a checksum other than that of the expected content.
+  /// `expectedSize` (bytes): what the file should have. Reads ask for little more than is left of
+  /// it, because the kernel fills with zeros what a direct read asks for behind the end. A file of
+  /// another size still gets a checksum other than that of the expected content.
   FileDigest(PlatformKit::FileSystem& fileSystem, PlatformKit::Path path,
              HashKit::HashAlgorithm algorithm, std::uint64_t expectedSize = unknownSize);
 

@@ -137,8 +137,8 @@ void FileGroup::write() {
 }
 
 void FileGroup::flush() {
-  // The drive writes everything in one go, so that the flush of each copy, which alone tells of that copy's
-  // errors, finds little to do.
+  // The drive writes everything in one go, so that the flush of each copy, which alone tells of
+  // that copy's errors, finds little to do.
   const auto flushVolume = [&](std::size_t i) {
     if (std::none_of(items_.begin(), items_.end(),
                      [i](Item& item) { return item.copy.isWriting(i); })) {

@@ -18,9 +18,10 @@ std::size_t groupLength(std::span<const SourceFile> files, const CopyResources& 
 
 /// Copies several small files at once, because what they cost one by one is mostly waiting: for one
 /// flush and one answer of the drive each. The group is read, written everywhere, flushed together
-/// and read back together; nothing of it has its final name before. What can be seen from outside is
-/// as if one file had been copied after the other (see StreamedCopy), with the calls of progress, of `isCancelled` and
-/// the final names in the order of the files. Used once, on the run's thread.
+/// and read back together; nothing of it has its final name before. What can be seen from outside
+/// is as if one file had been copied after the other (see StreamedCopy), with the calls of
+/// progress, of `isCancelled` and the final names in the order of the files. Used once, on the
+/// run's thread.
 class FileGroup final : public CopyBatch {
  public:
   /// `files`: as many as groupLength says; they outlive the group.
