@@ -112,7 +112,7 @@ class DiskStack : public ::testing::Test {
     std::filesystem::copy(kActions, copy);
     std::string policy = readFile(ZEPHRIMARK_POLICY);
     const std::string variable = "@ZEPHRIMARK_DEVICE_HELPER@";
-    policy.replace(policy.find(variable), variable.size(), ZEPHRIMARK_DEVICE_HELPER);
+    policy.replace(policy.find(variable), variable.size(), helper_.native());
     writeFile(copy / "com.zephrimark.offload.policy", policy);
     mountAt(kActions, copy.c_str(), nullptr, MS_BIND);
   }
@@ -231,7 +231,11 @@ class DiskStack : public ::testing::Test {
     int status = 0;
     EXPECT_EQ(waitpid(child, &status, 0), child);
     EXPECT_TRUE(WIFEXITED(status)) << status;
-    if (agent) asked_ = agent->readLine();
+    if (agent) {
+      // Whoever was asked has said so by now; nobody may have been.
+      agent->end();
+      asked_ = agent->readLine();
+    }
     return WEXITSTATUS(status);
   }
 
@@ -261,6 +265,8 @@ class DiskStack : public ::testing::Test {
   }
 
   const TempFolder folder_;
+  // Where an ordinary user can start it.
+  const Path helper_ = PlatformKit::Testing::programForEverybody(ZEPHRIMARK_DEVICE_HELPER, folder_);
   const Path mountPoint_ = folder_.path() / "EOS_DIGITAL";
   const Path drive_ = folder_.path() / "drive";
   std::optional<LoopDevice> card_;
@@ -322,7 +328,7 @@ TEST_F(DiskStack, TheCardIsEjectedOnceEverythingIsVerifiedUnlessItIsInUse) {
 
 TEST_F(DiskStack, TheHelperServesWhereThereIsNoDiskService) {
   if (access("/usr/bin/pkexec", X_OK) != 0) GTEST_SKIP() << "Needs the package pkexec.";
-  PlatformKit::HelperOpener helper({"pkexec", ZEPHRIMARK_DEVICE_HELPER});
+  PlatformKit::HelperOpener helper({"pkexec", helper_});
   EXPECT_EQ(openAsUser(helper, "allow"), Kind::opened);
   EXPECT_TRUE(asked_.starts_with("com.zephrimark.offload.open-device: ")) << asked_;
   EXPECT_EQ(openAsUser(helper, "dismiss"), Kind::declined);

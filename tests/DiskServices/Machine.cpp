@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include <fcntl.h>
 #include <linux/loop.h>
@@ -92,14 +93,20 @@ Daemon::Daemon(std::vector<std::string> command) {
 }
 
 Daemon::~Daemon() {
+  end();
+}
+
+void Daemon::end() {
+  if (process_ < 0) return;
+  const pid_t process = std::exchange(process_, -1);
   // Asked first, so that one with processes of its own can end those.
-  kill(process_, SIGTERM);
+  kill(process, SIGTERM);
   for (int tries = 0; tries < 500; ++tries) {
-    if (waitpid(process_, nullptr, WNOHANG) != 0) return;
+    if (waitpid(process, nullptr, WNOHANG) != 0) return;
     std::this_thread::sleep_for(10ms);
   }
-  kill(process_, SIGKILL);
-  waitpid(process_, nullptr, 0);
+  kill(process, SIGKILL);
+  waitpid(process, nullptr, 0);
 }
 
 std::string Daemon::readLine() {

@@ -44,6 +44,8 @@ class Daemon {
 
   /// Its next line of output without the end; empty when it has ended.
   std::string readLine();
+  /// Ends it; what it has said can still be read.
+  void end();
 
  private:
   pid_t process_ = -1;
