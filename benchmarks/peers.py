@@ -11,6 +11,7 @@ run mean anything.
 import argparse
 import contextlib
 import ctypes
+import mmap
 import os
 import resource
 import shutil
@@ -18,9 +19,12 @@ import statistics
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 
 MIB = 1 << 20
+NOISE = os.urandom(4 * MIB)
+REQUEST = 4 * MIB  # bytes
 CASES = {  # name: (files, bytes of each)
     "large": (4, 512 * MIB),
     "medium": (2000, 1 * MIB),
@@ -38,6 +42,11 @@ def shell(script):
     run(["bash", "-euo", "pipefail", "-c", script])
 
 
+def remove(path):
+    with contextlib.suppress(FileNotFoundError):
+        os.remove(path)
+
+
 def drop_caches():
     os.sync()
     with open("/proc/sys/vm/drop_caches", "w") as caches:
@@ -46,17 +55,19 @@ def drop_caches():
 
 def make_card(folder, files, size):
     """Files that no drive can compress, in folders of a hundred."""
-    block = os.urandom(4 * MIB)
     for number in range(files):
         path = f"{folder}/DCIM/{100 + number // 100}MEDIA"
         os.makedirs(path, exist_ok=True)
-        with open(f"{path}/CLIP{number:05}.MOV", "wb") as file:
-            stamp = number.to_bytes(8, "little")
-            left = size
-            while left > 0:
-                piece = stamp + block[: min(left, len(block)) - len(stamp)]
-                file.write(piece)
-                left -= len(piece)
+        make_file(f"{path}/CLIP{number:05}.MOV", size, number)
+
+
+def make_file(path, size, number=0):
+    stamp = number.to_bytes(8, "little")
+    with open(path, "wb") as file:
+        while size > 0:
+            piece = (stamp + NOISE)[: min(size, len(NOISE))]
+            file.write(piece)
+            size -= len(piece)
 
 
 class Places:
@@ -79,9 +90,10 @@ class Places:
 
     def loop(self, name, gigabytes, limit=None, unit="bps"):
         image = f"{self.root}/{name}.img"
-        with open(image, "wb") as file:
-            os.posix_fallocate(file.fileno(), 0, gigabytes << 30)
-        self.stack.callback(os.remove, image)
+        self.stack.callback(remove, image)
+        # Written, not only reserved: the first write to a reserved block costs more, and whoever runs first
+        # would pay for all.
+        run(["dd", "status=none", "if=/dev/zero", f"of={image}", "bs=8M", f"count={gigabytes * 128}", "oflag=direct"])
         attach = ["losetup", "-f", "--show", "--direct-io=on", image]
         device = subprocess.run(attach, check=True, stdout=subprocess.PIPE, text=True).stdout.strip()
         self.stack.callback(run, ["losetup", "-d", device])
@@ -130,8 +142,12 @@ def memory(places):
 PLACES = {"disk": disk, "loops": loops, "throttled": throttled, "latency": latency, "tmpfs": memory}
 
 
-def ours(program, card, drives):
-    run([program, "offload", "--quiet", "--template", "x", card, *drives])
+def ours(program, card, drives, *options):
+    run([program, "offload", "--quiet", "--template", "x", *options, card, *drives])
+
+
+def ours_reading_once(program, card, drives):
+    ours(program, card, drives, "--read-once")
 
 
 def check(card, drives):
@@ -174,16 +190,44 @@ PEERS = {
 }
 
 
-def hardware(card, drives, total):
-    """Seconds that the drives alone need: written and read once, in long direct requests, both at once; on
-    one disk for all, the card's bytes come twice on top."""
-    megabytes = max(1, total // MIB)
-    drop_caches()
-    start = time.monotonic()
-    for step in ("if=/dev/zero of={}/limit oflag=direct conv=fsync", "if={}/limit of=/dev/null iflag=direct"):
-        shell("\n".join(f"dd status=none bs=8M count={max(1, megabytes // 8)} {step.format(d)} &" for d in drives)
-              + "\nwait")
-    return time.monotonic() - start
+def transfer(path, flags, step, total):
+    """All of a file past the cache, in long requests, two at a time."""
+    file = os.open(path, flags | os.O_DIRECT, 0o644)
+
+    def work(first):
+        block = mmap.mmap(-1, REQUEST)
+        for word in range(0, REQUEST, 4096):
+            block[word : word + 8] = (first + word).to_bytes(8, "little")
+        for offset in range(first * REQUEST, total, 2 * REQUEST):
+            step(file, [block], offset)
+
+    together([lambda first=first: work(first) for first in range(2)])
+    if step is os.pwritev:
+        os.fsync(file)
+    os.close(file)
+
+
+def together(works):
+    threads = [threading.Thread(target=work) for work in works]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+
+
+def hardware(_program, card, drives):
+    """What the drives alone need for as many bytes: the card read while both copies are written, then all
+    three read, one long file each."""
+    original = f"{card}.bytes"
+    total = os.stat(original).st_size
+    copies = [f"{drive}/limit" for drive in drives]
+    read = [lambda path=path: transfer(path, os.O_RDONLY, os.preadv, total) for path in [original, *copies]]
+    create = os.O_WRONLY | os.O_CREAT
+    write = [lambda path=path: transfer(path, create, os.pwritev, total) for path in copies]
+    together([read[0], *write])
+    together(read)
+    for copy in copies:
+        os.remove(copy)
 
 
 def children_time():
@@ -194,9 +238,7 @@ def children_time():
 def clear(drives):
     for drive in drives:
         shutil.rmtree(f"{drive}/x", ignore_errors=True)
-        for name in ("x.sums", "limit"):
-            with contextlib.suppress(FileNotFoundError):
-                os.remove(f"{drive}/{name}")
+        remove(f"{drive}/x.sums")
 
 
 def measure(offload, program, card, drives, keep=False):
@@ -209,6 +251,36 @@ def measure(offload, program, card, drives, keep=False):
     return time.monotonic() - start, children_time() - cpu
 
 
+RUNS = {"ours": ours, **PEERS, "drives alone": hardware}
+
+
+def rounds_of(program, card, drives, rounds):
+    """For each kind of run its seconds and its processor seconds, one of each a round."""
+    seconds = {name: [] for name in [*RUNS, "resumed", "resumed, read once", "xxhsum"]}
+    processor = {name: [] for name in seconds}
+
+    def note(name, offload, keep=False):
+        used = measure(offload, program, card, drives, keep)
+        seconds[name].append(used[0])
+        processor[name].append(used[1])
+
+    names = list(RUNS)
+    for number in range(rounds):
+        # Turned each round, so that nobody always runs behind the same one.
+        for name in names[number % len(names) :] + names[: number % len(names)]:
+            note(name, RUNS[name])
+            if name == "ours":
+                note("resumed", ours, keep=True)
+                note("xxhsum", lambda _program, card, drives: check(card, drives), keep=True)
+                note("resumed, read once", ours_reading_once, keep=True)
+    return seconds, processor
+
+
+def ratio(times, peers):
+    """The median of the ratios to the best of the peers in the same round, which ran beside it."""
+    return statistics.median(mine / min(others) for mine, *others in zip(times, *peers))
+
+
 def compare(program, place, case, rounds, scale, root):
     files, size = CASES[case]
     files = max(2, int(files * scale)) if files > 4 else files
@@ -218,31 +290,19 @@ def compare(program, place, case, rounds, scale, root):
         stack.callback(shutil.rmtree, folder, ignore_errors=True)
         card, drives = PLACES[place](Places(folder, stack))
         make_card(card, files, size)
-        runs = {"ours": ours, **PEERS}
-        times = {name: [] for name in runs}
-        cpu = {name: [] for name in runs}
-        again = []
-        for _ in range(rounds):
-            for name, offload in runs.items():
-                seconds, used = measure(offload, program, card, drives)
-                times[name].append(seconds)
-                cpu[name].append(used)
-                if name == "ours":
-                    resumed, _ = measure(ours, program, card, drives, keep=True)
-                    drop_caches()
-                    start = time.monotonic()
-                    check(card, drives)
-                    again.append(resumed / (time.monotonic() - start))
-        # Best of each round, so that a ratio is of runs that lie beside each other.
-        best = [min(times[name][i] for name in PEERS) for i in range(rounds)]
-        least = [min(cpu[name][i] for name in PEERS) for i in range(rounds)]
-        ratio = statistics.median(times["ours"][i] / best[i] for i in range(rounds))
-        work = statistics.median(cpu["ours"][i] / least[i] for i in range(rounds))
-        clear(drives)
-        limit = hardware(card, drives, files * size)
-        figures = "  ".join(f"{name} {statistics.median(t):.1f}" for name, t in times.items())
-        print(f"{place:<10} {case:<7} {files:>6} x {size:>10,} B  ratio {ratio:.2f}  processor {work:.2f}  "
-              f"resumed/xxhsum {statistics.median(again):.2f}  | seconds: {figures}  drives alone {limit:.1f}",
+        make_file(f"{card}.bytes", files * size)
+        seconds, processor = rounds_of(program, card, drives, rounds)
+        peers = [seconds[name] for name in PEERS]
+        figures = {
+            "ratio": ratio(seconds["ours"], peers),
+            "of the drives' own time": ratio(seconds["ours"], [seconds["drives alone"]]),
+            "processor": ratio(processor["ours"], [processor[name] for name in PEERS]),
+            "resumed/xxhsum": ratio(seconds["resumed"], [seconds["xxhsum"]]),
+            "read once": ratio(seconds["resumed, read once"], [seconds["xxhsum"]]),
+        }
+        print(f"{place:<9} {case:<6} {files:>5} x {size:>9,}  "
+              + "  ".join(f"{name} {value:.2f}" for name, value in figures.items())
+              + " | " + "  ".join(f"{name} {statistics.median(t):.1f} s" for name, t in seconds.items()),
               flush=True)
 
 
