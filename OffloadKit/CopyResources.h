@@ -3,12 +3,15 @@
 #include "OffloadKit/CopyTargets.h"
 #include "OffloadKit/DestinationHealth.h"
 #include "OffloadKit/FolderFlush.h"
+#include "OffloadKit/GroupPace.h"
 #include "OffloadKit/OffloadPlan.h"
 #include "PlatformKit/AlignedBuffer.h"
 #include "PlatformKit/System.h"
 #include "PlatformKit/WorkerPool.h"
 
+#include <cstddef>
 #include <functional>
+#include <span>
 #include <vector>
 
 namespace OffloadKit {
@@ -21,6 +24,7 @@ struct CopyResources {
   DestinationHealth& health;
   FolderFlush& folders;
   PlatformKit::WorkerPool& workers;
+  GroupPace& pace;
   PlatformKit::AlignedBuffer& transferBuffer;
   /// One per file that a read-back can hash at a time: every destination, and the card.
   std::vector<PlatformKit::AlignedBuffer>& readBackBuffers;
@@ -28,11 +32,18 @@ struct CopyResources {
   /// May be empty; see OffloadEngine::afterWrite.
   const std::function<void(const PlatformKit::Path&)>& afterWrite;
 
+  /// The memory for the `number`th piece of the card that is read: two take turns, so that one is
+  /// filled while the drives take the other. The second belongs to the read-back, which comes later.
+  [[nodiscard]] std::span<std::byte> pieceBuffer(std::size_t number) const {
+    return number % 2 == 0 ? transferBuffer.bytes() : readBackBuffers.front().bytes();
+  }
   /// How many files a read-back reads at once for each file of the card: every copy, and the
   /// original too when the plan wants that.
   [[nodiscard]] std::size_t readers() const {
     return plan.destinations.size() + (plan.verifySource ? 1 : 0);
   }
+  /// The number of the reader that reads the original, behind those of the copies.
+  [[nodiscard]] std::size_t originalReader() const { return plan.destinations.size(); }
   /// Throws OffloadError::cancelled after Stop. The run's thread.
   void throwIfCancelled() const;
 };

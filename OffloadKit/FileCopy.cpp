@@ -75,6 +75,11 @@ void FileCopy::write(std::size_t destination, std::span<const std::byte> chunk,
   }
 }
 
+bool FileCopy::isWriting() {
+  return std::any_of(copies_.begin(), copies_.end(),
+                     [](Copy& copy) { return copy.writable() != nullptr; });
+}
+
 void FileCopy::setDates(std::size_t destination) {
   // Ignored on purpose: a drive that keeps no dates gets its verified copy all the same.
   if (WritableFile* file = copies_[destination].writable()) {
@@ -114,6 +119,12 @@ std::size_t FileCopy::prepareReadBack() {
   }
   if (resources_.plan.verifySource) add(copies_.size(), source_);
   return count;
+}
+
+void FileCopy::giveUpDigests() {
+  for (const auto& digest : digests_) {
+    if (digest) digest->giveUp();
+  }
 }
 
 OffloadedFile FileCopy::decide(std::string hash) {

@@ -45,6 +45,8 @@ class FileCopy {
   [[nodiscard]] bool isWriting(std::size_t destination) {
     return copies_[destination].writable() != nullptr;
   }
+  /// Whether one is being written on any destination.
+  [[nodiscard]] bool isWriting();
   /// Dates the copy as the original, before it is flushed, so that a power cut before the move
   /// leaves one that the next run knows.
   void setDates(std::size_t destination);
@@ -59,6 +61,8 @@ class FileCopy {
   /// The digest of the copy on a destination or, for the number behind the last destination's, of
   /// the original; null where nothing is to be read.
   [[nodiscard]] FileDigest* digest(std::size_t reader) const { return digests_[reader].get(); }
+  /// Ends the reading of all digests, of which nothing is wanted any more.
+  void giveUpDigests();
 
   /// Compares all digests with `hash`, that of the first reading, and gives what equals it its
   /// final name. Throws OffloadError::sourceUnreadable when the original read differently.

@@ -29,11 +29,18 @@ void FileDigest::work(std::span<std::byte> piece) {
       lock.unlock();
       absorb(read, piece);
       lock.lock();
-      ended_ = error_ != 0 || read.value() < piece.size();
+      ended_ = givenUp_ || error_ != 0 || read.value() < piece.size();
     }
     ++turn_;
     turnChanged_.notify_all();
   }
+}
+
+void FileDigest::giveUp() {
+  const std::lock_guard lock(mutex_);
+  opened_ = true;
+  ended_ = true;
+  givenUp_ = true;
 }
 
 std::size_t FileDigest::lengthAt(std::uint64_t offset, std::size_t most) const {
@@ -79,6 +86,7 @@ void FileDigest::absorb(const Result<std::size_t>& read, std::span<const std::by
 }
 
 Result<std::string> FileDigest::result() const {
+  if (givenUp_) return ErrorNumber{ECANCELED};
   if (error_ != 0) return ErrorNumber{error_};
   return hasher_->finalize();
 }

@@ -33,6 +33,9 @@ class FileDigest {
   /// the same size for every thread of one file.
   void work(std::span<std::byte> piece);
 
+  /// Lets every thread return from `work` soon; the result is then an error. Any thread.
+  void giveUp();
+
   /// The checksum in lowercase hexadecimal, or the error that opening or reading met. Only when
   /// every thread has returned from `work`.
   [[nodiscard]] PlatformKit::Result<std::string> result() const;
@@ -56,6 +59,7 @@ class FileDigest {
   std::uint64_t turn_ = 0;
   bool opened_ = false;
   bool ended_ = false;
+  bool givenUp_ = false;
   int error_ = 0;
 };
 

@@ -27,13 +27,15 @@ std::size_t groupLength(std::span<const SourceFile> files, const CopyResources& 
   const std::size_t most = std::min(files.size(), mostFiles(resources.plan.destinations.size()));
   // Too small a buffer to be shared by the threads that read back.
   if (resources.plan.chunkSize < kThreadsPerDrive * kDirectPage) return 1;
-  std::uint64_t room = resources.plan.chunkSize;
+  std::uint64_t room = resources.pace.room();
   std::set<std::string> temporaryCopies;
   std::size_t count = 0;
-  while (count < most && files[count].size <= room) {
+  while (count < most && files[count].size <= resources.plan.chunkSize) {
+    const std::uint64_t share = resources.pace.shareOf(files[count].size);
+    if (share > room) break;
     const std::string key = resources.temporaryNames.keyOf(files[count].relativePath);
     if (!temporaryCopies.insert(key).second) break;
-    room -= files[count].size;
+    room -= share;
     ++count;
   }
   return std::max<std::size_t>(count, 1);
@@ -41,15 +43,20 @@ std::size_t groupLength(std::span<const SourceFile> files, const CopyResources& 
 
 FileGroup::FileGroup(std::span<const SourceFile> files, CopyResources& resources)
     : resources_(resources) {
-  std::span<std::byte> room = resources.transferBuffer.bytes();
+  std::uint64_t left = 0;
   for (const SourceFile& file : files) {
-    items_.emplace_back(file, resources, room.first(file.size));
-    room = room.subspan(file.size);
+    if (file.size > left || rounds_.empty()) {
+      rounds_.emplace_back();
+      left = resources.plan.chunkSize;
+    }
+    left -= file.size;
+    rounds_.back().push_back(&items_.emplace_back(file, resources));
+    share_ += resources.pace.shareOf(file.size);
   }
 }
 
 void FileGroup::fetch() {
-  for (Item& item : items_) item.copy.fetch();
+  fetchRound(0);
 }
 
 OffloadedFile FileGroup::finish(std::size_t number, const CopyProgress& progress, CopyBatch* next) {
@@ -78,17 +85,25 @@ void FileGroup::prepare(CopyBatch* next) {
 }
 
 void FileGroup::copyAll(CopyBatch* next) {
-  chooseAndRead();
-  if (next != nullptr) next->fetch();
-  resources_.throwIfCancelled();
-  write();
-  flush();
-  settle();
-  resources_.throwIfCancelled();
-  readBack();
+  const auto started = resources_.system.clock.now();
+  chooseTargets();
+  if (std::any_of(items_.begin(), items_.end(), [](Item& item) { return item.copy.isWriting(); })) {
+    copyRounds();
+    flush(next);
+    settle();
+    resources_.throwIfCancelled();
+    readBack({});
+  } else {
+    for (Item& item : items_) item.copy.settleTargets();
+    readBack([&] {
+      for (std::size_t round = 0; round < rounds_.size(); ++round) readRound(round, 0);
+      if (next != nullptr) next->fetch();
+    });
+  }
+  resources_.pace.groupDone(share_, resources_.system.clock.now() - started);
 }
 
-void FileGroup::chooseAndRead() {
+void FileGroup::chooseTargets() {
   const std::size_t destinations = resources_.plan.destinations.size();
   for (std::size_t i = 0; i < destinations; ++i) resources_.health.checkVolume(i);
   const auto choose = [&](std::size_t i) {
@@ -96,21 +111,45 @@ void FileGroup::chooseAndRead() {
     for (Item& item : items_) item.copy.chooseTarget(i, folder);
   };
   auto choosing = resources_.workers.start(destinations, choose);
-  fetch();
-  for (Item& item : items_) {
-    try {
-      read(item);
-    } catch (const OffloadError& error) {
-      item.unreadable = error;
-    }
-    item.copy.closeOriginal();
-  }
+  fetchRound(0);
   choosing.wait();
+}
+
+void FileGroup::copyRounds() {
+  readRound(0, 0);
+  for (std::size_t round = 0; round < rounds_.size(); ++round) {
+    const auto write = [&](std::size_t i) { writeRound(round, i); };
+    auto writing = resources_.workers.start(resources_.plan.destinations.size(), write);
+    if (round + 1 < rounds_.size()) readRound(round + 1, round + 1);
+    writing.wait();
+    resources_.throwIfCancelled();
+  }
+}
+
+void FileGroup::fetchRound(std::size_t round) {
+  if (round >= rounds_.size()) return;
+  for (Item* item : rounds_[round]) item->copy.fetch();
+}
+
+void FileGroup::readRound(std::size_t round, std::size_t piece) {
+  fetchRound(round);
+  fetchRound(round + 1);
+  std::span<std::byte> room = resources_.pieceBuffer(piece);
+  for (Item* item : rounds_[round]) {
+    item->content = room.first(item->copy.file().size);
+    room = room.subspan(item->content.size());
+    try {
+      read(*item);
+    } catch (const OffloadError& error) {
+      item->unreadable = error;
+    }
+    item->copy.closeOriginal();
+  }
 }
 
 void FileGroup::read(Item& item) {
   PlatformKit::ReadableFile& source = item.copy.original();
-  const auto count = readFully(source, item.buffer, 0);
+  const auto count = readFully(source, item.content, 0);
   if (!count.ok()) item.copy.sourceUnreadable(count.error());
   item.bytesRead = count.value();
   std::array<std::byte, 1> beyond{};
@@ -121,22 +160,19 @@ void FileGroup::read(Item& item) {
   }
   source.discard(0, item.bytesRead);
   const auto hasher = makeHasher(resources_.plan.algorithm);
-  hasher->update(item.buffer);
+  hasher->update(item.content);
   item.hash = hasher->finalize();
 }
 
-void FileGroup::write() {
-  const auto writeAll = [&](std::size_t i) {
-    for (Item& item : items_) {
-      if (item.unreadable) continue;
-      if (!item.buffer.empty()) item.copy.write(i, item.buffer, 0);
-      item.copy.setDates(i);
-    }
-  };
-  resources_.workers.parallelFor(resources_.plan.destinations.size(), writeAll);
+void FileGroup::writeRound(std::size_t round, std::size_t destination) {
+  for (Item* item : rounds_[round]) {
+    if (item->unreadable) continue;
+    if (!item->content.empty()) item->copy.write(destination, item->content, 0);
+    item->copy.setDates(destination);
+  }
 }
 
-void FileGroup::flush() {
+void FileGroup::flush(CopyBatch* next) {
   // The drive writes everything in one go, so that the flush of each copy, which alone tells of
   // that copy's errors, finds little to do.
   const auto flushVolume = [&](std::size_t i) {
@@ -147,28 +183,31 @@ void FileGroup::flush() {
     static_cast<void>(resources_.system.fileSystem.flushVolume(resources_.plan.destinations[i]));
   };
   const std::size_t destinations = resources_.plan.destinations.size();
-  resources_.workers.parallelFor(destinations, flushVolume);
+  auto flushing = resources_.workers.start(destinations, flushVolume);
+  if (next != nullptr) next->fetch();
+  flushing.wait();
   const auto flushOne = [&](std::size_t i, std::size_t /*thread*/, std::size_t number) {
     if (!items_[number].unreadable) items_[number].copy.flush(i);
   };
-  onEveryDrive(resources_.workers, destinations, items_.size(), flushOne);
+  onEveryDrive(resources_.workers, destinations, items_.size(), flushOne, [] {});
 }
 
 void FileGroup::settle() {
+  // File by file, so that a drive that one file's failure gives up has not tried those behind it.
   for (Item& item : items_) {
     item.copy.settleTargets();
     if (!item.unreadable) item.copy.settleWrites();
   }
 }
 
-void FileGroup::readBack() {
+void FileGroup::readBack(const FirstReading& firstReading) {
   std::vector<FileCopy*> copies;
   for (Item& item : items_) {
     if (item.unreadable) continue;
     item.readers = item.copy.prepareReadBack();
     copies.push_back(&item.copy);
   }
-  OffloadKit::readBack(copies, resources_);
+  OffloadKit::readBack(copies, resources_, firstReading);
 }
 
 }  // namespace OffloadKit

@@ -3,22 +3,26 @@
 #include "OffloadKit/CopyBatch.h"
 #include "OffloadKit/FileCopy.h"
 #include "OffloadKit/OffloadError.h"
+#include "OffloadKit/ReadBack.h"
 
 #include <deque>
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace OffloadKit {
 
-/// How many files from the beginning of `files` on make one group: at least one, and more while
-/// together they fit the transfer buffer, leave enough descriptors, and no two of them would have
-/// the same temporary copy on a drive that does not tell upper from lower case.
+/// How many files from the beginning of `files` on make one group: at least one, and more while each
+/// fits the transfer buffer, together they fit what the pace allows, leave enough descriptors, and
+/// no two of them would have the same temporary copy on a drive that does not tell upper from lower
+/// case.
 std::size_t groupLength(std::span<const SourceFile> files, const CopyResources& resources);
 
 /// Copies several small files at once, because what they cost one by one is mostly waiting: for one
-/// flush and one answer of the drive each. The group is read, written everywhere, flushed together
-/// and read back together; nothing of it has its final name before. What can be seen from outside
+/// flush and one answer of the drive each. The group is read and written everywhere, in rounds that
+/// fit the transfer buffer, flushed together and read back together; nothing of it has its final
+/// name before. Where nothing is to be written, the copies are read back while the card is read. What can be seen from outside
 /// is as if one file had been copied after the other (see StreamedCopy), with the calls of
 /// progress, of `isCancelled` and the final names in the order of the files. Used once, on the
 /// run's thread.
@@ -33,10 +37,10 @@ class FileGroup final : public CopyBatch {
 
  private:
   struct Item {
-    Item(const SourceFile& file, CopyResources& resources, std::span<std::byte> room)
-        : copy(file, resources), buffer(room) {}
+    Item(const SourceFile& file, CopyResources& resources) : copy(file, resources) {}
     FileCopy copy;
-    std::span<std::byte> buffer;
+    /// In the piece of memory of its round, until the round after the next is read.
+    std::span<std::byte> content;
     std::uint64_t bytesRead = 0;
     std::string hash;
     std::size_t readers = 0;
@@ -45,15 +49,22 @@ class FileGroup final : public CopyBatch {
 
   void prepare(CopyBatch* next);
   void copyAll(CopyBatch* next);
-  void chooseAndRead();
+  void chooseTargets();
+  /// Reads one round while the drives take the one before.
+  void copyRounds();
+  void fetchRound(std::size_t round);
+  void readRound(std::size_t round, std::size_t piece);
   void read(Item& item);
-  void write();
-  void flush();
+  void writeRound(std::size_t round, std::size_t destination);
+  void flush(CopyBatch* next);
   void settle();
-  void readBack();
+  void readBack(const FirstReading& firstReading);
 
   CopyResources& resources_;
   std::deque<Item> items_;  // never moved: workers hold on to them
+  // Consecutive items that fit the transfer buffer together.
+  std::vector<std::vector<Item*>> rounds_;
+  std::uint64_t share_ = 0;  // of what GroupPace gives
   bool prepared_ = false;
   std::string failure_;  // of the group as a whole
 };

@@ -103,11 +103,12 @@ void OffloadRun::copyFiles() {
   // A read-back reads every copy and the card at once.
   const std::size_t readBacks = plan_.destinations.size() + (plan_.verifySource ? 1 : 0);
   PlatformKit::WorkerPool workers(kThreadsPerDrive * readBacks);
+  GroupPace pace(plan_.chunkSize);
   PlatformKit::AlignedBuffer transferBuffer(plan_.chunkSize);
   std::vector<PlatformKit::AlignedBuffer> readBackBuffers;
   for (std::size_t i = 0; i < readBacks; ++i) readBackBuffers.emplace_back(plan_.chunkSize);
-  CopyResources resources{plan_,   system_,        temporaryNames,  health,       folders,
-                          workers, transferBuffer, readBackBuffers, isCancelled_, afterWrite_};
+  CopyResources resources{plan_, system_,        temporaryNames,  health,       folders,    workers,
+                          pace,  transferBuffer, readBackBuffers, isCancelled_, afterWrite_};
 
   result_.files.reserve(files_.size());
   drives_.resize(plan_.destinations.size());

@@ -3,6 +3,7 @@
 #include "OffloadKit/FileCopy.h"
 
 #include <atomic>
+#include <functional>
 #include <span>
 #include <vector>
 
@@ -16,10 +17,11 @@ inline constexpr std::size_t kDirectPage = 4096;
 
 /// Calls `step(lane, thread, number)` on the run's workers for every lane below `lanes` and every
 /// number below `count`: in each lane kThreadsPerDrive numbers at a time, each on a thread of the
-/// lane's own. Returns when all are done. The run's thread.
-template <class Step>
+/// lane's own. Calls `meanwhile()` here while they work. Returns when all are done. The run's
+/// thread.
+template <class Step, class Meanwhile>
 void onEveryDrive(PlatformKit::WorkerPool& workers, std::size_t lanes, std::size_t count,
-                  const Step& step) {
+                  const Step& step, const Meanwhile& meanwhile) {
   std::vector<std::atomic<std::size_t>> next(lanes);
   const auto job = [&](std::size_t number) {
     const std::size_t lane = number / kThreadsPerDrive;
@@ -29,14 +31,23 @@ void onEveryDrive(PlatformKit::WorkerPool& workers, std::size_t lanes, std::size
       step(lane, number % kThreadsPerDrive, mine);
     }
   };
-  workers.parallelFor(lanes * kThreadsPerDrive, job);
+  auto working = workers.start(lanes * kThreadsPerDrive, job);
+  meanwhile();
+  working.wait();
 }
 
-/// Reads one file's digests, each drive's with two threads where the file is long enough. The run's
-/// thread.
-void readBack(FileCopy& copy, CopyResources& resources);
+/// What reads the originals the first time, on the run's thread, while copies of an earlier run are
+/// read back.
+using FirstReading = std::function<void()>;
 
-/// Reads the digests of many files, several of each drive at a time. The run's thread.
-void readBack(std::span<FileCopy* const> copies, CopyResources& resources);
+/// Reads one file's digests, each drive's with two threads where the file is long enough. With a
+/// `firstReading`, calls that while the copies are read; the original's digest, which is its second
+/// reading, waits until it is done. When it throws, the digests are given up and the exception goes
+/// on. The run's thread.
+void readBack(FileCopy& copy, CopyResources& resources, const FirstReading& firstReading = {});
+
+/// Reads the digests of many files, several of each drive at a time; else as above.
+void readBack(std::span<FileCopy* const> copies, CopyResources& resources,
+              const FirstReading& firstReading = {});
 
 }  // namespace OffloadKit

@@ -9,14 +9,22 @@ namespace OffloadKit {
 OffloadedFile StreamedCopy::finish(std::size_t /*number*/, const CopyProgress& progress,
                                    CopyBatch* next) {
   chooseTargets();
-  std::string hash = stream(progress.copied);
-  copy_.closeOriginal();
-  if (next != nullptr) next->fetch();
-  flushEverywhere();
-  const std::size_t readers = copy_.prepareReadBack();
-  readBack(copy_, resources_);
+  std::size_t readers = 0;
+  if (copy_.isWriting()) {
+    stream(progress.copied);
+    finishOriginal(next);
+    flushEverywhere();
+    readers = copy_.prepareReadBack();
+    readBack(copy_, resources_);
+  } else {
+    readers = copy_.prepareReadBack();
+    readBack(copy_, resources_, [&] {
+      read(progress.copied);
+      finishOriginal(next);
+    });
+  }
   progress.verifying(copy_.file().size * readers);
-  return copy_.decide(std::move(hash));
+  return copy_.decide(hasher_->finalize());
 }
 
 void StreamedCopy::chooseTargets() {
@@ -28,36 +36,56 @@ void StreamedCopy::chooseTargets() {
   copy_.settleTargets();
 }
 
-std::string StreamedCopy::stream(const Advance& copied) {
-  const std::uint64_t size = copy_.file().size;
-  PlatformKit::ReadableFile& source = copy_.original();
-  const auto hasher = makeHasher(resources_.plan.algorithm);
-  const std::span<std::byte> buffer = resources_.transferBuffer.bytes();
-  std::uint64_t offset = 0;
+void StreamedCopy::stream(const Advance& copied) {
   resources_.throwIfCancelled();
-  for (;;) {
-    const auto count = source.readAt(buffer, offset);
-    if (!count.ok()) copy_.sourceUnreadable(count.error());
-    if (count.value() == 0) break;
-    const std::uint64_t next = offset + count.value();
-    // The card fetches the next chunk while the drives take this one.
-    if (next < size) source.prefetch(next, std::min<std::uint64_t>(buffer.size(), size - next));
-    writeEverywhere(buffer.first(count.value()), offset, *hasher);
-    source.discard(offset, count.value());
-    offset = next;
-    copied(count.value());
+  auto chunk = readNext(resources_.pieceBuffer(0));
+  for (std::size_t number = 1; !endsAt(chunk); ++number) {
+    const std::uint64_t offset = offset_ - chunk.value().size();
+    const auto write = [&](std::size_t i) { copy_.write(i, chunk.value(), offset); };
+    auto writing = resources_.workers.start(resources_.plan.destinations.size(), write);
+    const auto following = readNext(resources_.pieceBuffer(number));
+    writing.wait();
+    copied(chunk.value().size());
     resources_.throwIfCancelled();
+    chunk = following;
   }
-  if (offset != size) copy_.sourceChangedSize();
-  return hasher->finalize();
 }
 
-void StreamedCopy::writeEverywhere(std::span<const std::byte> chunk, std::uint64_t offset,
-                                   HashKit::StreamingHasher& hasher) {
-  const auto write = [&](std::size_t i) { copy_.write(i, chunk, offset); };
-  auto writing = resources_.workers.start(resources_.plan.destinations.size(), write);
-  hasher.update(chunk);
-  writing.wait();
+void StreamedCopy::read(const Advance& copied) {
+  resources_.throwIfCancelled();
+  for (;;) {
+    const auto chunk = readNext(resources_.transferBuffer.bytes());
+    if (endsAt(chunk)) return;
+    copied(chunk.value().size());
+    resources_.throwIfCancelled();
+  }
+}
+
+PlatformKit::Result<std::span<const std::byte>> StreamedCopy::readNext(
+    std::span<std::byte> buffer) {
+  PlatformKit::ReadableFile& source = copy_.original();
+  const std::uint64_t size = copy_.file().size;
+  // The card fetches what comes behind while this is read, hashed and written.
+  const std::uint64_t behind = offset_ + buffer.size();
+  if (behind < size) source.prefetch(behind, std::min<std::uint64_t>(buffer.size(), size - behind));
+  const auto count = source.readAt(buffer, offset_);
+  if (!count.ok()) return PlatformKit::ErrorNumber{count.error()};
+  const std::span<const std::byte> chunk = buffer.first(count.value());
+  source.discard(offset_, chunk.size());
+  hasher_->update(chunk);
+  offset_ += chunk.size();
+  return chunk;
+}
+
+bool StreamedCopy::endsAt(const PlatformKit::Result<std::span<const std::byte>>& chunk) const {
+  if (!chunk.ok()) copy_.sourceUnreadable(chunk.error());
+  return chunk.value().empty();
+}
+
+void StreamedCopy::finishOriginal(CopyBatch* next) {
+  if (offset_ != copy_.file().size) copy_.sourceChangedSize();
+  copy_.closeOriginal();
+  if (next != nullptr) next->fetch();
 }
 
 void StreamedCopy::flushEverywhere() {

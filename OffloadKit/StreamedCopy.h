@@ -8,25 +8,36 @@ namespace OffloadKit {
 /// Copies one file of any length to all destinations and proves every copy: streams it in chunks,
 /// hashing on the way; flushes the copies; reads every copy (and every copy of an earlier run, and
 /// with the plan's `verifySource` the original again) back from its drive; compares checksums; and
-/// only then gives each copy its final name.
+/// only then gives each copy its final name. Where nothing is to be written, the copies are read while
+/// the card is.
 class StreamedCopy final : public CopyBatch {
  public:
   /// Both outlive it.
   StreamedCopy(const SourceFile& file, CopyResources& resources)
-      : resources_(resources), copy_(file, resources) {}
+      : resources_(resources),
+        copy_(file, resources),
+        hasher_(HashKit::makeHasher(resources.plan.algorithm)) {}
 
   void fetch() override { copy_.fetch(); }
   OffloadedFile finish(std::size_t number, const CopyProgress& progress, CopyBatch* next) override;
 
  private:
   void chooseTargets();
-  std::string stream(const Advance& copied);
-  void writeEverywhere(std::span<const std::byte> chunk, std::uint64_t offset,
-                       HashKit::StreamingHasher& hasher);
+  /// Copies: one chunk is read and hashed while the drives take the one before.
+  void stream(const Advance& copied);
+  /// Only reads and hashes.
+  void read(const Advance& copied);
+  /// The next chunk, already hashed, in `buffer`; empty at the end of the file.
+  [[nodiscard]] PlatformKit::Result<std::span<const std::byte>> readNext(
+      std::span<std::byte> buffer);
+  [[nodiscard]] bool endsAt(const PlatformKit::Result<std::span<const std::byte>>& chunk) const;
+  void finishOriginal(CopyBatch* next);
   void flushEverywhere();
 
   CopyResources& resources_;
   FileCopy copy_;
+  const std::unique_ptr<HashKit::StreamingHasher> hasher_;
+  std::uint64_t offset_ = 0;
 };
 
 }  // namespace OffloadKit
