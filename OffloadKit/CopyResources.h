@@ -24,6 +24,8 @@ struct CopyResources {
   DestinationHealth& health;
   FolderFlush& folders;
   PlatformKit::WorkerPool& workers;
+  /// Two, which read a large original while the workers are busy with its copies.
+  PlatformKit::WorkerPool& originalReaders;
   GroupPace& pace;
   PlatformKit::AlignedBuffer& transferBuffer;
   /// One per file that a read-back can hash at a time: every destination, and the card.
@@ -33,9 +35,10 @@ struct CopyResources {
   const std::function<void(const PlatformKit::Path&)>& afterWrite;
 
   /// The memory for the `number`th piece of the card that is read: two take turns, so that one is
-  /// filled while the drives take the other. The second belongs to the read-back, which comes later.
+  /// filled while the drives take the other. The second is the one for the original's second
+  /// reading, which comes later.
   [[nodiscard]] std::span<std::byte> pieceBuffer(std::size_t number) const {
-    return number % 2 == 0 ? transferBuffer.bytes() : readBackBuffers.front().bytes();
+    return number % 2 == 0 ? transferBuffer.bytes() : readBackBuffers.back().bytes();
   }
   /// How many files a read-back reads at once for each file of the card: every copy, and the
   /// original too when the plan wants that.

@@ -47,6 +47,12 @@ PlatformKit::ReadableFile& FileCopy::original() {
   return *original_->value();
 }
 
+std::unique_ptr<PlatformKit::ReadableFile> FileCopy::openOriginal(PlatformKit::ReadMode mode) {
+  auto opened = resources_.system.fileSystem.openForReading(source_, mode);
+  if (!opened.ok()) sourceUnreadable(opened.error());
+  return std::move(opened.value());
+}
+
 void FileCopy::chooseTarget(std::size_t destination, KnownFolder& folder) {
   if (resources_.health.givenUp(destination) != nullptr) return;
   copies_[destination].choice.emplace(OffloadKit::chooseTarget(

@@ -29,6 +29,8 @@ class FileCopy {
   /// The open original, which `closeOriginal` closes. Throws OffloadError::sourceUnreadable when it
   /// cannot be opened.
   [[nodiscard]] PlatformKit::ReadableFile& original();
+  /// Opens it once more. Throws as above.
+  [[nodiscard]] std::unique_ptr<PlatformKit::ReadableFile> openOriginal(PlatformKit::ReadMode mode);
   void closeOriginal() { original_.reset(); }
 
   /// Decides what is to be done on a destination that is not given up. `folder`: that

@@ -20,7 +20,8 @@ FileDigest::FileDigest(PlatformKit::FileSystem& fileSystem, PlatformKit::Path pa
 void FileDigest::work(std::span<std::byte> piece) {
   while (const auto mine = takePiece()) {
     const std::uint64_t offset = *mine * piece.size();
-    const auto read = readFully(*file_, piece.first(lengthAt(offset, piece.size())), offset);
+    const std::size_t length = lengthToAsk(offset, piece.size(), expectedSize_);
+    const auto read = readFully(*file_, piece.first(length), offset);
     std::unique_lock lock(mutex_);
     turnChanged_.wait(lock, [&] { return turn_ == *mine; });
     if (!ended_) {
@@ -41,15 +42,6 @@ void FileDigest::giveUp() {
   opened_ = true;
   ended_ = true;
   givenUp_ = true;
-}
-
-std::size_t FileDigest::lengthAt(std::uint64_t offset, std::size_t most) const {
-  if (offset >= expectedSize_) return most;
-  // At least one byte more than is left, so that an end that comes later is noticed; whole pages,
-  // which direct reads want.
-  constexpr std::uint64_t kPage = 4096;
-  const std::uint64_t left = (expectedSize_ - offset) / kPage;
-  return left >= most / kPage ? most : static_cast<std::size_t>((left + 1) * kPage);
 }
 
 std::optional<std::uint64_t> FileDigest::takePiece() {

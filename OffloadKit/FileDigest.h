@@ -42,7 +42,6 @@ class FileDigest {
 
  private:
   [[nodiscard]] std::optional<std::uint64_t> takePiece();
-  [[nodiscard]] std::size_t lengthAt(std::uint64_t offset, std::size_t most) const;
   void open();
   void absorb(const PlatformKit::Result<std::size_t>& read, std::span<const std::byte> piece);
 

@@ -189,7 +189,7 @@ void FileGroup::flush(CopyBatch* next) {
   const auto flushOne = [&](std::size_t i, std::size_t /*thread*/, std::size_t number) {
     if (!items_[number].unreadable) items_[number].copy.flush(i);
   };
-  onEveryDrive(resources_.workers, destinations, items_.size(), flushOne, [] {});
+  onEveryDrive(resources_.workers, destinations, kFlushesPerDrive, items_.size(), flushOne, [] {});
 }
 
 void FileGroup::settle() {

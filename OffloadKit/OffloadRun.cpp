@@ -100,15 +100,18 @@ void OffloadRun::copyFiles() {
   const TemporaryNames temporaryNames(relativePathsOf(files_));
   DestinationHealth health(system_, plan_.destinations);
   FolderFlush folders(system_, plan_.destinations);
+  const std::size_t destinations = plan_.destinations.size();
   // A read-back reads every copy and the card at once.
-  const std::size_t readBacks = plan_.destinations.size() + (plan_.verifySource ? 1 : 0);
-  PlatformKit::WorkerPool workers(kThreadsPerDrive * readBacks);
+  PlatformKit::WorkerPool workers(
+      std::max(kThreadsPerDrive * (destinations + 1), kFlushesPerDrive * destinations));
+  PlatformKit::WorkerPool originalReaders(2);
   GroupPace pace(plan_.chunkSize);
   PlatformKit::AlignedBuffer transferBuffer(plan_.chunkSize);
   std::vector<PlatformKit::AlignedBuffer> readBackBuffers;
-  for (std::size_t i = 0; i < readBacks; ++i) readBackBuffers.emplace_back(plan_.chunkSize);
-  CopyResources resources{plan_, system_,        temporaryNames,  health,       folders,    workers,
-                          pace,  transferBuffer, readBackBuffers, isCancelled_, afterWrite_};
+  for (std::size_t i = 0; i <= destinations; ++i) readBackBuffers.emplace_back(plan_.chunkSize);
+  CopyResources resources{plan_,          system_,         temporaryNames,  health,
+                          folders,        workers,         originalReaders, pace,
+                          transferBuffer, readBackBuffers, isCancelled_,    afterWrite_};
 
   result_.files.reserve(files_.size());
   drives_.resize(plan_.destinations.size());

@@ -1,5 +1,7 @@
 #include "OffloadKit/ReadBack.h"
 
+#include "OffloadKit/Transfer.h"
+
 #include <latch>
 
 namespace OffloadKit {
@@ -66,7 +68,7 @@ void readBack(std::span<FileCopy* const> copies, CopyResources& resources,
     if (reader == resources.originalReader()) readings.waitForFirst();
     digest->work(part(resources, reader, kThreadsPerDrive, thread));
   };
-  onEveryDrive(resources.workers, resources.readers(), copies.size(), work,
+  onEveryDrive(resources.workers, resources.readers(), kThreadsPerDrive, copies.size(), work,
                [&] { readings.readFirst(); });
 }
 

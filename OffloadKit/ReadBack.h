@@ -9,29 +9,30 @@
 
 namespace OffloadKit {
 
-/// How many threads work on each drive at once while many files are flushed or read back: enough
-/// that the drive always has a request to go on with.
+/// How many threads read on each drive at once while many files are read back: enough that the drive
+/// always has a request to go on with.
 inline constexpr std::size_t kThreadsPerDrive = 4;
-/// Direct reads want whole pages of so many bytes.
-inline constexpr std::size_t kDirectPage = 4096;
+/// How many threads flush on each drive at once: a drive answers with one flush of its own to all
+/// that wait for one.
+inline constexpr std::size_t kFlushesPerDrive = 32;
 
 /// Calls `step(lane, thread, number)` on the run's workers for every lane below `lanes` and every
-/// number below `count`: in each lane kThreadsPerDrive numbers at a time, each on a thread of the
-/// lane's own. Calls `meanwhile()` here while they work. Returns when all are done. The run's
+/// number below `count`: in each lane `threads` numbers at a time, each on a thread of the lane's
+/// own. Calls `meanwhile()` here while they work. Returns when all are done. The run's
 /// thread.
 template <class Step, class Meanwhile>
-void onEveryDrive(PlatformKit::WorkerPool& workers, std::size_t lanes, std::size_t count,
-                  const Step& step, const Meanwhile& meanwhile) {
+void onEveryDrive(PlatformKit::WorkerPool& workers, std::size_t lanes, std::size_t threads,
+                  std::size_t count, const Step& step, const Meanwhile& meanwhile) {
   std::vector<std::atomic<std::size_t>> next(lanes);
   const auto job = [&](std::size_t number) {
-    const std::size_t lane = number / kThreadsPerDrive;
+    const std::size_t lane = number / threads;
     for (;;) {
       const std::size_t mine = next[lane]++;
       if (mine >= count) return;
-      step(lane, number % kThreadsPerDrive, mine);
+      step(lane, number % threads, mine);
     }
   };
-  auto working = workers.start(lanes * kThreadsPerDrive, job);
+  auto working = workers.start(lanes * threads, job);
   meanwhile();
   working.wait();
 }

@@ -1,8 +1,7 @@
 #include "OffloadKit/StreamedCopy.h"
 
+#include "OffloadKit/ChunkRead.h"
 #include "OffloadKit/ReadBack.h"
-
-#include <algorithm>
 
 namespace OffloadKit {
 
@@ -19,7 +18,7 @@ OffloadedFile StreamedCopy::finish(std::size_t /*number*/, const CopyProgress& p
   } else {
     readers = copy_.prepareReadBack();
     readBack(copy_, resources_, [&] {
-      read(progress.copied);
+      stream(progress.copied);
       finishOriginal(next);
     });
   }
@@ -38,53 +37,50 @@ void StreamedCopy::chooseTargets() {
 
 void StreamedCopy::stream(const Advance& copied) {
   resources_.throwIfCancelled();
-  auto chunk = readNext(resources_.pieceBuffer(0));
-  for (std::size_t number = 1; !endsAt(chunk); ++number) {
-    const std::uint64_t offset = offset_ - chunk.value().size();
-    const auto write = [&](std::size_t i) { copy_.write(i, chunk.value(), offset); };
-    auto writing = resources_.workers.start(resources_.plan.destinations.size(), write);
-    const auto following = readNext(resources_.pieceBuffer(number));
-    writing.wait();
-    copied(chunk.value().size());
-    resources_.throwIfCancelled();
-    chunk = following;
+  std::span<const std::byte> chunk;
+  for (std::size_t number = 0;; ++number) {
+    ChunkRead following(originalAt(offset_), resources_.pieceBuffer(number), offset_,
+                        copy_.file().size);
+    const auto read = [&](std::size_t part) { following.read(part); };
+    auto reading = resources_.originalReaders.start(following.parts(), read);
+    if (!chunk.empty()) takeOver(chunk);
+    reading.wait();
+    if (!chunk.empty()) {
+      copied(chunk.size());
+      resources_.throwIfCancelled();
+    }
+    if (!following.result().ok()) copy_.sourceUnreadable(following.result().error());
+    chunk = following.result().value();
+    if (chunk.empty()) return;
+    offset_ += chunk.size();
   }
 }
 
-void StreamedCopy::read(const Advance& copied) {
-  resources_.throwIfCancelled();
-  for (;;) {
-    const auto chunk = readNext(resources_.transferBuffer.bytes());
-    if (endsAt(chunk)) return;
-    copied(chunk.value().size());
-    resources_.throwIfCancelled();
-  }
+PlatformKit::ReadableFile& StreamedCopy::originalAt(std::uint64_t offset) {
+  // What `fetch` asked for is in the cache; what is behind the end need not be asked of the card.
+  if (offset == 0 || offset >= copy_.file().size) return copy_.original();
+  if (!rest_) rest_ = copy_.openOriginal(PlatformKit::ReadMode::pastCache);
+  const std::uint64_t behind = offset + resources_.plan.chunkSize;
+  if (behind < copy_.file().size) rest_->prefetch(behind, resources_.plan.chunkSize);
+  return *rest_;
 }
 
-PlatformKit::Result<std::span<const std::byte>> StreamedCopy::readNext(
-    std::span<std::byte> buffer) {
-  PlatformKit::ReadableFile& source = copy_.original();
-  const std::uint64_t size = copy_.file().size;
-  // The card fetches what comes behind while this is read, hashed and written.
-  const std::uint64_t behind = offset_ + buffer.size();
-  if (behind < size) source.prefetch(behind, std::min<std::uint64_t>(buffer.size(), size - behind));
-  const auto count = source.readAt(buffer, offset_);
-  if (!count.ok()) return PlatformKit::ErrorNumber{count.error()};
-  const std::span<const std::byte> chunk = buffer.first(count.value());
-  source.discard(offset_, chunk.size());
+void StreamedCopy::takeOver(std::span<const std::byte> chunk) {
+  const std::uint64_t offset = offset_ - chunk.size();
+  const auto write = [&](std::size_t i) { copy_.write(i, chunk, offset); };
+  if (!copy_.isWriting()) {
+    hasher_->update(chunk);
+    return;
+  }
+  auto writing = resources_.workers.start(resources_.plan.destinations.size(), write);
   hasher_->update(chunk);
-  offset_ += chunk.size();
-  return chunk;
-}
-
-bool StreamedCopy::endsAt(const PlatformKit::Result<std::span<const std::byte>>& chunk) const {
-  if (!chunk.ok()) copy_.sourceUnreadable(chunk.error());
-  return chunk.value().empty();
+  writing.wait();
 }
 
 void StreamedCopy::finishOriginal(CopyBatch* next) {
   if (offset_ != copy_.file().size) copy_.sourceChangedSize();
   copy_.closeOriginal();
+  rest_.reset();
   if (next != nullptr) next->fetch();
 }
 

@@ -23,21 +23,20 @@ class StreamedCopy final : public CopyBatch {
 
  private:
   void chooseTargets();
-  /// Copies: one chunk is read and hashed while the drives take the one before.
+  /// One chunk is read while the one before is taken over.
   void stream(const Advance& copied);
-  /// Only reads and hashes.
-  void read(const Advance& copied);
-  /// The next chunk, already hashed, in `buffer`; empty at the end of the file.
-  [[nodiscard]] PlatformKit::Result<std::span<const std::byte>> readNext(
-      std::span<std::byte> buffer);
-  [[nodiscard]] bool endsAt(const PlatformKit::Result<std::span<const std::byte>>& chunk) const;
+  /// The open original to read at that offset (bytes).
+  [[nodiscard]] PlatformKit::ReadableFile& originalAt(std::uint64_t offset);
+  /// Hashes a chunk, the last before `offset_`, while the drives write it.
+  void takeOver(std::span<const std::byte> chunk);
   void finishOriginal(CopyBatch* next);
   void flushEverywhere();
 
   CopyResources& resources_;
   FileCopy copy_;
   const std::unique_ptr<HashKit::StreamingHasher> hasher_;
-  std::uint64_t offset_ = 0;
+  std::unique_ptr<PlatformKit::ReadableFile> rest_;  // the original, behind its first chunk
+  std::uint64_t offset_ = 0;                         // up to which it has been read
 };
 
 }  // namespace OffloadKit

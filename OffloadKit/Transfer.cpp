@@ -31,6 +31,12 @@ int writeBehind(PlatformKit::WritableFile& file, std::span<const std::byte> chun
   return offset < window ? 0 : file.finishWriteback(offset - window, window);
 }
 
+std::size_t lengthToAsk(std::uint64_t offset, std::size_t most, std::uint64_t fileSize) {
+  if (offset >= fileSize) return most;
+  const std::uint64_t left = (fileSize - offset) / kDirectPage;
+  return left >= most / kDirectPage ? most : static_cast<std::size_t>((left + 1) * kDirectPage);
+}
+
 PlatformKit::Result<std::size_t> readFully(PlatformKit::ReadableFile& file,
                                            std::span<std::byte> buffer, std::uint64_t offset) {
   std::size_t filled = 0;

@@ -20,6 +20,16 @@ namespace OffloadKit {
 [[nodiscard]] int writeBehind(PlatformKit::WritableFile& file, std::span<const std::byte> chunk,
                               std::uint64_t offset, std::uint64_t window, std::uint64_t fileSize);
 
+/// Direct reads want whole pages of so many bytes.
+inline constexpr std::size_t kDirectPage = 4096;
+
+/// How many bytes to ask for at `offset` of a file that should have `fileSize` bytes, when there is
+/// room for `most`: little more than is left, because the kernel fills with zeros what a direct
+/// read asks for behind the end; but at least one byte more, so that an end that comes later is
+/// noticed, and whole pages.
+[[nodiscard]] std::size_t lengthToAsk(std::uint64_t offset, std::size_t most,
+                                      std::uint64_t fileSize);
+
 /// Fills `buffer` from `offset` on (bytes), with as many reads as that takes. Answers how many
 /// bytes there were, fewer than asked for only at the end of the file, or the first error.
 PlatformKit::Result<std::size_t> readFully(PlatformKit::ReadableFile& file,

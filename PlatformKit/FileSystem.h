@@ -66,7 +66,7 @@ class ReadableFile {
   [[nodiscard]] virtual Result<std::size_t> readAt(std::span<std::byte> buffer,
                                                    std::uint64_t offset) = 0;
 
-  /// A hint that this range (bytes) will be read soon. Returns at once.
+  /// A hint that this range (bytes) will be read soon, through the cache. Returns at once.
   virtual void prefetch(std::uint64_t offset, std::uint64_t length) = 0;
 
   /// A hint that this range (bytes) will not be read again through this object.

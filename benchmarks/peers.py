@@ -31,7 +31,7 @@ CASES = {  # name: (files, bytes of each)
     "small": (20000, 10 * 1024),
 }
 SLOW_DRIVE = 80 * MIB  # bytes a second of the throttled drive
-FEW_REQUESTS = 400  # a second, of drives that take their time for each, as behind USB
+ANSWER = 4000  # microseconds that a drive behind USB takes for each request
 
 
 def run(command, **options):
@@ -88,12 +88,30 @@ class Places:
         self.stack.callback(run, ["umount", "-l", path])
         return path
 
-    def loop(self, name, gigabytes, limit=None, unit="bps"):
+    def late(self, name, program):
+        """A folder below which every request takes its time."""
+        backing, point = self.folder(f"{name}.backing"), self.folder(f"{name}.late")
+        server = subprocess.Popen([program, backing, point], stdout=subprocess.PIPE)
+        self.stack.callback(server.wait)
+        self.stack.callback(run, ["umount", "-l", point])
+        server.stdout.readline()  # "ready"
+        calls = ("read", "readDirect", "write")
+        rules = os.open(f"{point}/.faults", os.O_WRONLY)
+        os.write(rules, "".join(f"{call} delay={ANSWER}\n" for call in calls).encode())
+        os.close(rules)
+        return backing, point
+
+    def loop(self, name, gigabytes, limit=None, late=None):
         image = f"{self.root}/{name}.img"
         self.stack.callback(remove, image)
         # Written, not only reserved: the first write to a reserved block costs more, and whoever runs first
         # would pay for all.
         run(["dd", "status=none", "if=/dev/zero", f"of={image}", "bs=8M", f"count={gigabytes * 128}", "oflag=direct"])
+        if late:
+            backing, point = self.late(name, late)
+            os.rename(image, f"{backing}/image")
+            self.stack.callback(remove, f"{backing}/image")
+            image = f"{point}/image"
         attach = ["losetup", "-f", "--show", "--direct-io=on", image]
         device = subprocess.run(attach, check=True, stdout=subprocess.PIPE, text=True).stdout.strip()
         self.stack.callback(run, ["losetup", "-d", device])
@@ -102,13 +120,13 @@ class Places:
         run(["mount", device, path])
         self.stack.callback(run, ["umount", "-l", path])
         if limit:
-            self.throttle(device, limit, unit)
+            self.throttle(device, limit)
         return path
 
-    def throttle(self, device, limit, unit):
+    def throttle(self, device, limit):
         numbers = os.stat(device).st_rdev
         for way in ("read", "write"):
-            control = f"/sys/fs/cgroup/blkio/blkio.throttle.{way}_{unit}_device"
+            control = f"/sys/fs/cgroup/blkio/blkio.throttle.{way}_bps_device"
             rule = f"{os.major(numbers)}:{os.minor(numbers)} "
 
             def say(value, control=control, rule=rule):
@@ -119,24 +137,24 @@ class Places:
             self.stack.callback(say, 0)
 
 
-def disk(places):
-    return places.folder("card"), [places.folder("a"), places.folder("b")]
+def disk(places, _options):
+    return [places.folder(name) for name in ("card", "a", "b")]
 
 
-def loops(places):
-    return places.folder("card"), [places.loop("a", 5), places.loop("b", 5)]
+def loops(places, _options):
+    return places.folder("card"), places.loop("a", 5), places.loop("b", 5)
 
 
-def throttled(places):
-    return places.folder("card"), [places.loop("a", 5), places.loop("b", 5, SLOW_DRIVE)]
+def throttled(places, _options):
+    return places.folder("card"), places.loop("a", 5), places.loop("b", 5, limit=SLOW_DRIVE)
 
 
-def latency(places):
-    return places.folder("card"), [places.loop(name, 5, FEW_REQUESTS, "iops") for name in ("a", "b")]
+def latency(places, options):
+    return [places.loop(name, 5, late=options.fault_fs) for name in ("card", "a", "b")]
 
 
-def memory(places):
-    return places.tmpfs("card"), [places.tmpfs("a"), places.tmpfs("b")]
+def memory(places, _options):
+    return [places.tmpfs(name) for name in ("card", "a", "b")]
 
 
 PLACES = {"disk": disk, "loops": loops, "throttled": throttled, "latency": latency, "tmpfs": memory}
@@ -281,17 +299,17 @@ def ratio(times, peers):
     return statistics.median(mine / min(others) for mine, *others in zip(times, *peers))
 
 
-def compare(program, place, case, rounds, scale, root):
+def compare(place, case, options):
     files, size = CASES[case]
-    files = max(2, int(files * scale)) if files > 4 else files
-    size = size if files > 4 else int(size * scale)
+    files = max(2, int(files * options.scale)) if files > 4 else files
+    size = size if files > 4 else int(size * options.scale)
     with contextlib.ExitStack() as stack:
-        folder = tempfile.mkdtemp(dir=root)
+        folder = tempfile.mkdtemp(dir=options.root)
         stack.callback(shutil.rmtree, folder, ignore_errors=True)
-        card, drives = PLACES[place](Places(folder, stack))
+        card, *drives = PLACES[place](Places(folder, stack), options)
         make_card(card, files, size)
         make_file(f"{card}.bytes", files * size)
-        seconds, processor = rounds_of(program, card, drives, rounds)
+        seconds, processor = rounds_of(options.program, card, drives, options.rounds)
         peers = [seconds[name] for name in PEERS]
         figures = {
             "ratio": ratio(seconds["ours"], peers),
@@ -313,6 +331,7 @@ def main():
     parser.add_argument("--place", action="append", choices=PLACES)
     parser.add_argument("--rounds", type=int, default=3)
     parser.add_argument("--scale", type=float, default=1.0)
+    parser.add_argument("--fault-fs", help="the file system of the tests, for drives with latency")
     parser.add_argument("--root", default="/var/tmp", help="a folder on the disk to measure")
     options = parser.parse_args()
     if os.geteuid() != 0:
@@ -321,10 +340,11 @@ def main():
     if ctypes.CDLL(None, use_errno=True).unshare(clone_new_namespace) != 0:
         sys.exit("No private mount namespace is to be had here: " + os.strerror(ctypes.get_errno()))
     run(["mount", "--make-rprivate", "/"])
-    program = os.path.abspath(options.program)
-    for place in options.place or PLACES:
+    options.program = os.path.abspath(options.program)
+    places = options.place or [place for place in PLACES if place != "latency" or options.fault_fs]
+    for place in places:
         for case in options.case or CASES:
-            compare(program, place, case, options.rounds, options.scale, options.root)
+            compare(place, case, options)
 
 
 if __name__ == "__main__":

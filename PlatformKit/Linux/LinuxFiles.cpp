@@ -92,6 +92,7 @@ void LinuxReadableFile::leaveDirect() {
 }
 
 void LinuxReadableFile::prefetch(std::uint64_t offset, std::uint64_t length) {
+  if (direct_) return;  // It would come into the cache, from which nobody reads.
   for (std::uint64_t done = 0; done < length; done += kReadAheadPiece) {
     advise(fd_.get(), offset + done, std::min(kReadAheadPiece, length - done), POSIX_FADV_WILLNEED);
   }
