@@ -24,7 +24,7 @@ struct CopyResources {
   DestinationHealth& health;
   FolderFlush& folders;
   PlatformKit::WorkerPool& workers;
-  /// Two, which read a large original while the workers are busy with its copies.
+  /// These read originals while the workers are busy with copies.
   PlatformKit::WorkerPool& originalReaders;
   GroupPace& pace;
   PlatformKit::AlignedBuffer& transferBuffer;

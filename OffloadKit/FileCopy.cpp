@@ -34,8 +34,10 @@ void FileCopy::Copy::fail(std::string reason) {
 
 void FileCopy::fetch() {
   if (original_) return;
-  original_.emplace(
-      resources_.system.fileSystem.openForReading(source_, PlatformKit::ReadMode::streamed));
+  const bool atOnce = file_.size <= resources_.plan.chunkSize;
+  const auto mode = atOnce && file_.size >= kOwnRequests ? PlatformKit::ReadMode::pastCache
+                                                         : PlatformKit::ReadMode::streamed;
+  original_.emplace(resources_.system.fileSystem.openForReading(source_, mode));
   if (original_->ok() && file_.size > 0) {
     original_->value()->prefetch(0, std::min<std::uint64_t>(file_.size, resources_.plan.chunkSize));
   }

@@ -24,7 +24,8 @@ class FileCopy {
   [[nodiscard]] const SourceFile& file() const { return file_; }
 
   /// Opens the original, unless that is done, and lets the card fetch its beginning, as much as
-  /// fits a transfer buffer. Returns at once; what fails is told by `original`.
+  /// fits a transfer buffer; one that is worth requests of its own and fits as a whole is opened to
+  /// be read past the cache. Returns at once; what fails is told by `original`.
   void fetch();
   /// The open original, which `closeOriginal` closes. Throws OffloadError::sourceUnreadable when it
   /// cannot be opened.

@@ -21,6 +21,11 @@ std::size_t mostFiles(std::size_t destinations) {
   return limit < kOtherOpenFiles ? 1 : (limit - kOtherOpenFiles) / (destinations + 1);
 }
 
+// Bytes: whole pages, and one byte at least by which a file that has grown is known.
+std::uint64_t memoryFor(std::uint64_t fileSize) {
+  return (fileSize / kDirectPage + 1) * kDirectPage;
+}
+
 }  // namespace
 
 std::size_t groupLength(std::span<const SourceFile> files, const CopyResources& resources) {
@@ -49,8 +54,8 @@ FileGroup::FileGroup(std::span<const SourceFile> files, CopyResources& resources
       rounds_.emplace_back();
       left = resources.plan.chunkSize;
     }
-    left -= file.size;
     rounds_.back().push_back(&items_.emplace_back(file, resources));
+    left -= std::min(left, memoryFor(file.size));
     share_ += resources.pace.shareOf(file.size);
   }
 }
@@ -86,7 +91,7 @@ void FileGroup::prepare(CopyBatch* next) {
 
 void FileGroup::copyAll(CopyBatch* next) {
   const auto started = resources_.system.clock.now();
-  chooseTargets();
+  chooseAndReadFirst();
   if (std::any_of(items_.begin(), items_.end(), [](Item& item) { return item.copy.isWriting(); })) {
     copyRounds();
     flush(next);
@@ -96,14 +101,14 @@ void FileGroup::copyAll(CopyBatch* next) {
   } else {
     for (Item& item : items_) item.copy.settleTargets();
     readBack([&] {
-      for (std::size_t round = 0; round < rounds_.size(); ++round) readRound(round, 0);
+      for (std::size_t round = 1; round < rounds_.size(); ++round) readRound(round);
       if (next != nullptr) next->fetch();
     });
   }
   resources_.pace.groupDone(share_, resources_.system.clock.now() - started);
 }
 
-void FileGroup::chooseTargets() {
+void FileGroup::chooseAndReadFirst() {
   const std::size_t destinations = resources_.plan.destinations.size();
   for (std::size_t i = 0; i < destinations; ++i) resources_.health.checkVolume(i);
   const auto choose = [&](std::size_t i) {
@@ -112,15 +117,15 @@ void FileGroup::chooseTargets() {
   };
   auto choosing = resources_.workers.start(destinations, choose);
   fetchRound(0);
+  readRound(0);
   choosing.wait();
 }
 
 void FileGroup::copyRounds() {
-  readRound(0, 0);
   for (std::size_t round = 0; round < rounds_.size(); ++round) {
     const auto write = [&](std::size_t i) { writeRound(round, i); };
     auto writing = resources_.workers.start(resources_.plan.destinations.size(), write);
-    if (round + 1 < rounds_.size()) readRound(round + 1, round + 1);
+    if (round + 1 < rounds_.size()) readRound(round + 1);
     writing.wait();
     resources_.throwIfCancelled();
   }
@@ -131,43 +136,48 @@ void FileGroup::fetchRound(std::size_t round) {
   for (Item* item : rounds_[round]) item->copy.fetch();
 }
 
-void FileGroup::readRound(std::size_t round, std::size_t piece) {
-  fetchRound(round);
-  fetchRound(round + 1);
-  std::span<std::byte> room = resources_.pieceBuffer(piece);
+void FileGroup::readRound(std::size_t round) {
+  std::span<std::byte> room = resources_.pieceBuffer(round);
   for (Item* item : rounds_[round]) {
-    item->content = room.first(item->copy.file().size);
-    room = room.subspan(item->content.size());
-    try {
-      read(*item);
-    } catch (const OffloadError& error) {
-      item->unreadable = error;
-    }
-    item->copy.closeOriginal();
+    item->memory = room.first(std::min(room.size(), memoryFor(item->copy.file().size)));
+    room = room.subspan(item->memory.size());
   }
+  const auto readOne = [&](std::size_t number) { read(*rounds_[round][number]); };
+  auto reading = resources_.originalReaders.start(rounds_[round].size(), readOne);
+  fetchRound(round + 1);
+  reading.wait();
 }
 
 void FileGroup::read(Item& item) {
+  try {
+    readOriginal(item);
+  } catch (const OffloadError& error) {
+    item.unreadable = error;
+  }
+  item.copy.closeOriginal();
+}
+
+void FileGroup::readOriginal(Item& item) {
   PlatformKit::ReadableFile& source = item.copy.original();
-  const auto count = readFully(source, item.content, 0);
+  const std::uint64_t size = item.copy.file().size;
+  const auto count =
+      readFully(source, item.memory.first(lengthToAsk(0, item.memory.size(), size)), 0);
   if (!count.ok()) item.copy.sourceUnreadable(count.error());
   item.bytesRead = count.value();
   std::array<std::byte, 1> beyond{};
   const auto more = source.readAt(beyond, item.bytesRead);
   if (!more.ok()) item.copy.sourceUnreadable(more.error());
-  if (item.bytesRead != item.copy.file().size || more.value() != 0) {
-    item.copy.sourceChangedSize();
-  }
+  if (item.bytesRead != size || more.value() != 0) item.copy.sourceChangedSize();
   source.discard(0, item.bytesRead);
   const auto hasher = makeHasher(resources_.plan.algorithm);
-  hasher->update(item.content);
+  hasher->update(item.content());
   item.hash = hasher->finalize();
 }
 
 void FileGroup::writeRound(std::size_t round, std::size_t destination) {
   for (Item* item : rounds_[round]) {
     if (item->unreadable) continue;
-    if (!item->content.empty()) item->copy.write(destination, item->content, 0);
+    if (item->bytesRead > 0) item->copy.write(destination, item->content(), 0);
     item->copy.setDates(destination);
   }
 }

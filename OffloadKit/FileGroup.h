@@ -38,9 +38,10 @@ class FileGroup final : public CopyBatch {
  private:
   struct Item {
     Item(const SourceFile& file, CopyResources& resources) : copy(file, resources) {}
+    /// What was read, until the round after the next is read.
+    [[nodiscard]] std::span<const std::byte> content() const { return memory.first(bytesRead); }
     FileCopy copy;
-    /// In the piece of memory of its round, until the round after the next is read.
-    std::span<std::byte> content;
+    std::span<std::byte> memory;  // its own part of the piece that its round is read into
     std::uint64_t bytesRead = 0;
     std::string hash;
     std::size_t readers = 0;
@@ -49,12 +50,14 @@ class FileGroup final : public CopyBatch {
 
   void prepare(CopyBatch* next);
   void copyAll(CopyBatch* next);
-  void chooseTargets();
+  void chooseAndReadFirst();
   /// Reads one round while the drives take the one before.
   void copyRounds();
   void fetchRound(std::size_t round);
-  void readRound(std::size_t round, std::size_t piece);
+  void readRound(std::size_t round);
+  /// Reads and hashes one; any thread.
   void read(Item& item);
+  void readOriginal(Item& item);
   void writeRound(std::size_t round, std::size_t destination);
   void flush(CopyBatch* next);
   void settle();

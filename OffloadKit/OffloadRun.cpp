@@ -104,7 +104,7 @@ void OffloadRun::copyFiles() {
   // A read-back reads every copy and the card at once.
   PlatformKit::WorkerPool workers(
       std::max(kThreadsPerDrive * (destinations + 1), kFlushesPerDrive * destinations));
-  PlatformKit::WorkerPool originalReaders(2);
+  PlatformKit::WorkerPool originalReaders(kThreadsPerDrive);
   GroupPace pace(plan_.chunkSize);
   PlatformKit::AlignedBuffer transferBuffer(plan_.chunkSize);
   std::vector<PlatformKit::AlignedBuffer> readBackBuffers;

@@ -16,17 +16,10 @@ int writeFully(PlatformKit::WritableFile& file, std::span<const std::byte> bytes
   return 0;
 }
 
-namespace {
-
-// Bytes; smaller files wait for the flush, which sends them off together.
-constexpr std::uint64_t kWorthStarting = std::uint64_t{256} * 1024;
-
-}  // namespace
-
 int writeBehind(PlatformKit::WritableFile& file, std::span<const std::byte> chunk,
                 std::uint64_t offset, std::uint64_t window, std::uint64_t fileSize) {
   if (const int error = writeFully(file, chunk); error != 0) return error;
-  if (fileSize <= window && fileSize < kWorthStarting) return 0;
+  if (fileSize <= window && fileSize < kOwnRequests) return 0;
   if (const int error = file.startWriteback(offset, chunk.size()); error != 0) return error;
   return offset < window ? 0 : file.finishWriteback(offset - window, window);
 }
