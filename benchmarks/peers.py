@@ -115,6 +115,8 @@ class Places:
         attach = ["losetup", "-f", "--show", "--direct-io=on", image]
         device = subprocess.run(attach, check=True, stdout=subprocess.PIPE, text=True).stdout.strip()
         self.stack.callback(run, ["losetup", "-d", device])
+        if late:
+            run(["blockdev", "--setra", "256", device])  # 128 KiB, the kernel's for USB drives
         run(["mkfs.ext4", "-q", "-E", "lazy_itable_init=0,lazy_journal_init=0", device])
         path = self.folder(name)
         run(["mount", device, path])
