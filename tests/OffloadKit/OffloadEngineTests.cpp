@@ -343,6 +343,48 @@ TEST_F(Offload, failsAFileThatChangesBetweenScanAndCopy) {
   }
 }
 
+TEST_F(Offload, copiesGroupsLongerThanTheBufferAndMissesOnlyWhatCannotBeRead) {
+  for (char number = 'A'; number <= 'Z'; ++number) {
+    for (const unsigned part : {1U, 2U, 3U, 4U}) {
+      addFile(std::string(1, number) + std::to_string(part),
+              pattern(20'000, static_cast<unsigned>(number) * part));
+    }
+  }
+  int flushes = 0;
+  fileSystem_.setScript([&](const CallInfo& info) {
+    if (info.call == Call::flushVolume) ++flushes;
+    return Intervention{info.path == card_ / "M2" && info.call == Call::read ? EIO : 0};
+  });
+  const auto result = run(plan(1));
+  EXPECT_LT(flushes, 12) << "of 32 fillings of the buffer";
+  ASSERT_EQ(result.failedFiles().size(), 1U);
+  EXPECT_EQ(result.failedFiles()[0]->outcomes[0].reason(),
+            "The card couldn't be read: M2: Input/output error");
+  fileSystem_.setScript({});
+  EXPECT_TRUE(run(plan(1)).allVerified());
+  expectIdentical(1);
+}
+
+TEST_F(Offload, leavesResumedCopiesAloneWhenTheCardFailsOrTheUserStops) {
+  addFile("a", pattern(20 * kChunk));
+  EXPECT_TRUE(run(plan()).allVerified());
+  fileSystem_.setScript([&](const CallInfo& info) {
+    const bool far = info.call == Call::read && info.offset > 5 * kChunk;
+    return Intervention{far && info.path == card_ / "a" ? EIO : 0};
+  });
+  EXPECT_THAT(run(plan()).files[0].outcomes,
+              Each(Outcome::failed("The card couldn't be read: a: Input/output error")));
+  fileSystem_.setScript({});
+  OffloadEngine engine(system_, rawDeviceAccess_);
+  const auto stop = [&](const OffloadProgress& progress) {
+    if (progress.fraction > 0) engine.cancel();
+  };
+  EXPECT_THROW(engine.run(plan(), stop), OffloadError);
+  EXPECT_THAT(run(plan()).files[0].outcomes, Each(Outcome::verified(true)));
+  expectIdentical(1);
+  expectIdentical(2);
+}
+
 TEST_F(Offload, stopsWithinALongFile) {
   addFile("a", pattern(20 * kChunk));
   OffloadEngine engine(system_, rawDeviceAccess_);
