@@ -33,7 +33,7 @@ class VanishingDrive : public CardAndDrives {
   VanishingDrive() { fill(card_.native() + ".backing"); }
 
   void expectInTheMiddle(const Happening& happening) const {
-    const FaultyFolder card(card_, "read at=b.mov from=8500000 hold=1");
+    const FaultyFolder card(card_, "readDirect at=b.mov from=8500000 hold=1");
     const auto running = start();
     card.waitForIt();
     happening.what();

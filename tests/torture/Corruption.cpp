@@ -2,8 +2,8 @@
 #include "tests/torture/Campaign.h"
 
 #include <algorithm>
+#include <map>
 #include <random>
-#include <set>
 
 namespace Torture {
 namespace {
@@ -130,16 +130,16 @@ class CorruptedRun {
     Intervention intervention;
     if (Strike* strike = strikeAt(info.path, source())) {
       if (info.call == Call::openForReading && info.mode == ReadMode::pastCache) {
-        second_.insert(info.path);
-        if (strike->fault == Fault::cardItself && !strike->happened) {
+        ++direct_[info.path];
+        if (isReadAgain(info.path) && strike->fault == Fault::cardItself && !strike->happened) {
           flipOnDisk(info.path, *strike);
           strike->happened = true;
         }
       }
-      const bool isSecond = second_.contains(info.path);
+      const bool isSecond = isReadAgain(info.path);
       const Fault fault = isSecond ? Fault::cardSecondReading : Fault::cardFirstReading;
       if (info.call == Call::read && strike->fault == fault) {
-        flip(info, *strike, isSecond, intervention);
+        flip(info, *strike, true, intervention);
       }
     }
     for (const std::size_t number : {0U, 1U}) {
@@ -158,8 +158,15 @@ class CorruptedRun {
     return intervention;
   }
 
-  // If the bit lies in what this call transfers. Read-backs go in halves of a chunk where the file
-  // is longer than one half.
+  // The first reading, too, opens what is behind the first chunk to read it past the cache.
+  [[nodiscard]] bool isReadAgain(const Path& path) const {
+    const auto opened = direct_.find(path);
+    const int first = card_.at(path.lexically_relative(source())).bytes.size() > kChunk ? 1 : 0;
+    return opened != direct_.end() && opened->second > first;
+  }
+
+  // If the bit lies in what this call transfers. Reads go in halves of a chunk where the file is
+  // longer than one half.
   void flip(const CallInfo& info, Strike& strike, bool isReadBack, Intervention& intervention) {
     const std::uint64_t size = card_.at(nameOf(strike)).bytes.size();
     const std::uint64_t piece = isReadBack && size > kChunk / 2 ? kChunk / 2 : kChunk;
@@ -206,7 +213,7 @@ class CorruptedRun {
   FaultyFileSystem faulty_{linux_};
   Snapshot card_;
   std::map<std::string, Strike> strikes_;
-  std::set<Path> second_;  ///< files of the card that are being read for the second time
+  std::map<Path, int> direct_;  ///< how often files of the card were opened past the cache
 };
 
 }  // namespace

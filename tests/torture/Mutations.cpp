@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 #include <mutex>
 
 namespace Torture {
@@ -116,8 +117,9 @@ class Remembers final : public PassThrough {
     if (mode == ReadMode::pastCache && remembers(path)) {
       return wrapped<RememberedFile>(std::move(opened), memoryOf(path));
     }
-    if (mode == ReadMode::streamed && what_ == Mutation::cardReadOnce) {
-      return wrapped<FirstReading>(std::move(opened), memoryOf(path));
+    const bool isRest = mode == ReadMode::pastCache && !memoryOf(path).empty();
+    if (what_ == Mutation::cardReadOnce && (mode == ReadMode::streamed || isRest)) {
+      return wrapped<FirstReading>(std::move(opened), memoryOf(path), mutex_);
     }
     return opened;
   }
@@ -139,16 +141,21 @@ class Remembers final : public PassThrough {
 
   class FirstReading final : public PassThroughReadable {
    public:
-    FirstReading(std::unique_ptr<ReadableFile> below, std::string& memory)
-        : PassThroughReadable(std::move(below)), memory_(memory) {}
+    FirstReading(std::unique_ptr<ReadableFile> below, std::string& memory, std::mutex& mutex)
+        : PassThroughReadable(std::move(below)), memory_(memory), mutex_(mutex) {}
     Result<std::size_t> readAt(std::span<std::byte> buffer, std::uint64_t offset) override {
       auto count = below_->readAt(buffer, offset);
-      if (count.ok()) memory_.append(reinterpret_cast<const char*>(buffer.data()), count.value());
+      if (!count.ok() || count.value() == 0) return count;
+      // Two threads read the parts of a chunk.
+      const std::lock_guard lock(mutex_);
+      memory_.resize(std::max<std::size_t>(memory_.size(), offset + count.value()));
+      std::memcpy(memory_.data() + offset, buffer.data(), count.value());
       return count;
     }
 
    private:
     std::string& memory_;
+    std::mutex& mutex_;
   };
 
   class RememberedFile final : public PassThroughReadable {
@@ -168,9 +175,11 @@ class Remembers final : public PassThrough {
     const std::string& memory_;
   };
 
+  // The first reading opens a long file once more for what is behind its first chunk.
   bool remembers(const Path& path) {
     const std::lock_guard lock(mutex_);
-    return memory_.contains(path);
+    const auto memory = memory_.find(path);
+    return memory != memory_.end() && memory->second.size() >= std::filesystem::file_size(path);
   }
   std::string& memoryOf(const Path& path) {
     const std::lock_guard lock(mutex_);
