@@ -1,7 +1,9 @@
 // Peak memory of a run of many small files to two drives. Budget: (destinations + 2) x chunk size
 // + 64 MiB for 20,000 files.
+#include "DeviceKit/RawDeviceAccess.h"
 #include "OffloadKit/OffloadEngine.h"
 #include "PlatformKit/Linux/LinuxFileSystem.h"
+#include "PlatformKit/Linux/LinuxRawDevices.h"
 #include "PlatformKit/Linux/LinuxVolumes.h"
 #include "PlatformKit/Testing/TempFolder.h"
 
@@ -30,7 +32,9 @@ int main(int argc, char** argv) {
   PlatformKit::LinuxFileSystem fileSystem;
   PlatformKit::LinuxVolumes volumes;
   const PlatformKit::SystemClock clock;
-  OffloadKit::OffloadEngine engine({fileSystem, volumes, clock});
+  PlatformKit::LinuxRawDevices devices;
+  const DeviceKit::RawDeviceAccess noCardImage(devices, {});
+  OffloadKit::OffloadEngine engine({fileSystem, volumes, clock}, noCardImage);
   rusage before{};
   getrusage(RUSAGE_SELF, &before);
   const auto result = engine.run(plan, [](const OffloadKit::OffloadProgress&) {});
