@@ -22,10 +22,11 @@ std::size_t groupLength(std::span<const SourceFile> files, const CopyResources& 
 /// Copies several small files at once, because what they cost one by one is mostly waiting: for one
 /// flush and one answer of the drive each. The group is read and written everywhere, in rounds that
 /// fit the transfer buffer, flushed together and read back together; nothing of it has its final
-/// name before. Where nothing is to be written, the copies are read back while the card is read. What can be seen from outside
-/// is as if one file had been copied after the other (see StreamedCopy), with the calls of
-/// progress, of `isCancelled` and the final names in the order of the files. Used once, on the
-/// run's thread.
+/// name before. Where nothing is to be written, the copies are read back while the card is read.
+///
+/// What can be seen from outside is as if one file had been copied after the other (see
+/// StreamedCopy), with the calls of progress, of `isCancelled` and the final names in the order of
+/// the files. Used once, on the run's thread.
 class FileGroup final : public CopyBatch {
  public:
   /// `files`: as many as groupLength says; they outlive the group.

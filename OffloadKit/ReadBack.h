@@ -18,8 +18,7 @@ inline constexpr std::size_t kFlushesPerDrive = 32;
 
 /// Calls `step(lane, thread, number)` on the run's workers for every lane below `lanes` and every
 /// number below `count`: in each lane `threads` numbers at a time, each on a thread of the lane's
-/// own. Calls `meanwhile()` here while they work. Returns when all are done. The run's
-/// thread.
+/// own. Calls `meanwhile()` here while they work. Returns when all are done. The run's thread.
 template <class Step, class Meanwhile>
 void onEveryDrive(PlatformKit::WorkerPool& workers, std::size_t lanes, std::size_t threads,
                   std::size_t count, const Step& step, const Meanwhile& meanwhile) {

@@ -8,8 +8,8 @@ namespace OffloadKit {
 /// Copies one file of any length to all destinations and proves every copy: streams it in chunks,
 /// hashing on the way; flushes the copies; reads every copy (and every copy of an earlier run, and
 /// with the plan's `verifySource` the original again) back from its drive; compares checksums; and
-/// only then gives each copy its final name. Where nothing is to be written, the copies are read while
-/// the card is.
+/// only then gives each copy its final name. Where nothing is to be written, the copies are read
+/// while the card is.
 class StreamedCopy final : public CopyBatch {
  public:
   /// Both outlive it.

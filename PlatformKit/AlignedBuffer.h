@@ -10,6 +10,7 @@ namespace PlatformKit {
 /// A block of memory that starts on a 16,384-byte boundary, as transfers past the file cache need.
 /// From 2 MiB on it consists of large pages where the system has them, so that such a transfer has
 /// fewer pages to name to the drive.
+///
 /// Owns the memory; the content is undefined until written.
 class AlignedBuffer {
  public:
