@@ -14,7 +14,7 @@ namespace OffloadKit {
 inline constexpr std::size_t kThreadsPerDrive = 4;
 /// How many threads flush on each drive at once: a drive answers with one flush of its own to all
 /// that wait for one.
-inline constexpr std::size_t kFlushesPerDrive = 32;
+inline constexpr std::size_t kFlushesPerDrive = 12;
 
 /// Calls `step(lane, thread, number)` on the run's workers for every lane below `lanes` and every
 /// number below `count`: in each lane `threads` numbers at a time, each on a thread of the lane's
