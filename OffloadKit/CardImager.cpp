@@ -49,8 +49,8 @@ class Imaging {
     auto created = PendingCopy::create(system_.fileSystem, temporary, final);
     check(created.error());
     PendingCopy& image = created.value();
-    const std::string hash = copyDevice(image.file());
-    check(image.file().flush());
+    const std::string hash = copyDevice(*image.file());
+    check(image.file()->flush());
     image.close();
     compare(temporary, hash);
     check(image.commit());

@@ -24,7 +24,7 @@ FileCopy::FileCopy(const SourceFile& file, CopyResources& resources)
 
 WritableFile* FileCopy::Copy::writable() {
   auto* write = as<WriteTarget>();
-  return write == nullptr || writeError != 0 ? nullptr : &write->copy.file();
+  return write == nullptr || writeError != 0 ? nullptr : write->copy.file();
 }
 
 void FileCopy::Copy::fail(std::string reason) {
@@ -49,8 +49,9 @@ PlatformKit::ReadableFile& FileCopy::original() {
   return *original_->value();
 }
 
-std::unique_ptr<PlatformKit::ReadableFile> FileCopy::openOriginal(PlatformKit::ReadMode mode) {
-  auto opened = resources_.system.fileSystem.openForReading(source_, mode);
+std::unique_ptr<PlatformKit::ReadableFile> FileCopy::openPastCache() {
+  auto opened =
+      resources_.system.fileSystem.openForReading(source_, PlatformKit::ReadMode::pastCache);
   if (!opened.ok()) sourceUnreadable(opened.error());
   return std::move(opened.value());
 }
@@ -97,7 +98,10 @@ void FileCopy::setDates(std::size_t destination) {
 
 void FileCopy::flush(std::size_t destination) {
   Copy& copy = copies_[destination];
-  if (WritableFile* file = copy.writable()) copy.writeError = file->flush();
+  WritableFile* file = copy.writable();
+  if (file == nullptr) return;
+  copy.writeError = file->flush();
+  copy.as<WriteTarget>()->copy.close();
 }
 
 void FileCopy::settleWrites() {

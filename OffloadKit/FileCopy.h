@@ -30,8 +30,8 @@ class FileCopy {
   /// The open original, which `closeOriginal` closes. Throws OffloadError::sourceUnreadable when it
   /// cannot be opened.
   [[nodiscard]] PlatformKit::ReadableFile& original();
-  /// Opens it once more. Throws as above.
-  [[nodiscard]] std::unique_ptr<PlatformKit::ReadableFile> openOriginal(PlatformKit::ReadMode mode);
+  /// Opens it once more, to be read past the cache. Throws as above.
+  [[nodiscard]] std::unique_ptr<PlatformKit::ReadableFile> openPastCache();
   void closeOriginal() { original_.reset(); }
 
   /// Decides what is to be done on a destination that is not given up. `folder`: that
@@ -53,7 +53,7 @@ class FileCopy {
   /// Dates the copy as the original, before it is flushed, so that a power cut before the move
   /// leaves one that the next run knows.
   void setDates(std::size_t destination);
-  /// Returns when the copy is on the drive (fsync).
+  /// Returns when the copy is on the drive (fsync), and closes it.
   void flush(std::size_t destination);
   /// Closes the copies, tells `afterWrite`, and turns failed writes into outcomes.
   void settleWrites();

@@ -49,8 +49,10 @@ std::optional<std::uint64_t> FileDigest::takePiece() {
   // Opened by the first worker rather than by the constructor: the files of a read-back are opened
   // in parallel.
   if (!opened_) open();
-  if (ended_) return std::nullopt;
-  return nextPiece_++;
+  if (!ended_) return nextPiece_++;
+  // Closed by the last worker, in parallel too.
+  if (turn_ == nextPiece_) file_.reset();
+  return std::nullopt;
 }
 
 void FileDigest::open() {

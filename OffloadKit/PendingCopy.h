@@ -22,11 +22,12 @@ class PendingCopy {
   /// A failure to remove the file is ignored: what is left is hidden, and the next run clears it.
   ~PendingCopy();
 
-  [[nodiscard]] PlatformKit::WritableFile& file() { return *file_; }
+  /// Null once it was closed.
+  [[nodiscard]] PlatformKit::WritableFile* file() { return file_.get(); }
   [[nodiscard]] const PlatformKit::Path& temporary() const { return temporary_; }
   [[nodiscard]] const PlatformKit::Path& final() const { return final_; }
 
-  /// Closes the file; `file()` must not be called any more.
+  /// Closes the file, unless that is done.
   void close() { file_.reset(); }
 
   /// Gives the copy its final name; whatever has that name by now stays. Answers 0, or the error

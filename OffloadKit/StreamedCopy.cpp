@@ -49,8 +49,9 @@ void StreamedCopy::stream(const Advance& copied) {
       copied(chunk.size());
       resources_.throwIfCancelled();
     }
-    if (!following.result().ok()) copy_.sourceUnreadable(following.result().error());
-    chunk = following.result().value();
+    const auto found = following.result();
+    if (!found.ok()) copy_.sourceUnreadable(found.error());
+    chunk = found.value();
     if (chunk.empty()) return;
     offset_ += chunk.size();
   }
@@ -59,7 +60,7 @@ void StreamedCopy::stream(const Advance& copied) {
 PlatformKit::ReadableFile& StreamedCopy::originalAt(std::uint64_t offset) {
   // What `fetch` asked for is in the cache; what is behind the end need not be asked of the card.
   if (offset == 0 || offset >= copy_.file().size) return copy_.original();
-  if (!rest_) rest_ = copy_.openOriginal(PlatformKit::ReadMode::pastCache);
+  if (!rest_) rest_ = copy_.openPastCache();
   const std::uint64_t behind = offset + resources_.plan.chunkSize;
   if (behind < copy_.file().size) rest_->prefetch(behind, resources_.plan.chunkSize);
   return *rest_;

@@ -17,8 +17,8 @@ int writeWholeFile(FileSystem& fileSystem, const Path& path, const Path& tempora
   auto created = PendingCopy::create(fileSystem, temporary, path);
   if (!created.ok()) return created.error();
   PendingCopy& pending = created.value();
-  int error = writeFully(pending.file(), std::as_bytes(std::span(content)));
-  if (error == 0) error = pending.file().flush();
+  int error = writeFully(*pending.file(), std::as_bytes(std::span(content)));
+  if (error == 0) error = pending.file()->flush();
   pending.close();
   if (error == 0) {
     error = existing == Existing::keep ? pending.commit() : pending.commitReplacing();

@@ -261,10 +261,21 @@ def clear(drives):
         remove(f"{drive}/x.sums")
 
 
+def warm_memory(count):
+    """A virtual machine's host hands out memory when it is first touched, and takes back what has been free for
+    some seconds. Who gets such memory for the page cache runs at a fraction of the speed, so everybody starts
+    with as much that was touched just before."""
+    with open("/proc/meminfo", encoding="ascii") as file:
+        free = int(next(line.split()[1] for line in file if line.startswith("MemFree"))) * 1024
+    touch = f"import mmap; m = mmap.mmap(-1, {min(count, free * 3 // 4)}); m.madvise(14); m.madvise(23)"
+    run([sys.executable, "-c", touch])  # huge pages, populated
+
+
 def measure(offload, program, card, drives, keep=False):
     if not keep:
         clear(drives)
     drop_caches()
+    warm_memory(2 * os.stat(f"{card}.bytes").st_size)
     cpu = children_time()
     start = time.monotonic()
     offload(program, card, drives)
