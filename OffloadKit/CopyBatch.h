@@ -17,6 +17,10 @@ class CopyBatch {
   /// Lets the card fetch the beginning of what this batch reads first. Returns at once.
   virtual void fetch() = 0;
 
+  /// Begins what may be done while the files of the batch before get their final names. Returns at
+  /// once.
+  virtual void begin() {}
+
   /// Finishes file `number` of the batch; to be called for each, in order. `next`: the batch whose
   /// files come next, null at the end; it fetches while the drives are busy with this one. What
   /// goes wrong on one destination becomes that destination's outcome. Throws

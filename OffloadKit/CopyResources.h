@@ -21,6 +21,8 @@ struct CopyResources {
   const OffloadPlan& plan;
   PlatformKit::System system;
   const TemporaryNames& temporaryNames;
+  /// Whether temporary copies of any of the run's files can lie on a drive at the same time.
+  bool namesAreDistinct;
   DestinationHealth& health;
   FolderFlush& folders;
   PlatformKit::WorkerPool& workers;

@@ -54,6 +54,17 @@ TemporaryNames::TemporaryNames(const std::vector<std::string_view>& relativePath
   }
 }
 
+bool TemporaryNames::areDistinct(const std::vector<std::string_view>& relativePaths) const {
+  // Hashes, because the keys themselves would be much memory.
+  std::vector<std::size_t> hashes;
+  hashes.reserve(relativePaths.size());
+  for (const std::string_view path : relativePaths) {
+    hashes.push_back(std::hash<std::string>{}(keyOf(std::string(path))));
+  }
+  std::sort(hashes.begin(), hashes.end());
+  return std::adjacent_find(hashes.begin(), hashes.end()) == hashes.end();
+}
+
 bool TemporaryNames::isTaken(const std::string& relativePath) const {
   return !taken_.empty() && taken_.contains(folded(relativePath));
 }

@@ -45,6 +45,9 @@ class TemporaryNames {
   /// Equal for two files whose temporary copies would be one on a drive that does not tell upper
   /// from lower case, so that the two cannot be on their way at the same time.
   [[nodiscard]] std::string keyOf(const std::string& relativePath) const;
+  /// Whether all these files can be on their way at the same time: no two have one key. May, very
+  /// rarely, say no although they can.
+  [[nodiscard]] bool areDistinct(const std::vector<std::string_view>& relativePaths) const;
 
  private:
   [[nodiscard]] bool isTaken(const std::string& relativePath) const;

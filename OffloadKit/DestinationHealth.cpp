@@ -17,7 +17,7 @@ DestinationHealth::DestinationHealth(PlatformKit::System system,
 
 void DestinationHealth::checkVolume(std::size_t destination) {
   if (places_[destination] && placeOf(destination) != places_[destination]) {
-    givenUp_.emplace(destination, describe(ENODEV));
+    giveUp(destination, describe(ENODEV));
   }
 }
 
@@ -31,16 +31,22 @@ std::optional<DestinationHealth::Place> DestinationHealth::placeOf(std::size_t d
 
 std::string DestinationHealth::contentError(std::size_t destination, int error) {
   std::string sentence = otherError(destination, error);
-  if (endsTheDrive(error)) givenUp_.emplace(destination, sentence);
+  if (endsTheDrive(error)) giveUp(destination, sentence);
   return sentence;
 }
 
 std::string DestinationHealth::otherError(std::size_t destination, int error) {
   if (!isPulled(destination, error)) return describe(error);
-  return givenUp_.emplace(destination, describe(ENODEV)).first->second;
+  return giveUp(destination, describe(ENODEV));
+}
+
+const std::string& DestinationHealth::giveUp(std::size_t destination, std::string sentence) {
+  const std::lock_guard lock(mutex_);
+  return givenUp_.emplace(destination, std::move(sentence)).first->second;
 }
 
 const std::string* DestinationHealth::givenUp(std::size_t destination) const {
+  const std::lock_guard lock(mutex_);
   const auto found = givenUp_.find(destination);
   return found == givenUp_.end() ? nullptr : &found->second;
 }

@@ -4,14 +4,15 @@
 
 #include <cstddef>
 #include <map>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace OffloadKit {
 
-/// Which destinations of a run are still of use, and the sentences for what went wrong on them. One
-/// thread.
+/// Which destinations of a run are still of use, and the sentences for what went wrong on them. Any
+/// thread, but for `errors`.
 ///
 /// A pulled drive seldom says so: Linux answers EIO, EROFS and others while the volume goes on
 /// being listed. Such an error counts as ENODEV once the drive's block device is gone from the
@@ -37,11 +38,13 @@ class DestinationHealth {
   /// The sentence that made the run give the destination up; null while it is of use.
   [[nodiscard]] const std::string* givenUp(std::size_t destination) const;
 
-  /// All destinations given up, with their sentences.
+  /// All destinations given up, with their sentences. Only when no other thread asks or tells.
   [[nodiscard]] const std::map<std::size_t, std::string>& errors() const { return givenUp_; }
 
  private:
   [[nodiscard]] bool isPulled(std::size_t destination, int error) const;
+  /// Answers the sentence of the first reason.
+  const std::string& giveUp(std::size_t destination, std::string sentence);
 
   struct Place {
     PlatformKit::Path folder;  ///< without links
@@ -54,7 +57,8 @@ class DestinationHealth {
   std::vector<PlatformKit::Path> destinations_;
   std::vector<std::optional<PlatformKit::DeviceNumber>> devices_;
   std::vector<std::optional<Place>> places_;
-  std::map<std::size_t, std::string> givenUp_;
+  mutable std::mutex mutex_;
+  std::map<std::size_t, std::string> givenUp_;  // the mutex's; what is in it stays as it is
 };
 
 }  // namespace OffloadKit

@@ -38,8 +38,11 @@ std::size_t groupLength(std::span<const SourceFile> files, const CopyResources& 
   while (count < most && files[count].size <= resources.plan.chunkSize) {
     const std::uint64_t share = resources.pace.shareOf(files[count].size);
     if (share > room) break;
-    const std::string key = resources.temporaryNames.keyOf(files[count].relativePath);
-    if (!temporaryCopies.insert(key).second) break;
+    const std::string& path = files[count].relativePath;
+    if (!resources.namesAreDistinct &&
+        !temporaryCopies.insert(resources.temporaryNames.keyOf(path)).second) {
+      break;
+    }
     room -= share;
     ++count;
   }
@@ -64,8 +67,18 @@ void FileGroup::fetch() {
   fetchRound(0);
 }
 
+void FileGroup::begin() {
+  // Else a temporary copy might be one of those that have yet to get their names.
+  if (!resources_.namesAreDistinct) return;
+  checkVolumes();
+  startChoosing();
+}
+
 OffloadedFile FileGroup::finish(std::size_t number, const CopyProgress& progress, CopyBatch* next) {
-  if (!prepared_) prepare(next);
+  if (!prepared_) {
+    prepare(next);
+    if (next != nullptr) next->begin();
+  }
   Item& item = items_[number];
   if (!failure_.empty()) throw std::runtime_error(failure_);
   resources_.throwIfCancelled();
@@ -108,17 +121,30 @@ void FileGroup::copyAll(CopyBatch* next) {
   resources_.pace.groupDone(share_, resources_.system.clock.now() - started);
 }
 
+void FileGroup::checkVolumes() {
+  for (std::size_t i = 0; i < resources_.plan.destinations.size(); ++i) {
+    resources_.health.checkVolume(i);
+  }
+}
+
+void FileGroup::startChoosing() {
+  choosing_.emplace(resources_.workers.start(resources_.plan.destinations.size(), choose_));
+}
+
+void FileGroup::chooseTargets(std::size_t destination) {
+  KnownFolder folder;
+  for (Item& item : items_) item.copy.chooseTarget(destination, folder);
+}
+
 void FileGroup::chooseAndReadFirst() {
-  const std::size_t destinations = resources_.plan.destinations.size();
-  for (std::size_t i = 0; i < destinations; ++i) resources_.health.checkVolume(i);
-  const auto choose = [&](std::size_t i) {
-    KnownFolder folder;
-    for (Item& item : items_) item.copy.chooseTarget(i, folder);
-  };
-  auto choosing = resources_.workers.start(destinations, choose);
+  if (!choosing_) {
+    checkVolumes();
+    startChoosing();
+  }
   fetchRound(0);
   readRound(0);
-  choosing.wait();
+  choosing_->wait();
+  checkVolumes();
 }
 
 void FileGroup::copyRounds() {

@@ -6,6 +6,7 @@
 #include "OffloadKit/ReadBack.h"
 
 #include <deque>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -33,6 +34,7 @@ class FileGroup final : public CopyBatch {
   FileGroup(std::span<const SourceFile> files, CopyResources& resources);
 
   void fetch() override;
+  void begin() override;
   /// The first call does the work of all.
   OffloadedFile finish(std::size_t number, const CopyProgress& progress, CopyBatch* next) override;
 
@@ -51,6 +53,9 @@ class FileGroup final : public CopyBatch {
 
   void prepare(CopyBatch* next);
   void copyAll(CopyBatch* next);
+  void checkVolumes();
+  void startChoosing();
+  void chooseTargets(std::size_t destination);
   void chooseAndReadFirst();
   /// Reads one round while the drives take the one before.
   void copyRounds();
@@ -71,6 +76,9 @@ class FileGroup final : public CopyBatch {
   std::uint64_t share_ = 0;  // of what GroupPace gives
   bool prepared_ = false;
   std::string failure_;  // of the group as a whole
+  const std::function<void(std::size_t)> choose_ = [this](std::size_t i) { chooseTargets(i); };
+  // Behind everything that it works on, so that it ends first.
+  std::optional<PlatformKit::WorkerPool::Batch> choosing_;
 };
 
 }  // namespace OffloadKit

@@ -35,6 +35,7 @@ FolderFlush::FolderFlush(PlatformKit::System system, std::vector<Path> destinati
     : system_(system),
       destinations_(std::move(destinations)),
       folders_(destinations_.size()),
+      lastFolders_(destinations_.size()),
       resumed_(destinations_.size(), false) {}
 
 FolderFlush::~FolderFlush() {
@@ -43,6 +44,11 @@ FolderFlush::~FolderFlush() {
 
 void FolderFlush::verified(std::size_t destination, const Path& final, bool resumed) {
   if (resumed) resumed_[destination] = true;
+  const std::string& name = final.native();
+  const std::string_view parent = std::string_view(name).substr(0, name.rfind('/'));
+  // Files of one folder come one after the other.
+  if (parent == lastFolders_[destination]) return;
+  lastFolders_[destination] = parent;
   std::set<Path>& folders = folders_[destination];
   Path folder = final.parent_path();
   while (folders.insert(folder).second && folder != destinations_[destination] &&
@@ -89,6 +95,7 @@ std::vector<FolderFlush::Unflushed> FolderFlush::flushDestination(std::size_t de
     }
   }
   folders_[destination].clear();
+  lastFolders_[destination].clear();
   resumed_[destination] = false;
   return unflushed;
 }

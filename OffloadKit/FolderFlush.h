@@ -6,6 +6,7 @@
 
 #include <map>
 #include <set>
+#include <string>
 #include <vector>
 
 namespace OffloadKit {
@@ -42,6 +43,7 @@ class FolderFlush {
   PlatformKit::System system_;
   std::vector<PlatformKit::Path> destinations_;
   std::vector<std::set<PlatformKit::Path>> folders_;
+  std::vector<std::string> lastFolders_;  // of the copy verified last
   std::vector<bool> resumed_;
 };
 

@@ -97,7 +97,8 @@ void OffloadRun::countWork() {
 }
 
 void OffloadRun::copyFiles() {
-  const TemporaryNames temporaryNames(relativePathsOf(files_));
+  const auto paths = relativePathsOf(files_);
+  const TemporaryNames temporaryNames(paths);
   DestinationHealth health(system_, plan_.destinations);
   FolderFlush folders(system_, plan_.destinations);
   const std::size_t destinations = plan_.destinations.size();
@@ -109,9 +110,19 @@ void OffloadRun::copyFiles() {
   PlatformKit::AlignedBuffer transferBuffer(plan_.chunkSize);
   std::vector<PlatformKit::AlignedBuffer> readBackBuffers;
   for (std::size_t i = 0; i <= destinations; ++i) readBackBuffers.emplace_back(plan_.chunkSize);
-  CopyResources resources{plan_,          system_,         temporaryNames,  health,
-                          folders,        workers,         originalReaders, pace,
-                          transferBuffer, readBackBuffers, isCancelled_,    afterWrite_};
+  CopyResources resources{plan_,
+                          system_,
+                          temporaryNames,
+                          temporaryNames.areDistinct(paths),
+                          health,
+                          folders,
+                          workers,
+                          originalReaders,
+                          pace,
+                          transferBuffer,
+                          readBackBuffers,
+                          isCancelled_,
+                          afterWrite_};
 
   result_.files.reserve(files_.size());
   drives_.resize(plan_.destinations.size());

@@ -46,14 +46,15 @@ WorkerPool::Batch WorkerPool::startJob(std::size_t count, Job job) {
 }
 
 void WorkerPool::Batch::wait() {
-  std::unique_lock lock(pool_.mutex_);
-  pool_.batchDone_.wait(lock, [this] { return pool_.unfinished_ == 0; });
-  if (pool_.thrown_) std::rethrow_exception(std::exchange(pool_.thrown_, nullptr));
+  std::unique_lock lock(pool_->mutex_);
+  pool_->batchDone_.wait(lock, [this] { return pool_->unfinished_ == 0; });
+  if (pool_->thrown_) std::rethrow_exception(std::exchange(pool_->thrown_, nullptr));
 }
 
 WorkerPool::Batch::~Batch() {
-  std::unique_lock lock(pool_.mutex_);
-  pool_.batchDone_.wait(lock, [this] { return pool_.unfinished_ == 0; });
+  if (pool_ == nullptr) return;
+  std::unique_lock lock(pool_->mutex_);
+  pool_->batchDone_.wait(lock, [this] { return pool_->unfinished_ == 0; });
 }
 
 void WorkerPool::work() {

@@ -6,6 +6,7 @@
 #include <mutex>
 #include <optional>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace PlatformKit {
@@ -36,16 +37,16 @@ class WorkerPool {
   class [[nodiscard]] Batch {
    public:
     ~Batch();
-    Batch(const Batch&) = delete;
-    Batch& operator=(const Batch&) = delete;
+    Batch(Batch&& other) noexcept : pool_(std::exchange(other.pool_, nullptr)) {}
+    Batch& operator=(Batch&&) = delete;
     /// Returns when every job is done; everything the jobs wrote is then visible to the caller. Throws
     /// the first exception that a job threw, once.
     void wait();
 
    private:
     friend class WorkerPool;
-    explicit Batch(WorkerPool& pool) : pool_(pool) {}
-    WorkerPool& pool_;
+    explicit Batch(WorkerPool& pool) : pool_(&pool) {}
+    WorkerPool* pool_;  // null once moved away
   };
 
   /// As `parallelFor`, but returns at once. `job` must live until the batch is joined, and no other
