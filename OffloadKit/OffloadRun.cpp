@@ -110,19 +110,11 @@ void OffloadRun::copyFiles() {
   PlatformKit::AlignedBuffer transferBuffer(plan_.chunkSize);
   std::vector<PlatformKit::AlignedBuffer> readBackBuffers;
   for (std::size_t i = 0; i <= destinations; ++i) readBackBuffers.emplace_back(plan_.chunkSize);
-  CopyResources resources{plan_,
-                          system_,
-                          temporaryNames,
-                          temporaryNames.areDistinct(paths),
-                          health,
-                          folders,
-                          workers,
-                          originalReaders,
-                          pace,
-                          transferBuffer,
-                          readBackBuffers,
-                          isCancelled_,
-                          afterWrite_};
+  CopyResources resources{
+      plan_,      system_,        temporaryNames,  temporaryNames.areDistinct(paths),
+      health,     folders,        workers,         originalReaders,
+      pace,       transferBuffer, readBackBuffers, isCancelled_,
+      afterWrite_};
 
   result_.files.reserve(files_.size());
   drives_.resize(plan_.destinations.size());

@@ -21,18 +21,27 @@ bool isInside(const Path& path, const Path& folder) {
          folder.end();
 }
 
-// `isNew`: there is no such folder yet, so that no file needs to be looked for.
-std::uint64_t bytesNeeded(PlatformKit::FileSystem& fileSystem, const OffloadPlan& plan,
-                          const Path& destination, bool isNew,
-                          const std::vector<SourceFile>& files) {
+std::uint64_t sumOrLargest(std::uint64_t one, std::uint64_t other) {
+  return one + std::min(other, ~one);
+}
+
+// Of what the plan sends there: the files, if `isWanted` says so, and the card's image.
+template <class IsWanted>
+std::uint64_t bytesNeeded(const OffloadPlan& plan, const Path& destination,
+                          const std::vector<SourceFile>& files, const IsWanted& isWanted) {
   std::uint64_t needed = 0;
   for (const SourceFile& file : files) {
-    if (isNew || !alreadyThere(fileSystem, file, destination)) needed += file.size;
+    if (isWanted(file)) needed = sumOrLargest(needed, file.size);
   }
   const auto first = std::find(plan.destinations.begin(), plan.destinations.end(), destination);
   const auto index = static_cast<std::size_t>(first - plan.destinations.begin());
-  if (plan.cardImage && plan.cardImage->destinationIndex == index) needed += plan.cardImage->size;
-  return needed;
+  const bool getsImage = plan.cardImage && plan.cardImage->destinationIndex == index;
+  return getsImage ? sumOrLargest(needed, plan.cardImage->size) : needed;
+}
+
+bool fits(std::uint64_t needed, std::uint64_t available) {
+  // Subtracting instead of adding: needed can come close to the largest number.
+  return available >= kSpaceMargin && available - kSpaceMargin >= needed;
 }
 
 }  // namespace
@@ -55,14 +64,16 @@ void preflight(PlatformKit::System system, const OffloadPlan& plan,
     if (onTheCard || isInside(resolved(system.fileSystem, existing), source)) {
       throw OffloadError::destinationOnSource(name);
     }
-    const std::uint64_t needed =
-        bytesNeeded(system.fileSystem, plan, destination, existing != destination, files);
     const std::uint64_t available =
         std::max(drive.availableForImportantUse.value_or(0), drive.available.value_or(0));
-    // Subtracting instead of adding: needed can come close to the largest number.
-    if (available < kSpaceMargin || available - kSpaceMargin < needed) {
-      throw OffloadError::notEnoughSpace(name, needed, available);
-    }
+    // The drive is asked for each file only if not all of them fit.
+    const auto all = [](const SourceFile&) { return true; };
+    if (fits(bytesNeeded(plan, destination, files, all), available)) continue;
+    const bool isNew = existing != destination;
+    const std::uint64_t needed = bytesNeeded(plan, destination, files, [&](const SourceFile& file) {
+      return isNew || !alreadyThere(system.fileSystem, file, destination);
+    });
+    if (!fits(needed, available)) throw OffloadError::notEnoughSpace(name, needed, available);
   }
 }
 
