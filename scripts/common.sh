@@ -21,6 +21,8 @@ package_packages=(debhelper dpkg-dev)
 package_test_packages=(lintian desktop-file-utils appstream mmdebstrap)
 test_packages=(
   libgtest-dev libgmock-dev
+  # Benchmarks are built with the tests, so that they go on building.
+  libbenchmark-dev libxxhash-dev
   # Real faults, real disks and the services of a desktop; a test whose package is missing says so
   # and is skipped.
   libfuse3-dev fuse3 e2fsprogs fdisk mount libxml2-utils

@@ -3,6 +3,7 @@
 #include "PlatformKit/Volumes.h"
 
 #include <map>
+#include <mutex>
 #include <set>
 
 namespace PlatformKit::Testing {
@@ -15,7 +16,15 @@ class FakeVolumes final : public Volumes {
   /// From now on `root` and everything below it lies on a volume with these facts.
   void lay(const Path& root, VolumeFacts facts) { laid_[root] = std::move(facts); }
   /// From now on this device is gone.
-  void pull(DeviceNumber device) { gone_.insert(device); }
+  void pull(DeviceNumber device) {
+    const std::lock_guard lock(mutex_);
+    gone_.insert(device);
+  }
+  /// It is back.
+  void plugIn(DeviceNumber device) {
+    const std::lock_guard lock(mutex_);
+    gone_.erase(device);
+  }
 
   [[nodiscard]] VolumeFacts facts(const Path& existing) override {
     for (Path path = existing; path.has_relative_path(); path = path.parent_path()) {
@@ -24,11 +33,15 @@ class FakeVolumes final : public Volumes {
     }
     return real_.facts(existing);
   }
-  [[nodiscard]] bool isGone(DeviceNumber device) override { return gone_.contains(device); }
+  [[nodiscard]] bool isGone(DeviceNumber device) override {
+    const std::lock_guard lock(mutex_);
+    return gone_.contains(device);
+  }
 
  private:
   Volumes& real_;
   std::map<Path, VolumeFacts> laid_;
+  std::mutex mutex_;
   std::set<DeviceNumber> gone_;
 };
 

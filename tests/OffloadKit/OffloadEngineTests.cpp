@@ -1,9 +1,11 @@
 #include "OffloadKit/OffloadEngine.h"
+#include "PlatformKit/Unicode.h"
 #include "tests/OffloadKit/OffloadFixture.h"
 
 #include <atomic>
 #include <cerrno>
 #include <fstream>
+#include <thread>
 
 #include <sys/stat.h>
 
@@ -362,6 +364,46 @@ TEST_F(Offload, copiesGroupsLongerThanTheBufferAndMissesOnlyWhatCannotBeRead) {
             "The card couldn't be read: M2: Input/output error");
   fileSystem_.setScript({});
   EXPECT_TRUE(run(plan(1)).allVerified());
+  expectIdentical(1);
+}
+
+TEST_F(Offload, stopsWhileTheNextGroupHasBegun) {
+  for (char name = 'a'; name <= 'z'; ++name) addFile(std::string(1, name), pattern(20'000));
+  std::atomic<bool> nextHasBegun = false;
+  fileSystem_.setScript([&](const CallInfo& info) {
+    if (info.call == Call::createFile && info.path.filename() == ".d.zmpart") nextHasBegun = true;
+    return Intervention{};
+  });
+  OffloadEngine engine(system_, rawDeviceAccess_);
+  const auto stop = [&](const OffloadProgress& progress) {
+    if (progress.filesDone != 1) return;
+    while (!nextHasBegun) std::this_thread::yield();
+    engine.cancel();
+  };
+  EXPECT_EQ(offloadErrorOf([&] { engine.run(plan(), stop); }), "The offload was stopped.");
+  expectNothingPending();
+  EXPECT_EQ(copiedTree(1), std::vector<std::string>{"a"});
+  EXPECT_TRUE(run(plan()).allVerified());
+}
+
+// On a drive that does not tell them apart, one's temporary copy would take the place of the other's.
+TEST_F(Offload, hasNoTwoCopiesOnTheirWayWhoseNamesDifferInCaseOnly) {
+  for (const std::string name : {"a", "b", "c", "d", "e", "f", "g", "h"}) {
+    addFile(name, pattern(1000));
+    addFile(PlatformKit::upperCase(name), pattern(1000));
+  }
+  std::atomic<int> both = 0;
+  fileSystem_.setScript([&](const CallInfo& info) {
+    const std::string name = info.path.filename();
+    if (info.call != Call::createFile || !name.ends_with(".zmpart") || name.size() != 9)
+      return Intervention{};
+    std::string other = name;
+    other[1] = static_cast<char>(other[1] ^ 0x20);
+    if (std::filesystem::exists(info.path.parent_path() / other)) ++both;
+    return Intervention{};
+  });
+  EXPECT_TRUE(run(plan()).allVerified());
+  EXPECT_EQ(both, 0);
   expectIdentical(1);
 }
 

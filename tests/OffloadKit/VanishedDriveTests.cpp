@@ -55,6 +55,27 @@ TEST_F(VanishedDrive, isGivenUpWhateverTheKernelCallsItAndWheneverItGoes) {
     }
 }
 
+// The copies of the next files are made while these get their names.
+TEST_F(VanishedDrive, isGivenUpWhileTheNextGroupHasBegun) {
+  for (char name = 'a'; name <= 'z'; ++name) addFile(std::string(1, name), pattern(20'000));
+  for (const Call call : {Call::move, Call::createFile}) {
+    for (int number = 1; number <= 2; ++number) std::filesystem::remove_all(copies(number));
+    pullAt(call, EIO);
+    const auto result = run(plan());
+    ASSERT_TRUE(gone_);
+    EXPECT_EQ(result.verifiedCount(0), 26U);
+    EXPECT_EQ(result.verifiedCount(1), call == Call::move ? 1U : 0U);
+    for (std::size_t i = 1; i < result.files.size(); ++i) {
+      EXPECT_EQ(result.files[i].outcomes[1], Outcome::failed("The drive was disconnected"));
+    }
+    fileSystem_.setScript({});
+    volumes_.plugIn(device(2));
+    EXPECT_TRUE(run(plan()).allVerified());
+    expectIdentical(2);
+    expectNothingPending();
+  }
+}
+
 TEST_F(VanishedDrive, isGivenUpWhenItGoesDuringTheReadBack) {
   addThreeFiles(false);
   pullAt(Call::openForReading, EIO);
