@@ -27,7 +27,7 @@ std::size_t groupLength(std::span<const SourceFile> files, const CopyResources& 
 ///
 /// What can be seen from outside is as if one file had been copied after the other (see
 /// StreamedCopy), with the calls of progress, of `isCancelled` and the final names in the order of
-/// the files. Used once, on the run's thread.
+/// the files; only temporary copies are made earlier. Used once, on the run's thread.
 class FileGroup final : public CopyBatch {
  public:
   /// `files`: as many as groupLength says; they outlive the group.
