@@ -70,7 +70,6 @@ void FileGroup::fetch() {
 void FileGroup::begin() {
   // Else a temporary copy might be one of those that have yet to get their names.
   if (!resources_.namesAreDistinct) return;
-  checkVolumes();
   startChoosing();
 }
 
@@ -121,14 +120,10 @@ void FileGroup::copyAll(CopyBatch* next) {
   resources_.pace.groupDone(share_, resources_.system.clock.now() - started);
 }
 
-void FileGroup::checkVolumes() {
-  for (std::size_t i = 0; i < resources_.plan.destinations.size(); ++i) {
-    resources_.health.checkVolume(i);
-  }
-}
-
 void FileGroup::startChoosing() {
-  choosing_.emplace(resources_.workers.start(resources_.plan.destinations.size(), choose_));
+  const std::size_t destinations = resources_.plan.destinations.size();
+  for (std::size_t i = 0; i < destinations; ++i) resources_.health.checkVolume(i);
+  choosing_.emplace(resources_.workers.start(destinations, choose_));
 }
 
 void FileGroup::chooseTargets(std::size_t destination) {
@@ -137,14 +132,10 @@ void FileGroup::chooseTargets(std::size_t destination) {
 }
 
 void FileGroup::chooseAndReadFirst() {
-  if (!choosing_) {
-    checkVolumes();
-    startChoosing();
-  }
+  if (!choosing_) startChoosing();
   fetchRound(0);
   readRound(0);
   choosing_->wait();
-  checkVolumes();
 }
 
 void FileGroup::copyRounds() {
@@ -186,18 +177,24 @@ void FileGroup::read(Item& item) {
 void FileGroup::readOriginal(Item& item) {
   PlatformKit::ReadableFile& source = item.copy.original();
   const std::uint64_t size = item.copy.file().size;
-  const auto count =
-      readFully(source, item.memory.first(lengthToAsk(0, item.memory.size(), size)), 0);
+  const std::size_t asked = lengthToAsk(0, item.memory.size(), size);
+  const auto count = readFully(source, item.memory.first(asked), 0);
   if (!count.ok()) item.copy.sourceUnreadable(count.error());
   item.bytesRead = count.value();
-  std::array<std::byte, 1> beyond{};
-  const auto more = source.readAt(beyond, item.bytesRead);
-  if (!more.ok()) item.copy.sourceUnreadable(more.error());
-  if (item.bytesRead != size || more.value() != 0) item.copy.sourceChangedSize();
+  if (item.bytesRead != size) item.copy.sourceChangedSize();
+  // Where there was room for more, the end was seen.
+  if (item.bytesRead == asked) checkThatItEnds(item);
   source.discard(0, item.bytesRead);
   const auto hasher = makeHasher(resources_.plan.algorithm);
   hasher->update(item.content());
   item.hash = hasher->finalize();
+}
+
+void FileGroup::checkThatItEnds(Item& item) {
+  std::array<std::byte, 1> beyond{};
+  const auto more = item.copy.original().readAt(beyond, item.bytesRead);
+  if (!more.ok()) item.copy.sourceUnreadable(more.error());
+  if (more.value() != 0) item.copy.sourceChangedSize();
 }
 
 void FileGroup::writeRound(std::size_t round, std::size_t destination) {

@@ -53,7 +53,6 @@ class FileGroup final : public CopyBatch {
 
   void prepare(CopyBatch* next);
   void copyAll(CopyBatch* next);
-  void checkVolumes();
   void startChoosing();
   void chooseTargets(std::size_t destination);
   void chooseAndReadFirst();
@@ -64,6 +63,7 @@ class FileGroup final : public CopyBatch {
   /// Reads and hashes one; any thread.
   void read(Item& item);
   void readOriginal(Item& item);
+  void checkThatItEnds(Item& item);
   void writeRound(std::size_t round, std::size_t destination);
   void flush(CopyBatch* next);
   void settle();
