@@ -49,10 +49,8 @@ std::optional<std::uint64_t> FileDigest::takePiece() {
   // Opened by the first worker rather than by the constructor: the files of a read-back are opened
   // in parallel.
   if (!opened_) open();
-  if (!ended_) return nextPiece_++;
-  // Closed by the last worker, in parallel too.
-  if (turn_ == nextPiece_) file_.reset();
-  return std::nullopt;
+  if (ended_) return std::nullopt;
+  return nextPiece_++;
 }
 
 void FileDigest::open() {

@@ -19,6 +19,9 @@ namespace OffloadKit {
 /// number of threads that call `work`. Each takes the next piece of the file, reads it and hashes
 /// it when the pieces before are hashed; so with two threads the drive reads one piece while the
 /// processor hashes the other.
+///
+/// The file stays open as long as this object lives. So no other file can get its identity before a
+/// copy that was read back has its final name.
 class FileDigest {
  public:
   static constexpr std::uint64_t unknownSize = ~std::uint64_t{0};
