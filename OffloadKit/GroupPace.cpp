@@ -8,7 +8,7 @@ namespace {
 constexpr std::uint64_t kMostBuffers = 8;
 constexpr std::uint64_t kLeastPart = 8;
 // What a file costs besides its bytes, in such parts of the transfer buffer.
-constexpr std::uint64_t kFilesPerBuffer = 256;
+constexpr std::uint64_t kFilesPerBuffer = 128;
 
 constexpr std::chrono::duration<double> kShort(0.25);
 constexpr std::chrono::duration<double> kLong(1);

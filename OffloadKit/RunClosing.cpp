@@ -14,11 +14,11 @@ namespace {
 
 // A record that cannot be written must not spoil a verified offload; the result shows it missing.
 template <class Write>
-std::optional<PlatformKit::Path> unlessItFails(Write write) {
+void addUnlessItFails(std::vector<PlatformKit::Path>& list, Write write) {
   try {
-    return write();
+    list.push_back(write());
   } catch (const std::exception&) {
-    return std::nullopt;
+    return;
   }
 }
 
@@ -56,22 +56,11 @@ std::optional<CardImageResult> RunClosing::writeCardImage(
                            [&](double bytes) { progress(name, bytes); });
 }
 
-void RunClosing::writeRecords(OffloadResult& result) {
-  struct Records {
-    std::optional<PlatformKit::Path> report;
-    std::optional<PlatformKit::Path> hashList;
-  };
-  std::vector<Records> written(plan_.destinations.size());
-  // The report first, as the list of the same drive has its hash.
-  const auto write = [&](std::size_t i) {
-    if (result.verifiedCount(i) == 0 || isDisconnected(result, i)) return;
-    written[i].report = unlessItFails([&] { return OffloadReport::write(system_, result, i); });
-    written[i].hashList = unlessItFails([&] { return writeHashList(result, i); });
-  };
-  writers_.parallelFor(written.size(), write);
-  for (Records& records : written) {
-    if (records.report) result.reports.push_back(std::move(*records.report));
-    if (records.hashList) result.mhlFiles.push_back(std::move(*records.hashList));
+void RunClosing::writeRecords(OffloadResult& result) const {
+  for (std::size_t i = 0; i < plan_.destinations.size(); ++i) {
+    if (result.verifiedCount(i) == 0 || isDisconnected(result, i)) continue;
+    addUnlessItFails(result.reports, [&] { return OffloadReport::write(system_, result, i); });
+    addUnlessItFails(result.mhlFiles, [&] { return writeHashList(result, i); });
   }
 }
 

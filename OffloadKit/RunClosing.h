@@ -5,7 +5,6 @@
 #include "OffloadKit/OffloadPlan.h"
 #include "OffloadKit/OffloadResult.h"
 #include "PlatformKit/System.h"
-#include "PlatformKit/WorkerPool.h"
 
 #include <functional>
 #include <memory>
@@ -19,11 +18,10 @@ namespace OffloadKit {
 /// one thread.
 class RunClosing {
  public:
-  /// The arguments outlive this object. Throws std::system_error when the system gives no more
-  /// threads.
+  /// The arguments outlive this object.
   RunClosing(const OffloadPlan& plan, PlatformKit::System system,
              const DeviceKit::RawDeviceAccess& rawDevices)
-      : plan_(plan), system_(system), rawDevices_(rawDevices), writers_(plan.destinations.size()) {}
+      : plan_(plan), system_(system), rawDevices_(rawDevices) {}
 
   /// Opens the card's device when the plan wants an image. Done before any file is copied, so that
   /// a system's question for a password comes at the start. Throws
@@ -42,7 +40,7 @@ class RunClosing {
 
   /// Writes the report and then the hash list, which lists the report, on every destination with a
   /// verified file, and adds them to the result. One that cannot be written is missing there.
-  void writeRecords(OffloadResult& result);
+  void writeRecords(OffloadResult& result) const;
 
  private:
   [[nodiscard]] PlatformKit::Path writeHashList(const OffloadResult& result,
@@ -52,8 +50,6 @@ class RunClosing {
   PlatformKit::System system_;
   const DeviceKit::RawDeviceAccess& rawDevices_;
   std::unique_ptr<DeviceKit::ByteSource> card_;
-  // One per destination; made at the start, as nothing may fail at the end.
-  PlatformKit::WorkerPool writers_;
 };
 
 }  // namespace OffloadKit

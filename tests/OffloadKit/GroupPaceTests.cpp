@@ -27,7 +27,7 @@ TEST(GroupPace, growsWhileFullGroupsAreQuickAndShrinksWhenTheyAreLate) {
 TEST(GroupPace, countsFilesByMoreThanTheirBytes) {
   const GroupPace pace(kBuffer);
   EXPECT_EQ(pace.shareOf(kBuffer), kBuffer);
-  EXPECT_EQ(kBuffer / pace.shareOf(0), 256U);
+  EXPECT_EQ(kBuffer / pace.shareOf(0), 128U);
 }
 
 }  // namespace
