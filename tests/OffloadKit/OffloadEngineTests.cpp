@@ -384,10 +384,13 @@ TEST_F(Offload, stopsWhileTheNextGroupHasBegun) {
   OffloadEngine engine(system_, rawDeviceAccess_);
   const auto stop = [&](const OffloadProgress& progress) {
     if (progress.filesDone != 1) return;
-    while (!nextHasBegun) std::this_thread::yield();
+    for (int i = 0; i < 5000 && !nextHasBegun; ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
     engine.cancel();
   };
   EXPECT_EQ(offloadErrorOf([&] { engine.run(plan(), stop); }), "The offload was stopped.");
+  EXPECT_TRUE(nextHasBegun);
   expectNothingPending();
   EXPECT_EQ(copiedTree(1), std::vector<std::string>{"a"});
   EXPECT_TRUE(run(plan()).allVerified());
