@@ -52,7 +52,9 @@ class Imaging {
     const std::string hash = copyDevice(*image.file());
     check(image.file()->flush());
     image.close();
-    compare(temporary, hash);
+    // Lives until the image has its name; see there.
+    FileDigest digest(system_.fileSystem, temporary, algorithm_);
+    compare(digest, hash);
     check(image.commit());
     makeNameDurable(folder, final);
     return hash;
@@ -110,8 +112,7 @@ class Imaging {
     }
   }
 
-  void compare(const Path& temporary, const std::string& hash) {
-    FileDigest digest(system_.fileSystem, temporary, algorithm_);
+  void compare(FileDigest& digest, const std::string& hash) {
     AlignedBuffer pieces[] = {AlignedBuffer(chunkSize_), AlignedBuffer(chunkSize_)};
     workers_.parallelFor(2, [&](std::size_t job) { digest.work(pieces[job].bytes()); });
     progress_(static_cast<double>(done_));

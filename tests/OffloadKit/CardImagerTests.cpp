@@ -113,6 +113,17 @@ TEST_F(Imager, neverReplacesAnImageAndClearsALeftover) {
   expectNothingPending();
 }
 
+TEST_F(Imager, neverTakesSomebodyElsesFileForItsImage) {
+  rawDevices_.add("/dev/card", pattern(2 * kChunk));
+  fileSystem_.setScript([&](const CallInfo& info) {
+    const bool isImage = info.path.filename() == ".card.img.zmpart";
+    if (isImage && info.call == Call::status) replaceFile(info.path);
+    return Intervention{};
+  });
+  EXPECT_FALSE(imageOf("/dev/card").outcome.isVerified());
+  EXPECT_FALSE(std::filesystem::exists(image_));
+}
+
 TEST_F(Imager, failsWithASentenceWhateverTheDriveDoes) {
   rawDevices_.add("/dev/card", pattern(4 * kChunk));
   const std::tuple<Call, int, const char*> faults[] = {

@@ -26,6 +26,16 @@ void OffloadFixture::setRoom(int number, std::uint64_t bytes) {
   volumes_.lay(drive(number), facts);
 }
 
+void OffloadFixture::replaceFile(const Path& file) {
+  const auto number = linux_.status(file).value().identity;
+  std::filesystem::remove(file);
+  writeFile(file, pattern(1000, 2));
+  for (int i = 0; i < 50 && linux_.status(file).value().identity != number; ++i) {
+    std::filesystem::rename(file, folder_.path() / ("kept" + std::to_string(i)));
+    writeFile(file, pattern(1000, 2));
+  }
+}
+
 void OffloadFixture::addFile(const std::string& relativePath, const std::string& content) {
   writeFile(card_ / relativePath, content);
   const Date modified(std::chrono::seconds(1'790'000'000) + std::chrono::milliseconds(250));

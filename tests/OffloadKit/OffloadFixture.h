@@ -44,6 +44,10 @@ class OffloadFixture : public ::testing::Test {
   /// Runs the plan in a new engine.
   OffloadResult run(const OffloadPlan& plan);
 
+  /// Puts another file, of 1,000 bytes, in the place of one; if the file system gives the old one's
+  /// number away, one with that number.
+  void replaceFile(const Path& file);
+
   /// Every file of the card lies on the drive, byte for byte and with its date, and nothing else
   /// but the records of runs.
   void expectIdentical(int number) const;
