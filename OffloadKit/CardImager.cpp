@@ -52,7 +52,7 @@ class Imaging {
     const std::string hash = copyDevice(*image.file());
     check(image.file()->flush());
     image.close();
-    // Lives until the image has its name; see there.
+    // Keeps the file open until it has its name, so that no other gets its identity.
     FileDigest digest(system_.fileSystem, temporary, algorithm_);
     compare(digest, hash);
     check(image.commit());
