@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
-"""peers.py ZEPHRIMARK [--case NAME]... [--place NAME]... [--rounds N] [--scale F]
+"""peers.py ZEPHRIMARK [--quick] [--case NAME]... [--place NAME]... [--rounds N] [--scale F]
 
 Offloads the same card to two drives with the command line and with what people use instead, in turn,
 and prints medians and ratios. Everybody gives the same guarantee: two copies, flushed, both read back
-from their drives (caches dropped first), the card read twice and compared. Needs root, because caches
+from their drives (caches dropped first), the card read twice and compared. The limit is what nobody can
+be faster than: see limit.py. Needs root, because caches
 are dropped and drives are mounted; everything is mounted in a private namespace. Only ratios of one
 run mean anything.
 """
@@ -11,7 +12,7 @@ run mean anything.
 import argparse
 import contextlib
 import ctypes
-import mmap
+import math
 import os
 import resource
 import shutil
@@ -19,18 +20,20 @@ import statistics
 import subprocess
 import sys
 import tempfile
-import threading
 import time
+
+from limit import Limit
 
 MIB = 1 << 20
 NOISE = os.urandom(4 * MIB)
-REQUEST = 4 * MIB  # bytes
 CASES = {  # name: (files, bytes of each)
     "large": (4, 512 * MIB),
     "medium": (2000, 1 * MIB),
     "small": (20000, 10 * 1024),
 }
 SLOW_DRIVE = 80 * MIB  # bytes a second of the throttled drive
+DRIVE = 5  # gigabytes, for every case at full scale
+QUICK = {"scale": 0.125, "rounds": 1, "place": ["disk", "loops", "tmpfs"], "case": ["large", "small"]}
 ANSWER = 4000  # microseconds that a drive behind USB takes for each request
 
 
@@ -73,9 +76,10 @@ def make_file(path, size, number=0):
 class Places:
     """Where the card and the drives are."""
 
-    def __init__(self, root, stack):
+    def __init__(self, root, stack, scale):
         self.root = root
         self.stack = stack
+        self.gigabytes = math.ceil(DRIVE * scale)  # of each loop drive
 
     def folder(self, name):
         path = f"{self.root}/{name}"
@@ -101,12 +105,13 @@ class Places:
         os.close(rules)
         return backing, point
 
-    def loop(self, name, gigabytes, limit=None, late=None):
+    def loop(self, name, limit=None, late=None):
         image = f"{self.root}/{name}.img"
         self.stack.callback(remove, image)
         # Written, not only reserved: the first write to a reserved block costs more, and whoever runs first
         # would pay for all.
-        run(["dd", "status=none", "if=/dev/zero", f"of={image}", "bs=8M", f"count={gigabytes * 128}", "oflag=direct"])
+        run(["dd", "status=none", "if=/dev/zero", f"of={image}", "bs=8M", f"count={self.gigabytes * 128}",
+             "oflag=direct"])
         if late:
             backing, point = self.late(name, late)
             os.rename(image, f"{backing}/image")
@@ -144,15 +149,15 @@ def disk(places, _options):
 
 
 def loops(places, _options):
-    return places.folder("card"), places.loop("a", 5), places.loop("b", 5)
+    return places.folder("card"), places.loop("a"), places.loop("b")
 
 
 def throttled(places, _options):
-    return places.folder("card"), places.loop("a", 5), places.loop("b", 5, limit=SLOW_DRIVE)
+    return places.folder("card"), places.loop("a"), places.loop("b", limit=SLOW_DRIVE)
 
 
 def latency(places, options):
-    return [places.loop(name, 5, late=options.fault_fs) for name in ("card", "a", "b")]
+    return [places.loop(name, late=options.fault_fs) for name in ("card", "a", "b")]
 
 
 def memory(places, _options):
@@ -210,46 +215,6 @@ PEERS = {
 }
 
 
-def transfer(path, flags, step, total):
-    """All of a file past the cache, in long requests, two at a time."""
-    file = os.open(path, flags | os.O_DIRECT, 0o644)
-
-    def work(first):
-        block = mmap.mmap(-1, REQUEST)
-        for word in range(0, REQUEST, 4096):
-            block[word : word + 8] = (first + word).to_bytes(8, "little")
-        for offset in range(first * REQUEST, total, 2 * REQUEST):
-            step(file, [block], offset)
-
-    together([lambda first=first: work(first) for first in range(2)])
-    if step is os.pwritev:
-        os.fsync(file)
-    os.close(file)
-
-
-def together(works):
-    threads = [threading.Thread(target=work) for work in works]
-    for thread in threads:
-        thread.start()
-    for thread in threads:
-        thread.join()
-
-
-def hardware(_program, card, drives):
-    """What the drives alone need for as many bytes: the card read while both copies are written, then all
-    three read, one long file each."""
-    original = f"{card}.bytes"
-    total = os.stat(original).st_size
-    copies = [f"{drive}/limit" for drive in drives]
-    read = [lambda path=path: transfer(path, os.O_RDONLY, os.preadv, total) for path in [original, *copies]]
-    create = os.O_WRONLY | os.O_CREAT
-    write = [lambda path=path: transfer(path, create, os.pwritev, total) for path in copies]
-    together([read[0], *write])
-    together(read)
-    for copy in copies:
-        os.remove(copy)
-
-
 def children_time():
     usage = resource.getrusage(resource.RUSAGE_CHILDREN)
     return usage.ru_utime + usage.ru_stime
@@ -272,34 +237,42 @@ def warm_memory(count):
     run([sys.executable, "-c", f"import mmap; {memory}; m.madvise(mmap.MADV_HUGEPAGE); m.madvise({populate})"])
 
 
-def measure(offload, program, card, drives, keep=False):
+def prepare(card, drives, keep=False):
+    """Everybody starts like this."""
     if not keep:
         clear(drives)
     drop_caches()
     warm_memory(2 * os.stat(f"{card}.bytes").st_size)
+
+
+def measure(offload, program, card, drives, keep=False):
+    prepare(card, drives, keep)
     cpu = children_time()
     start = time.monotonic()
     offload(program, card, drives)
     return time.monotonic() - start, children_time() - cpu
 
 
-RUNS = {"ours": ours, **PEERS, "drives alone": hardware}
+RUNS = {"ours": ours, **PEERS, "limit": None}
 
 
-def rounds_of(program, card, drives, rounds):
+def rounds_of(limit, card, drives, options):
     """For each kind of run its seconds and its processor seconds, one of each a round."""
     seconds = {name: [] for name in [*RUNS, "resumed", "resumed, read once", "xxhsum"]}
     processor = {name: [] for name in seconds}
 
     def note(name, offload, keep=False):
-        used = measure(offload, program, card, drives, keep)
+        used = measure(offload, options.program, card, drives, keep)
         seconds[name].append(used[0])
         processor[name].append(used[1])
 
     names = list(RUNS)
-    for number in range(rounds):
+    for number in range(options.rounds):
         # Turned each round, so that nobody always runs behind the same one.
         for name in names[number % len(names) :] + names[: number % len(names)]:
+            if name == "limit":
+                seconds[name].append(limit.run(card, drives, lambda: prepare(card, drives)))
+                continue
             note(name, RUNS[name])
             if name == "ours":
                 note("resumed", ours, keep=True)
@@ -313,6 +286,23 @@ def ratio(times, peers):
     return statistics.median(mine / min(others) for mine, *others in zip(times, *peers))
 
 
+HEADINGS = ["time/peer", "time/limit", "cpu/peer", "resumed/xxhsum", "read once/xxhsum"]
+
+
+def print_headings(options):
+    if options.quick:
+        print("A rough figure from a small card and one round: ./run benchmark measures.")
+    print(f"{'place':<9} {'case':<6} {'files':>5}   {'bytes each':>11}  " + "  ".join(HEADINGS))
+
+
+def print_figures(place, case, sizes, figures, seconds, limit, options):
+    columns = "  ".join(f"{figure:>{len(heading)}.2f}" for figure, heading in zip(figures, HEADINGS))
+    print(f"{place:<9} {case:<6} {sizes[0]:>5} x {sizes[1]:>11,}  {columns}", flush=True)
+    if not options.quick:
+        print("    medians: " + ", ".join(f"{name} {statistics.median(t):.2f} s" for name, t in seconds.items()))
+        print("    limit: " + limit.describe(), flush=True)
+
+
 def compare(place, case, options):
     files, size = CASES[case]
     files = max(2, int(files * options.scale)) if files > 4 else files
@@ -320,34 +310,41 @@ def compare(place, case, options):
     with contextlib.ExitStack() as stack:
         folder = tempfile.mkdtemp(dir=options.root)
         stack.callback(shutil.rmtree, folder, ignore_errors=True)
-        card, *drives = PLACES[place](Places(folder, stack), options)
+        card, *drives = PLACES[place](Places(folder, stack, options.scale), options)
+        card += "/card"
         make_card(card, files, size)
         make_file(f"{card}.bytes", files * size)
-        seconds, processor = rounds_of(options.program, card, drives, options.rounds)
+        limit = Limit(options.limit, place == "tmpfs", options.quick)
+        limit.search(card, drives, lambda: prepare(card, drives))
+        seconds, processor = rounds_of(limit, card, drives, options)
         peers = [seconds[name] for name in PEERS]
-        figures = {
-            "ratio": ratio(seconds["ours"], peers),
-            "of the drives' own time": ratio(seconds["ours"], [seconds["drives alone"]]),
-            "processor": ratio(processor["ours"], [processor[name] for name in PEERS]),
-            "resumed/xxhsum": ratio(seconds["resumed"], [seconds["xxhsum"]]),
-            "read once": ratio(seconds["resumed, read once"], [seconds["xxhsum"]]),
-        }
-        print(f"{place:<9} {case:<6} {files:>5} x {size:>9,}  "
-              + "  ".join(f"{name} {value:.2f}" for name, value in figures.items())
-              + " | " + "  ".join(f"{name} {statistics.median(t):.1f} s" for name, t in seconds.items()),
-              flush=True)
+        figures = [
+            ratio(seconds["ours"], peers),
+            ratio(seconds["ours"], [seconds["limit"]]),
+            ratio(processor["ours"], [processor[name] for name in PEERS]),
+            ratio(seconds["resumed"], [seconds["xxhsum"]]),
+            ratio(seconds["resumed, read once"], [seconds["xxhsum"]]),
+        ]
+        print_figures(place, case, (files, size), figures, seconds, limit, options)
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawTextHelpFormatter)
     parser.add_argument("program")
+    parser.add_argument("--quick", action="store_true", help="rough figures of a few cases in two minutes")
     parser.add_argument("--case", action="append", choices=CASES)
     parser.add_argument("--place", action="append", choices=PLACES)
-    parser.add_argument("--rounds", type=int, default=3)
-    parser.add_argument("--scale", type=float, default=1.0)
+    parser.add_argument("--rounds", type=int)
+    parser.add_argument("--scale", type=float)
+    parser.add_argument("--limit", help="LimitBenchmark; usually that of the program's build")
     parser.add_argument("--fault-fs", help="the file system of the tests, for drives with latency")
     parser.add_argument("--root", default="/var/tmp", help="a folder on the disk to measure")
     options = parser.parse_args()
+    every = [place for place in PLACES if place != "latency" or options.fault_fs]
+    usual = QUICK if options.quick else {"scale": 1.0, "rounds": 3, "place": every, "case": list(CASES)}
+    for name, value in usual.items():
+        if not getattr(options, name):
+            setattr(options, name, value)
     if os.geteuid() != 0:
         sys.exit("The comparison with other tools needs root: it drops caches and mounts drives.")
     clone_new_namespace = 0x00020000
@@ -355,9 +352,11 @@ def main():
         sys.exit("No private mount namespace is to be had here: " + os.strerror(ctypes.get_errno()))
     run(["mount", "--make-rprivate", "/"])
     options.program = os.path.abspath(options.program)
-    places = options.place or [place for place in PLACES if place != "latency" or options.fault_fs]
-    for place in places:
-        for case in options.case or CASES:
+    build = os.path.dirname(os.path.dirname(options.program))
+    options.limit = options.limit or f"{build}/benchmarks/LimitBenchmark"
+    print_headings(options)
+    for place in options.place:
+        for case in options.case:
             compare(place, case, options)
 
 
