@@ -3,10 +3,9 @@
 
 Offloads the same card to two drives with the command line and with what people use instead, in turn,
 and prints medians and ratios. Everybody gives the same guarantee: two copies, flushed, both read back
-from their drives (caches dropped first), the card read twice and compared. The limit is what nobody can
-be faster than: see limit.py. Needs root, because caches
-are dropped and drives are mounted; everything is mounted in a private namespace. Only ratios of one
-run mean anything.
+from their drives (caches dropped first), the card read twice and compared. The limit is the least time
+that anybody could need (limit.py). Needs root, because caches are dropped and drives are mounted;
+everything is mounted in a private namespace. Only ratios of one run mean anything.
 """
 
 import argparse
@@ -208,10 +207,11 @@ def rclone(_program, card, drives):
     shell("\n".join(checks) + "\nwait")
 
 
+SLOWEST_PEER = "rclone copy + check"
 PEERS = {
     "rsync + xxhsum": copied_by(lambda card, drive: f"rsync -a {card}/ {drive}/"),
     "cp + sync + xxhsum": copied_by(lambda card, drive: f"cp -a {card}/. {drive}/"),
-    "rclone copy + check": rclone,
+    SLOWEST_PEER: rclone,
 }
 
 
@@ -237,28 +237,27 @@ def warm_memory(count):
     run([sys.executable, "-c", f"import mmap; {memory}; m.madvise(mmap.MADV_HUGEPAGE); m.madvise({populate})"])
 
 
-def prepare(card, drives, keep=False):
-    """Everybody starts like this."""
+def prepare(drives, cached, keep=False):
+    """Everybody starts like this; `cached` is how many bytes of cache they fill."""
     if not keep:
         clear(drives)
     drop_caches()
-    warm_memory(2 * os.stat(f"{card}.bytes").st_size)
+    if cached:
+        warm_memory(cached)
 
 
 def measure(offload, program, card, drives, keep=False):
-    prepare(card, drives, keep)
+    prepare(drives, 2 * os.stat(f"{card}.bytes").st_size, keep)
     cpu = children_time()
     start = time.monotonic()
     offload(program, card, drives)
     return time.monotonic() - start, children_time() - cpu
 
 
-RUNS = {"ours": ours, **PEERS, "limit": None}
-
-
 def rounds_of(limit, card, drives, options):
     """For each kind of run its seconds and its processor seconds, one of each a round."""
-    seconds = {name: [] for name in [*RUNS, "resumed", "resumed, read once", "xxhsum"]}
+    names = ["ours", *options.peers, "limit"]
+    seconds = {name: [] for name in [*names, "resumed", "resumed, read once", "xxhsum"]}
     processor = {name: [] for name in seconds}
 
     def note(name, offload, keep=False):
@@ -266,15 +265,15 @@ def rounds_of(limit, card, drives, options):
         seconds[name].append(used[0])
         processor[name].append(used[1])
 
-    names = list(RUNS)
     for number in range(options.rounds):
         # Turned each round, so that nobody always runs behind the same one.
         for name in names[number % len(names) :] + names[: number % len(names)]:
             if name == "limit":
-                seconds[name].append(limit.run(card, drives, lambda: prepare(card, drives)))
-                continue
-            note(name, RUNS[name])
-            if name == "ours":
+                seconds[name].append(limit.run(card, drives, lambda cached: prepare(drives, cached)))
+            elif name in PEERS:
+                note(name, PEERS[name])
+            else:
+                note(name, ours)
                 note("resumed", ours, keep=True)
                 note("xxhsum", lambda _program, card, drives: check(card, drives), keep=True)
                 note("resumed, read once", ours_reading_once, keep=True)
@@ -315,13 +314,13 @@ def compare(place, case, options):
         make_card(card, files, size)
         make_file(f"{card}.bytes", files * size)
         limit = Limit(options.limit, place == "tmpfs", options.quick)
-        limit.search(card, drives, lambda: prepare(card, drives))
+        limit.search(card, drives, lambda cached: prepare(drives, cached))
         seconds, processor = rounds_of(limit, card, drives, options)
-        peers = [seconds[name] for name in PEERS]
+        peers = [seconds[name] for name in options.peers]
         figures = [
             ratio(seconds["ours"], peers),
             ratio(seconds["ours"], [seconds["limit"]]),
-            ratio(processor["ours"], [processor[name] for name in PEERS]),
+            ratio(processor["ours"], [processor[name] for name in options.peers]),
             ratio(seconds["resumed"], [seconds["xxhsum"]]),
             ratio(seconds["resumed, read once"], [seconds["xxhsum"]]),
         ]
@@ -352,6 +351,7 @@ def main():
         sys.exit("No private mount namespace is to be had here: " + os.strerror(ctypes.get_errno()))
     run(["mount", "--make-rprivate", "/"])
     options.program = os.path.abspath(options.program)
+    options.peers = [name for name in PEERS if not options.quick or name != SLOWEST_PEER]
     build = os.path.dirname(os.path.dirname(options.program))
     options.limit = options.limit or f"{build}/benchmarks/LimitBenchmark"
     print_headings(options)
