@@ -82,7 +82,7 @@ void DirectFile::read(std::byte* memory, std::size_t size, std::uint64_t offset)
     munmap(view, size);
     return;
   }
-  // Where the cache cannot be gone past, its pages are dropped just before; what is left of them is told.
+  // Where the cache cannot be gone past, its pages are dropped just before. Only a hint.
   if (isRefusedDirect_)
     static_cast<void>(posix_fadvise(fd_, start, static_cast<off_t>(size), POSIX_FADV_DONTNEED));
   all(pread, memory, size, offset);

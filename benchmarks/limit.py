@@ -7,8 +7,7 @@ import subprocess
 import sys
 
 KIB, MIB = 1 << 10, 1 << 20
-# In the order in which they are chosen, each beside the best of those before it and the first of those
-# behind.
+# Chosen one after the other: the others are meanwhile the best found so far, or the first named here.
 WAYS = {
     "write": ["reserve", "extend", "cached"],
     "parts": [1, 4, 16],  # one is read back while the next is written
