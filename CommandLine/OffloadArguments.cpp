@@ -124,6 +124,10 @@ OffloadKit::OffloadPlan planFor(const OffloadArguments& arguments, PlatformKit::
                                 const DeviceKit::DiskEnumerator& disks) {
   const auto destinations = destinationFolders(system.fileSystem, arguments.destinations);
   OffloadKit::OffloadPlan plan;
+  // Before the card is looked at, which can take its time.
+  for (const Path& destination : destinations) {
+    plan.volumes.push_back(OffloadKit::volumeOf(system.fileSystem, destination));
+  }
   plan.source = sourcePath(system.fileSystem, arguments.source);
   plan.sourceName = sourceName(system, plan.source);
   const OffloadKit::FolderPreset preset{arguments.folderTemplate};

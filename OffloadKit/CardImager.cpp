@@ -2,6 +2,7 @@
 
 #include "DeviceKit/DeviceError.h"
 #include "OffloadKit/CopyTargets.h"
+#include "OffloadKit/DurableNames.h"
 #include "OffloadKit/ErrorSentences.h"
 #include "OffloadKit/FileDigest.h"
 #include "OffloadKit/FolderPreset.h"
@@ -28,17 +29,18 @@ struct Failure {
 class Imaging {
  public:
   Imaging(PlatformKit::System system, DeviceKit::ByteSource& source,
-          HashKit::HashAlgorithm algorithm, std::size_t chunkSize,
-          const std::function<bool()>& isCancelled, const std::function<void(double)>& progress)
+          HashKit::HashAlgorithm algorithm, std::size_t chunkSize, const Questions& ask,
+          const std::function<void(double)>& progress)
       : system_(system),
         source_(source),
         algorithm_(algorithm),
         chunkSize_(chunkSize),
-        isCancelled_(isCancelled),
+        ask_(ask),
         progress_(progress) {}
 
   /// Writes, checks and names the image. Answers its checksum; `written()` is its size.
   std::string save(const Path& folder, const Path& temporary, const Path& final) {
+    checkFolder();
     if (leadsOut(system_.fileSystem, final, folder.parent_path())) {
       throw Failure{"A link in the destination folder leads to another place"};
     }
@@ -55,8 +57,9 @@ class Imaging {
     // Keeps the file open until it has its name, so that no other gets its identity.
     FileDigest digest(system_.fileSystem, temporary, algorithm_);
     compare(digest, hash);
+    checkFolder();
     check(image.commit());
-    makeNameDurable(folder, final);
+    settle(digest, folder, final);
     return hash;
   }
 
@@ -67,12 +70,19 @@ class Imaging {
     if (error != 0) throw Failure{describe(error)};
   }
 
-  // A name that a power cut could take away is not a saved image.
-  void makeNameDurable(const Path& folder, const Path& final) {
-    const int error = system_.fileSystem.flushFolder(folder);
-    static_cast<void>(system_.fileSystem.flushFolder(folder.parent_path()));
-    // A folder that this user may write to but not open cannot be flushed; that is no fault.
-    if (error == 0 || error == EACCES || error == EPERM) return;
+  void checkFolder() {
+    if (!ask_.whyNot) return;
+    if (auto reason = ask_.whyNot()) throw Failure{std::move(*reason)};
+  }
+
+  // What a power cut could take away under its name is not a saved image.
+  void settle(FileDigest& digest, const Path& folder, const Path& final) {
+    // Some file systems write a moved file's size only now; see VolumeFacts::moveKeepsContent.
+    int error = digest.flush();
+    for (const Path& above : {folder, folder.parent_path()}) {
+      if (error == 0) error = flushNames(system_.fileSystem, above);
+    }
+    if (error == 0) return;
     static_cast<void>(system_.fileSystem.removeFile(final));
     throw Failure{describe(error)};
   }
@@ -104,7 +114,7 @@ class Imaging {
 
   std::size_t readChunk(std::span<std::byte> buffer, std::uint64_t offset) {
     if (offset >= source_.size()) return 0;
-    if (isCancelled_()) throw OffloadError::cancelled();
+    if (ask_.isCancelled()) throw OffloadError::cancelled();
     try {
       return source_.read(offset, buffer);
     } catch (const DeviceKit::DeviceError&) {
@@ -127,7 +137,7 @@ class Imaging {
   DeviceKit::ByteSource& source_;
   HashKit::HashAlgorithm algorithm_;
   std::size_t chunkSize_;
-  const std::function<bool()>& isCancelled_;
+  const Questions& ask_;
   const std::function<void(double)>& progress_;
   PlatformKit::WorkerPool workers_{2};
   std::uint64_t done_ = 0;
@@ -145,13 +155,13 @@ std::string fileName(const std::string& card, PlatformKit::Date date) {
 
 CardImageResult write(PlatformKit::System system, DeviceKit::ByteSource& source, const Path& folder,
                       const std::string& name, HashKit::HashAlgorithm algorithm,
-                      std::size_t chunkSize, const std::function<bool()>& isCancelled,
+                      std::size_t chunkSize, const Questions& ask,
                       const std::function<void(double)>& progress) {
   const Path images = folder / CardImageRequest::folderName;
   CardImageResult result;
   result.url = images / name;
   result.relativePath = std::string(CardImageRequest::folderName) + "/" + name;
-  Imaging imaging(system, source, algorithm, chunkSize, isCancelled, progress);
+  Imaging imaging(system, source, algorithm, chunkSize, ask, progress);
   try {
     result.hash = imaging.save(images, images / ("." + name + ".zmpart"), result.url);
     result.size = imaging.written();

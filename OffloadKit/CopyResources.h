@@ -49,6 +49,8 @@ struct CopyResources {
   }
   /// The number of the reader that reads the original, behind those of the copies.
   [[nodiscard]] std::size_t originalReader() const { return plan.destinations.size(); }
+  /// Gives up the destinations that are not where they were. The run's thread.
+  void checkPlaces() const;
   /// Throws OffloadError::cancelled after Stop. The run's thread.
   void throwIfCancelled() const;
 };

@@ -1,67 +1,103 @@
 #include "OffloadKit/DestinationHealth.h"
 
 #include "OffloadKit/ErrorSentences.h"
+#include "OffloadKit/Places.h"
 
 #include <cerrno>
 
 namespace OffloadKit {
 
-DestinationHealth::DestinationHealth(PlatformKit::System system,
-                                     const std::vector<PlatformKit::Path>& destinations)
-    : system_(system), destinations_(destinations) {
-  for (std::size_t i = 0; i < destinations.size(); ++i) {
-    devices_.push_back(system.volumes.facts(destinations[i]).device);
-    places_.push_back(placeOf(i));
+using PlatformKit::Path;
+
+namespace {
+
+// What Linux answers for a drive that is not there any more, and for others too.
+bool mayMeanPulled(int error) {
+  return error == EIO || error == EROFS || error == ENOTCONN || error == ESHUTDOWN ||
+         error == ENODATA;
+}
+
+}  // namespace
+
+DestinationHealth::DestinationHealth(PlatformKit::System system, const OffloadPlan& plan)
+    : system_(system) {
+  for (std::size_t i = 0; i < plan.destinations.size(); ++i) {
+    const Path& folder = plan.destinations[i];
+    const auto facts = system.volumes.facts(nearestExisting(system.fileSystem, folder));
+    Drive& drive = drives_.emplace_back();
+    drive.folder = folder;
+    drive.device = facts.device;
+    drive.moveKeepsContent = facts.moveKeepsContent;
+    if (i < plan.volumes.size()) drive.volume = plan.volumes[i];
+    if (!drive.volume) drive.volume = volumeOf(system.fileSystem, folder);
   }
 }
 
-void DestinationHealth::checkVolume(std::size_t destination) {
-  if (places_[destination] && placeOf(destination) != places_[destination]) {
-    giveUp(destination, describe(ENODEV));
+void DestinationHealth::settle() {
+  for (Drive& drive : drives_) {
+    const auto resolved = system_.fileSystem.resolve(drive.folder);
+    if (resolved.ok()) drive.settled = resolved.value();
   }
 }
 
-std::optional<DestinationHealth::Place> DestinationHealth::placeOf(std::size_t destination) const {
-  const auto folder = system_.fileSystem.resolve(destinations_[destination]);
-  if (!folder.ok()) return std::nullopt;
-  const auto status = system_.fileSystem.status(folder.value());
-  if (!status.ok()) return std::nullopt;
-  return Place{folder.value(), status.value().identity.volume};
+bool DestinationHealth::isInPlace(std::size_t destination) const {
+  const Drive& drive = drives_[destination];
+  if (drive.settled) {
+    const auto resolved = system_.fileSystem.resolve(drive.folder);
+    if (!resolved.ok() || resolved.value() != *drive.settled) return false;
+  }
+  return !drive.volume || volumeOf(system_.fileSystem, drive.folder) == drive.volume;
+}
+
+bool DestinationHealth::isPresent(std::size_t destination) const {
+  return isInPlace(destination) && !isPulled(destination);
+}
+
+void DestinationHealth::checkPlace(std::size_t destination) {
+  if (!isInPlace(destination)) giveUp(destination, {describe(ENODEV), true});
 }
 
 std::string DestinationHealth::contentError(std::size_t destination, int error) {
   std::string sentence = otherError(destination, error);
-  if (endsTheDrive(error)) giveUp(destination, sentence);
+  if (endsTheDrive(error)) giveUp(destination, {sentence, error == ENODEV || error == ENXIO});
   return sentence;
 }
 
 std::string DestinationHealth::otherError(std::size_t destination, int error) {
-  if (!isPulled(destination, error)) return describe(error);
-  return giveUp(destination, describe(ENODEV));
+  if (!mayMeanPulled(error) || !isPulled(destination)) return describe(error);
+  return giveUp(destination, {describe(ENODEV), true});
 }
 
-const std::string& DestinationHealth::giveUp(std::size_t destination, std::string sentence) {
+const std::string& DestinationHealth::giveUp(std::size_t destination, Reason reason) {
   const std::lock_guard lock(mutex_);
-  return givenUp_.emplace(destination, std::move(sentence)).first->second;
+  const bool isDisconnected = reason.isDisconnected;
+  Reason& first = givenUp_.emplace(destination, std::move(reason)).first->second;
+  // One that was full before may go as well.
+  if (isDisconnected) first.isDisconnected = true;
+  return first.sentence;
 }
 
 const std::string* DestinationHealth::givenUp(std::size_t destination) const {
   const std::lock_guard lock(mutex_);
   const auto found = givenUp_.find(destination);
-  return found == givenUp_.end() ? nullptr : &found->second;
+  return found == givenUp_.end() ? nullptr : &found->second.sentence;
 }
 
-bool DestinationHealth::isPulled(std::size_t destination, int error) const {
-  switch (error) {
-    case EIO:
-    case EROFS:
-    case ENOTCONN:
-    case ESHUTDOWN:
-    case ENODATA:
-      return devices_[destination] && system_.volumes.isGone(*devices_[destination]);
-    default:
-      return false;
-  }
+bool DestinationHealth::isDisconnected(std::size_t destination) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = givenUp_.find(destination);
+  return found != givenUp_.end() && found->second.isDisconnected;
+}
+
+std::map<std::size_t, std::string> DestinationHealth::errors() const {
+  std::map<std::size_t, std::string> errors;
+  for (const auto& [destination, reason] : givenUp_) errors[destination] = reason.sentence;
+  return errors;
+}
+
+bool DestinationHealth::isPulled(std::size_t destination) const {
+  const auto& device = drives_[destination].device;
+  return device && system_.volumes.isGone(*device);
 }
 
 }  // namespace OffloadKit

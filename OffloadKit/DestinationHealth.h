@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OffloadKit/OffloadPlan.h"
 #include "PlatformKit/System.h"
 
 #include <cstddef>
@@ -12,15 +13,30 @@
 namespace OffloadKit {
 
 /// Which destinations of a run are still of use, and the sentences for what went wrong on them. Any
-/// thread, but for `errors`.
+/// thread, but for `settle` and `errors`.
 ///
 /// A pulled drive seldom says so: Linux answers EIO, EROFS and others while the volume goes on
 /// being listed. Such an error counts as ENODEV once the drive's block device is gone from the
 /// computer, and the destination is then given up, whatever was being done.
 class DestinationHealth {
  public:
-  /// `destinations` are existing folders; their devices are looked up now, while they answer.
-  DestinationHealth(PlatformKit::System system, const std::vector<PlatformKit::Path>& destinations);
+  /// Made before anything else is done, while the drives are where the user saw them. `plan` outlives
+  /// it.
+  DestinationHealth(PlatformKit::System system, const OffloadPlan& plan);
+
+  /// The destinations' folders are there now and must stay where they are; for `isInPlace`.
+  void settle();
+
+  /// Whether the destination, or what there is of its path, lies on the volume that the plan was made
+  /// for, and is the folder that it was when it was settled: a drive that is unmounted leaves a
+  /// folder behind, on the computer's own disk, and a link may have been put in a folder's place.
+  [[nodiscard]] bool isInPlace(std::size_t destination) const;
+
+  /// Whether it is in place, and its drive has not been pulled.
+  [[nodiscard]] bool isPresent(std::size_t destination) const;
+
+  /// Gives the destination up as disconnected unless it is in place.
+  void checkPlace(std::size_t destination);
 
   /// The sentence for an error met while writing or flushing content there. Gives the destination
   /// up if the error means that the drive is of no more use.
@@ -30,35 +46,40 @@ class DestinationHealth {
   /// gone.
   std::string otherError(std::size_t destination, int error);
 
-  /// Looks whether the destination still is where it was at the start: an unmounted drive leaves an
-  /// empty folder behind, which lies on another volume, and a link may have been put in a folder's
-  /// place. If not, gives it up as disconnected.
-  void checkVolume(std::size_t destination);
-
   /// The sentence that made the run give the destination up; null while it is of use.
   [[nodiscard]] const std::string* givenUp(std::size_t destination) const;
 
+  /// Whether it was given up because it is not there any more: nothing may be written to its path.
+  [[nodiscard]] bool isDisconnected(std::size_t destination) const;
+
+  /// See PlatformKit::VolumeFacts::moveKeepsContent.
+  [[nodiscard]] bool moveKeepsContent(std::size_t destination) const {
+    return drives_[destination].moveKeepsContent;
+  }
+
   /// All destinations given up, with their sentences. Only when no other thread asks or tells.
-  [[nodiscard]] const std::map<std::size_t, std::string>& errors() const { return givenUp_; }
+  [[nodiscard]] std::map<std::size_t, std::string> errors() const;
 
  private:
-  [[nodiscard]] bool isPulled(std::size_t destination, int error) const;
-  /// Answers the sentence of the first reason.
-  const std::string& giveUp(std::size_t destination, std::string sentence);
-
-  struct Place {
-    PlatformKit::Path folder;  ///< without links
-    std::uint64_t volume;
-    friend bool operator==(const Place&, const Place&) = default;
+  struct Drive {
+    PlatformKit::Path folder;
+    std::optional<PlatformKit::VolumeIdentifier> volume;
+    std::optional<PlatformKit::DeviceNumber> device;
+    bool moveKeepsContent = false;
+    std::optional<PlatformKit::Path> settled;  ///< without links
   };
-  [[nodiscard]] std::optional<Place> placeOf(std::size_t destination) const;
+  struct Reason {
+    std::string sentence;
+    bool isDisconnected;
+  };
+  [[nodiscard]] bool isPulled(std::size_t destination) const;
+  /// Answers the sentence of the first reason.
+  const std::string& giveUp(std::size_t destination, Reason reason);
 
   PlatformKit::System system_;
-  std::vector<PlatformKit::Path> destinations_;
-  std::vector<std::optional<PlatformKit::DeviceNumber>> devices_;
-  std::vector<std::optional<Place>> places_;
+  std::vector<Drive> drives_;
   mutable std::mutex mutex_;
-  std::map<std::size_t, std::string> givenUp_;  // the mutex's; what is in it stays as it is
+  std::map<std::size_t, Reason> givenUp_;  // the mutex's; its sentences stay as they are
 };
 
 }  // namespace OffloadKit

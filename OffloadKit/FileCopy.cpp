@@ -96,12 +96,13 @@ void FileCopy::setDates(std::size_t destination) {
   }
 }
 
-void FileCopy::flush(std::size_t destination) {
+bool FileCopy::flush(std::size_t destination) {
   Copy& copy = copies_[destination];
   WritableFile* file = copy.writable();
-  if (file == nullptr) return;
+  if (file == nullptr) return false;
   copy.writeError = file->flush();
   copy.as<WriteTarget>()->copy.close();
+  return copy.writeError == 0;
 }
 
 void FileCopy::settleWrites() {
@@ -126,6 +127,7 @@ std::size_t FileCopy::prepareReadBack() {
     ++count;
   };
   for (std::size_t i = 0; i < copies_.size(); ++i) {
+    copies_[i].wasGivenUp = resources_.health.givenUp(i) != nullptr;
     if (const auto* write = copies_[i].as<WriteTarget>()) add(i, write->copy.temporary());
     if (const auto* resume = copies_[i].as<ResumeTarget>()) add(i, resume->final);
   }
@@ -160,9 +162,8 @@ OffloadedFile FileCopy::decide(std::string hash) {
 void FileCopy::compare(std::size_t destination, const std::string& hash) {
   Copy& copy = copies_[destination];
   const auto copyHash = digest(destination)->result();
-  if (const std::string* sentence = resources_.health.givenUp(destination);
-      sentence != nullptr && !copyHash.ok()) {
-    copy.fail(*sentence);
+  if (isLost(destination, copyHash.ok())) {
+    copy.fail(*resources_.health.givenUp(destination));
   } else if (!copyHash.ok()) {
     // The sentence is about reading; the number still tells whether the drive was pulled.
     static_cast<void>(resources_.health.otherError(destination, copyHash.error()));
@@ -177,6 +178,13 @@ void FileCopy::compare(std::size_t destination, const std::string& hash) {
   }
 }
 
+bool FileCopy::isLost(std::size_t destination, bool isReadBack) const {
+  const DestinationHealth& health = resources_.health;
+  if (health.givenUp(destination) == nullptr) return false;
+  // On a drive that another file filled, this one may well be whole.
+  return !isReadBack || !copies_[destination].wasGivenUp || !health.isPresent(destination);
+}
+
 void FileCopy::giveFinalName(std::size_t destination, PendingCopy& pending) {
   Copy& copy = copies_[destination];
   if (const int error = pending.commit(); error != 0) {
@@ -187,6 +195,12 @@ void FileCopy::giveFinalName(std::size_t destination, PendingCopy& pending) {
     // Ignored on purpose: the content is verified, with or without its dates.
     static_cast<void>(
         resources_.system.fileSystem.setDates(pending.final(), file_.modified, file_.created));
+  }
+  if (!resources_.health.moveKeepsContent(destination)) {
+    if (const int error = digest(destination)->flush(); error != 0) {
+      copy.fail(resources_.health.contentError(destination, error));
+      return;
+    }
   }
   resources_.folders.verified(destination, pending.final(), false);
   copy.outcome = Outcome::verified(false);

@@ -53,8 +53,9 @@ class FileCopy {
   /// Dates the copy as the original, before it is flushed, so that a power cut before the move
   /// leaves one that the next run knows.
   void setDates(std::size_t destination);
-  /// Returns when the copy is on the drive (fsync), and closes it.
-  void flush(std::size_t destination);
+  /// Returns when the copy is on the drive (fsync), and closes it. Answers whether a copy was flushed
+  /// without an error.
+  bool flush(std::size_t destination);
   /// Closes the copies, tells `afterWrite`, and turns failed writes into outcomes.
   void settleWrites();
 
@@ -80,6 +81,7 @@ class FileCopy {
     std::optional<TargetChoice> choice;
     OffloadedFile::Outcome outcome;
     int writeError = 0;
+    bool wasGivenUp = false;  ///< the destination, before this copy was read back
 
     template <class Target>
     [[nodiscard]] Target* as() {
@@ -91,6 +93,8 @@ class FileCopy {
   };
 
   void compare(std::size_t destination, const std::string& hash);
+  /// Whether the destination was given up so that nothing more is to be tried there.
+  [[nodiscard]] bool isLost(std::size_t destination, bool isReadBack) const;
   void giveFinalName(std::size_t destination, PendingCopy& copy);
 
   const SourceFile& file_;

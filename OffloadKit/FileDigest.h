@@ -43,6 +43,10 @@ class FileDigest {
   /// every thread has returned from `work`.
   [[nodiscard]] PlatformKit::Result<std::string> result() const;
 
+  /// Flushes the file itself, whatever name it has by now. Only behind a result that is a checksum.
+  /// Answers 0 or the error number.
+  [[nodiscard]] int flush() { return file_->flush(); }
+
  private:
   [[nodiscard]] std::optional<std::uint64_t> takePiece();
   void open();

@@ -12,13 +12,15 @@
 namespace OffloadKit {
 namespace {
 
-// Left to everything else that a program has open.
+// Left to everything else that a program has open, but no more than half of a low limit.
 constexpr std::size_t kOtherOpenFiles = 256;
 
-// A group's copies stay open until they are flushed, while the next group's originals are opened.
+// While a group's files get their names, what was read back of them is still open: every copy, and
+// the original a second time. The next group's originals and copies are being opened by then.
 std::size_t mostFiles(std::size_t destinations) {
   const std::size_t limit = PlatformKit::openFilesLimit();
-  return limit < kOtherOpenFiles ? 1 : (limit - kOtherOpenFiles) / (destinations + 1);
+  const std::size_t ours = limit - std::min(kOtherOpenFiles, limit / 2);
+  return ours / (2 * (destinations + 1));
 }
 
 // Bytes: whole pages, and one byte at least by which a file that has grown is known.
@@ -50,7 +52,7 @@ std::size_t groupLength(std::span<const SourceFile> files, const CopyResources& 
 }
 
 FileGroup::FileGroup(std::span<const SourceFile> files, CopyResources& resources)
-    : resources_(resources) {
+    : resources_(resources), flushes_(resources.plan.destinations.size()) {
   std::uint64_t left = 0;
   for (const SourceFile& file : files) {
     if (file.size > left || rounds_.empty()) {
@@ -117,13 +119,13 @@ void FileGroup::copyAll(CopyBatch* next) {
       if (next != nullptr) next->fetch();
     });
   }
+  resources_.checkPlaces();
   resources_.pace.groupDone(share_, resources_.system.clock.now() - started);
 }
 
 void FileGroup::startChoosing() {
-  const std::size_t destinations = resources_.plan.destinations.size();
-  for (std::size_t i = 0; i < destinations; ++i) resources_.health.checkVolume(i);
-  choosing_.emplace(resources_.workers.start(destinations, choose_));
+  resources_.checkPlaces();
+  choosing_.emplace(resources_.workers.start(resources_.plan.destinations.size(), choose_));
 }
 
 void FileGroup::chooseTargets(std::size_t destination) {
@@ -209,18 +211,20 @@ void FileGroup::flush(CopyBatch* next) {
   // The drive writes everything in one go, so that the flush of each copy, which alone tells of
   // that copy's errors, finds little to do.
   const auto flushVolume = [&](std::size_t i) {
-    if (std::none_of(items_.begin(), items_.end(),
-                     [i](Item& item) { return item.copy.isWriting(i); })) {
-      return;
-    }
-    static_cast<void>(resources_.system.fileSystem.flushVolume(resources_.plan.destinations[i]));
+    Flushes& flushes = flushes_[i];
+    flushes.asked = std::any_of(items_.begin(), items_.end(),
+                                [i](Item& item) { return item.copy.isWriting(i); });
+    if (!flushes.asked) return;
+    flushes.volumeError = resources_.system.fileSystem.flushVolume(resources_.plan.destinations[i]);
   };
   const std::size_t destinations = resources_.plan.destinations.size();
   auto flushing = resources_.workers.start(destinations, flushVolume);
   if (next != nullptr) next->fetch();
   flushing.wait();
   const auto flushOne = [&](std::size_t i, std::size_t /*thread*/, std::size_t number) {
-    if (!items_[number].unreadable) items_[number].copy.flush(i);
+    Item& item = items_[number];
+    if (item.unreadable || !item.copy.isWriting(i)) return;
+    ++(item.copy.flush(i) ? flushes_[i].done : flushes_[i].failed);
   };
   onEveryDrive(resources_.workers, destinations, kFlushesPerDrive, items_.size(), flushOne, [] {});
 }
@@ -230,6 +234,12 @@ void FileGroup::settle() {
   for (Item& item : items_) {
     item.copy.settleTargets();
     if (!item.unreadable) item.copy.settleWrites();
+  }
+  for (std::size_t i = 0; i < resources_.plan.destinations.size(); ++i) {
+    const Flushes& flushes = flushes_[i];
+    if (!flushes.asked) continue;
+    resources_.folders.volumeFlushed(i, flushes.volumeError,
+                                     flushes.done > 0 && flushes.failed == 0);
   }
 }
 

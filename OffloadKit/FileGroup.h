@@ -5,6 +5,7 @@
 #include "OffloadKit/OffloadError.h"
 #include "OffloadKit/ReadBack.h"
 
+#include <atomic>
 #include <deque>
 #include <functional>
 #include <optional>
@@ -51,6 +52,14 @@ class FileGroup final : public CopyBatch {
     std::optional<OffloadError> unreadable;
   };
 
+  /// What flushing answered on one destination.
+  struct Flushes {
+    bool asked = false;
+    int volumeError = 0;
+    std::atomic<std::size_t> done = 0;
+    std::atomic<std::size_t> failed = 0;
+  };
+
   void prepare(CopyBatch* next);
   void copyAll(CopyBatch* next);
   void startChoosing();
@@ -73,7 +82,8 @@ class FileGroup final : public CopyBatch {
   std::deque<Item> items_;  // never moved: workers hold on to them
   // Consecutive items that fit the transfer buffer together.
   std::vector<std::vector<Item*>> rounds_;
-  std::uint64_t share_ = 0;  // of what GroupPace gives
+  std::vector<Flushes> flushes_;  // one per destination
+  std::uint64_t share_ = 0;       // of what GroupPace gives
   bool prepared_ = false;
   std::string failure_;  // of the group as a whole
   const std::function<void(std::size_t)> choose_ = [this](std::size_t i) { chooseTargets(i); };

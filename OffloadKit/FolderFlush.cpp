@@ -1,5 +1,7 @@
 #include "OffloadKit/FolderFlush.h"
 
+#include "OffloadKit/DurableNames.h"
+
 #include <algorithm>
 #include <cerrno>
 
@@ -31,73 +33,102 @@ std::vector<Path> foldersAbove(PlatformKit::System system, const Path& destinati
 
 }  // namespace
 
-FolderFlush::FolderFlush(PlatformKit::System system, std::vector<Path> destinations)
-    : system_(system),
-      destinations_(std::move(destinations)),
-      folders_(destinations_.size()),
-      lastFolders_(destinations_.size()),
-      resumed_(destinations_.size(), false) {}
+FolderFlush::FolderFlush(PlatformKit::System system, const std::vector<Path>& destinations,
+                         DestinationHealth& health)
+    : system_(system), health_(health), drives_(destinations.size()) {
+  for (std::size_t i = 0; i < destinations.size(); ++i) drives_[i].destination = destinations[i];
+}
 
 FolderFlush::~FolderFlush() {
-  for (std::size_t i = 0; i < destinations_.size(); ++i) static_cast<void>(flushDestination(i));
+  for (std::size_t i = 0; i < drives_.size(); ++i) flush(i);
 }
 
 void FolderFlush::verified(std::size_t destination, const Path& final, bool resumed) {
-  if (resumed) resumed_[destination] = true;
+  Drive& drive = drives_[destination];
+  ++drive.verified;
+  if (resumed) drive.holdsResumed = true;
   const std::string& name = final.native();
   const std::string_view parent = std::string_view(name).substr(0, name.rfind('/'));
   // Files of one folder come one after the other.
-  if (parent == lastFolders_[destination]) return;
-  lastFolders_[destination] = parent;
-  std::set<Path>& folders = folders_[destination];
-  Path folder = final.parent_path();
-  while (folders.insert(folder).second && folder != destinations_[destination] &&
-         folder.has_relative_path()) {
-    folder = folder.parent_path();
+  if (parent == drive.lastFolder) return;
+  drive.lastFolder = parent;
+  // The name of a folder is in the one above it.
+  for (Path folder = final.parent_path(); drive.unflushed.insert(folder).second;
+       folder = folder.parent_path()) {
+    if (drive.reachable.contains(folder) || folder == drive.destination) return;
   }
 }
 
-void FolderFlush::flush(std::vector<OffloadedFile>& files, DestinationHealth& health) {
-  for (std::size_t i = 0; i < destinations_.size(); ++i) {
-    const bool toldAlready = health.givenUp(i) != nullptr;
-    std::vector<Unflushed> failed = flushDestination(i);
-    health.checkVolume(i);
-    if (toldAlready) continue;
-    if (health.givenUp(i) != nullptr) failed.push_back({destinations_[i], ENODEV});
-    for (const Unflushed& unflushed : failed) {
-      const std::string sentence = health.contentError(i, unflushed.error);
-      for (OffloadedFile& file : files) {
-        Outcome& outcome = file.outcomes[i];
-        if (outcome.isVerified() &&
-            isBelow(destinations_[i] / file.file.relativePath, unflushed.folder)) {
-          outcome = Outcome::failed(sentence);
-        }
+void FolderFlush::flushNow(std::size_t destination) {
+  Drive& drive = drives_[destination];
+  if (drive.durable == drive.verified) return;
+  flush(destination);
+  // Where another folder is in its place, that one was flushed; and some file systems have no
+  // flush for folders that could fail.
+  if (drive.failures.empty() && health_.isPresent(destination)) drive.durable = drive.verified;
+}
+
+void FolderFlush::volumeFlushed(std::size_t destination, int error, bool provenSince) {
+  Drive& drive = drives_[destination];
+  if (drive.durable == drive.verified) return;
+  if (error != 0) failed(destination, drive.destination, error);
+  if (!provenSince || !drive.failures.empty() || !health_.isPresent(destination)) return;
+  drive.durable = drive.verified;
+  flushed(drive);
+}
+
+void FolderFlush::flushAll(std::vector<OffloadedFile>& files) {
+  for (std::size_t i = 0; i < drives_.size(); ++i) {
+    flush(i);
+    health_.checkPlace(i);
+    if (!health_.isPresent(i)) failed(i, drives_[i].destination, ENODEV);
+    takeBack(i, files);
+  }
+}
+
+void FolderFlush::takeBack(std::size_t destination, std::vector<OffloadedFile>& files) const {
+  const Drive& drive = drives_[destination];
+  for (const Failure& failure : drive.failures) {
+    std::size_t verified = 0;
+    for (OffloadedFile& file : files) {
+      Outcome& outcome = file.outcomes[destination];
+      if (!outcome.isVerified() || verified++ < drive.durable) continue;
+      if (isBelow(drive.destination / file.file.relativePath, failure.folder)) {
+        outcome = Outcome::failed(failure.sentence);
       }
     }
   }
 }
 
-std::vector<FolderFlush::Unflushed> FolderFlush::flushDestination(std::size_t destination) {
-  std::vector<Unflushed> unflushed;
-  const auto note = [&unflushed](const Path& folder, int error) {
-    // A folder that this user may write to but not open cannot be flushed; that is no fault.
-    if (error != 0 && error != EACCES && error != EPERM) unflushed.push_back({folder, error});
-  };
-  if (resumed_[destination]) {
-    note(destinations_[destination], system_.fileSystem.flushVolume(destinations_[destination]));
+void FolderFlush::flush(std::size_t destination) {
+  Drive& drive = drives_[destination];
+  PlatformKit::FileSystem& fileSystem = system_.fileSystem;
+  if (drive.holdsResumed) {
+    failed(destination, drive.destination, fileSystem.flushVolume(drive.destination));
   }
-  for (const Path& folder : folders_[destination]) {
-    note(folder, system_.fileSystem.flushFolder(folder));
+  for (const Path& folder : drive.unflushed) {
+    failed(destination, folder, fileSystem.flushFolder(folder));
   }
-  if (!folders_[destination].empty()) {
-    for (const Path& folder : foldersAbove(system_, destinations_[destination])) {
-      note(destinations_[destination], system_.fileSystem.flushFolder(folder));
+  if (!drive.unflushed.empty() && !drive.reachable.contains(drive.destination)) {
+    for (const Path& folder : foldersAbove(system_, drive.destination)) {
+      failed(destination, drive.destination, fileSystem.flushFolder(folder));
     }
   }
-  folders_[destination].clear();
-  lastFolders_[destination].clear();
-  resumed_[destination] = false;
-  return unflushed;
+  flushed(drive);
+}
+
+void FolderFlush::failed(std::size_t destination, const Path& folder, int error) {
+  if (!isLoss(error)) return;
+  std::string sentence = health_.contentError(destination, error);
+  if (const std::string* givenUp = health_.givenUp(destination)) sentence = *givenUp;
+  drives_[destination].failures.push_back({folder, std::move(sentence)});
+}
+
+void FolderFlush::flushed(Drive& drive) {
+  drive.reachable.merge(drive.unflushed);
+  drive.unflushed.clear();
+  drive.lastFolder.clear();
+  drive.holdsResumed = false;
 }
 
 }  // namespace OffloadKit

@@ -4,20 +4,23 @@
 #include "OffloadKit/OffloadResult.h"
 #include "PlatformKit/System.h"
 
-#include <map>
+#include <cstddef>
 #include <set>
 #include <string>
 #include <vector>
 
 namespace OffloadKit {
 
-/// Makes the names of a run's verified copies survive a power cut: remembers the folders they lie
-/// in and flushes each once, at the end, together with all folders above it on its volume. Those may
-/// be new without being the run's: a run that was killed left them, or somebody made them just
-/// before. One thread.
+/// Makes the names of a run's verified copies survive a power cut and a drive that dies: remembers
+/// the folders they lie in and flushes them, together with all folders above them on their volume.
+/// Those may be new without being the run's: a run that was killed left them, or somebody made them
+/// just before. Knows of each destination up to which copy its names are on the drive for certain.
+/// The run's thread, but for `flushNow`.
 class FolderFlush {
  public:
-  FolderFlush(PlatformKit::System system, std::vector<PlatformKit::Path> destinations);
+  /// All outlive it.
+  FolderFlush(PlatformKit::System system, const std::vector<PlatformKit::Path>& destinations,
+              DestinationHealth& health);
   /// Flushes what has not been flushed; failures are ignored, since nobody is left to be told.
   ~FolderFlush();
   FolderFlush(const FolderFlush&) = delete;
@@ -27,24 +30,48 @@ class FolderFlush {
   /// there by somebody else, who may not have flushed it.
   void verified(std::size_t destination, const PlatformKit::Path& final, bool resumed);
 
-  /// Flushes everything. Where that fails, the verified outcomes of the files concerned become
-  /// failures: their copies might not be there any more after a power cut. On a destination that
-  /// was given up before, outcomes stay as they are: it is known to be incomplete, and what was
-  /// verified there up to then is the more useful thing to tell.
-  void flush(std::vector<OffloadedFile>& files, DestinationHealth& health);
+  /// Flushes the names given so far on a destination. Several destinations at once, each on a thread
+  /// of its own, while no names are given there.
+  void flushNow(std::size_t destination);
+
+  /// The destination's volume was flushed as a whole after the last name was given there. `error`: 0,
+  /// or the number that this answered. `provenSince`: files were flushed on it afterwards, all
+  /// without an error; some file systems say yes to the flush of a volume that is lost already.
+  void volumeFlushed(std::size_t destination, int error, bool provenSince);
+
+  /// Flushes everything, and makes failures of the verified outcomes whose names are not on the
+  /// drive for certain: where flushing failed, now or before, and where the destination is gone.
+  /// `files`: those of the run, in the order in which they got their names.
+  void flushAll(std::vector<OffloadedFile>& files);
 
  private:
-  struct Unflushed {
+  /// Below this folder names may be lost.
+  struct Failure {
     PlatformKit::Path folder;
-    int error;
+    std::string sentence;
   };
-  [[nodiscard]] std::vector<Unflushed> flushDestination(std::size_t destination);
+  struct Drive {
+    PlatformKit::Path destination;
+    std::set<PlatformKit::Path> unflushed;  ///< folders with names that have yet to be flushed
+    std::set<PlatformKit::Path>
+        reachable;              ///< folders whose own names were flushed, up to the root
+    std::string lastFolder;     ///< of the copy verified last
+    bool holdsResumed = false;  ///< copies of others since the volume was flushed
+    std::size_t verified = 0;   ///< copies so far
+    std::size_t durable = 0;    ///< so many of them, from the first on
+    // Kept, because a second flush may say yes: an error is told once.
+    std::vector<Failure> failures;
+  };
+
+  void flush(std::size_t destination);
+  void failed(std::size_t destination, const PlatformKit::Path& folder, int error);
+  /// All names given so far were flushed, unless something failed.
+  void flushed(Drive& drive);
+  void takeBack(std::size_t destination, std::vector<OffloadedFile>& files) const;
 
   PlatformKit::System system_;
-  std::vector<PlatformKit::Path> destinations_;
-  std::vector<std::set<PlatformKit::Path>> folders_;
-  std::vector<std::string> lastFolders_;  // of the copy verified last
-  std::vector<bool> resumed_;
+  DestinationHealth& health_;
+  std::vector<Drive> drives_;
 };
 
 }  // namespace OffloadKit

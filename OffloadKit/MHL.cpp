@@ -2,6 +2,7 @@
 
 #include "OffloadKit/C4.h"
 #include "OffloadKit/CopyTargets.h"
+#include "OffloadKit/DurableNames.h"
 #include "OffloadKit/ErrorSentences.h"
 #include "OffloadKit/FileDigest.h"
 #include "OffloadKit/MHLDocuments.h"
@@ -157,8 +158,8 @@ Path writeGeneration(System system, const std::vector<OffloadedFile>& files,
   });
   throwIf(writeWholeFile(system.fileSystem, lists / kChainName, temporary, chainDocument(chain),
                          Existing::replace));
-  // For the name of the folder of lists itself; ignored on purpose, as the lists are complete.
-  static_cast<void>(system.fileSystem.flushFolder(folder));
+  // For the name of the folder of lists itself.
+  throwIf(flushNames(system.fileSystem, folder));
   return lists / name;
 }
 

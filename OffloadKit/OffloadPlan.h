@@ -2,6 +2,7 @@
 
 #include "HashKit/HashAlgorithm.h"
 #include "PlatformKit/FileSystem.h"
+#include "PlatformKit/Volumes.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -28,6 +29,9 @@ struct OffloadPlan {
   /// Destination folders in the user's order. The index into this list, the destination index,
   /// identifies a destination everywhere.
   std::vector<PlatformKit::Path> destinations;
+  /// The volume that each destination, or what there is of its path, lay on when it was chosen; see
+  /// volumeOf. None: the run takes what it finds when it begins.
+  std::vector<std::optional<PlatformKit::VolumeIdentifier>> volumes = {};
   HashKit::HashAlgorithm algorithm = HashKit::HashAlgorithm::xxh64;
   bool verifySource = true;   ///< read every source file a second time and compare
   std::size_t chunkSize = 0;  ///< bytes of every transfer buffer; 8 MiB is usual

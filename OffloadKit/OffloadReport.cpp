@@ -52,8 +52,14 @@ std::string shown(std::string_view text) {
   return escapeMarkup(PlatformKit::withoutControls(text));
 }
 
+// Every file that is known of is on every drive, and none is missing that could not be read.
+bool isGood(const OffloadResult& result) {
+  return result.allVerified() && result.unreadable.empty();
+}
+
 std::string verdict(const OffloadResult& result) {
-  if (result.allVerified()) return "Every file was copied and verified on every drive.";
+  if (isGood(result)) return "Every file was copied and verified on every drive.";
+  if (result.allVerified()) return "Some of the card couldn't be read. Don't erase the card yet.";
   return std::to_string(result.failedFiles().size()) +
          " file(s) were not verified on every drive. See below.";
 }
@@ -133,7 +139,7 @@ void appendUnreadable(std::string& page, const OffloadResult& result) {
   if (result.unreadable.empty()) return;
   page += kHeading;
   page +=
-      "Could not be read from the card</h2><p class=bad>Files may be missing from the table above. "
+      "Could not be read from the card</h2><p class=bad>Files may be missing from the table below. "
       "Don't erase the card yet.</p>\n<ul>\n";
   for (const UnreadableItem& item : result.unreadable) {
     page += "<li><span class=path>" +
@@ -193,16 +199,17 @@ std::string html(const OffloadResult& result, std::optional<std::size_t> highlig
       "<title>" +
       title + "</title>\n<style>\n";
   page += kStyleBeforeVerdict;
-  page += result.allVerified() ? "var(--ok)" : "var(--bad)";
+  page += isGood(result) ? "var(--ok)" : "var(--bad)";
   page += kStyleAfterVerdict;
   page += "</style></head><body><main>\n<h1>" + title + "</h1>\n<p class=verdict>" +
-          verdict(result) + "</p>\n" + figures(result) + "<ul>";
+          verdict(result) + "</p>\n";
+  appendUnreadable(page, result);
+  page += figures(result) + "<ul>";
   for (std::size_t i = 0; i < result.plan.destinations.size(); ++i) {
     page += driveLine(result, i, highlight == i);
   }
   page += "</ul>\n" + imageSection(result);
   appendTable(page, result);
-  appendUnreadable(page, result);
   appendRewrittenNames(page, result);
   page +=
       "<footer>Made with Zephrimark Offload. Checksums are also saved in the ascmhl folder (ASC "

@@ -88,6 +88,14 @@ struct CardImageResult {
   std::string relativePath;  ///< below its destination folder
 };
 
+/// A record that a drive with verified files should have got and has not.
+struct MissingRecord {
+  enum class Kind { report, hashList };
+  Kind kind;
+  std::size_t destination;
+  std::string reason;  ///< a sentence for people
+};
+
 /// The outcome of a run that came to its end.
 struct OffloadResult {
   OffloadPlan plan;
@@ -103,8 +111,12 @@ struct OffloadResult {
   std::set<std::size_t> readThroughCache;
   std::vector<PlatformKit::Path> mhlFiles;  ///< hash lists written, in destination order
   std::vector<PlatformKit::Path> reports;   ///< reports written, in destination order
+  std::vector<MissingRecord> missingRecords;
   std::optional<CardImageResult> cardImage;
 
+  /// Everything that was asked for is there: all files are verified, all of the card could be read,
+  /// the image, if there is one, is verified and has no holes, and every drive has its records.
+  [[nodiscard]] bool isComplete() const;
   /// Sum of the sizes of all files, whatever became of them, in bytes.
   [[nodiscard]] std::uint64_t totalBytes() const;
   /// No file failed on any destination; true also without files.

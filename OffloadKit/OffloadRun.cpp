@@ -25,7 +25,8 @@ OffloadRun::OffloadRun(const OffloadPlan& plan, PlatformKit::System system,
       progress_(progress),
       isCancelled_(isCancelled),
       afterWrite_(afterWrite),
-      closing_(plan, system, rawDevices) {
+      health_(system, plan),
+      closing_(plan, system, rawDevices, health_) {
   result_.plan = plan;
 }
 
@@ -33,6 +34,7 @@ OffloadResult OffloadRun::execute(bool checkSpace) {
   result_.started = now();
   progress_({});
   scanSource();
+  requirePlaces();
   preflight(system_, plan_, checkSpace ? files_ : std::vector<SourceFile>{});
   createDestinations();
   lockDestinations();
@@ -52,6 +54,14 @@ OffloadResult OffloadRun::execute(bool checkSpace) {
   result_.finished = now();
   closing_.writeRecords(result_);
   return std::move(result_);
+}
+
+// A drive that was unmounted leaves a folder behind, on the computer's own disk.
+void OffloadRun::requirePlaces() const {
+  for (std::size_t i = 0; i < plan_.destinations.size(); ++i) {
+    if (health_.isInPlace(i)) continue;
+    throw OffloadError::destinationUnavailable(displayName(system_, plan_.destinations[i]));
+  }
 }
 
 void OffloadRun::scanSource() {
@@ -74,6 +84,8 @@ void OffloadRun::createDestinations() {
     }
     if (system_.volumes.facts(destination).readsThroughCache) result_.readThroughCache.insert(i);
   }
+  requirePlaces();
+  health_.settle();
 }
 
 // Two runs into one folder would take each other's temporary copies, and two destinations that are one
@@ -99,8 +111,7 @@ void OffloadRun::countWork() {
 void OffloadRun::copyFiles() {
   const auto paths = relativePathsOf(files_);
   const TemporaryNames temporaryNames(paths);
-  DestinationHealth health(system_, plan_.destinations);
-  FolderFlush folders(system_, plan_.destinations);
+  FolderFlush folders(system_, plan_.destinations, health_);
   const std::size_t destinations = plan_.destinations.size();
   // A read-back reads every copy and the card at once.
   PlatformKit::WorkerPool workers(
@@ -112,7 +123,7 @@ void OffloadRun::copyFiles() {
   for (std::size_t i = 0; i <= destinations; ++i) readBackBuffers.emplace_back(plan_.chunkSize);
   CopyResources resources{
       plan_,      system_,        temporaryNames,  temporaryNames.areDistinct(paths),
-      health,     folders,        workers,         originalReaders,
+      health_,    folders,        workers,         originalReaders,
       pace,       transferBuffer, readBackBuffers, isCancelled_,
       afterWrite_};
 
@@ -133,8 +144,11 @@ void OffloadRun::copyFiles() {
     }
     current = std::move(next);
   }
-  folders.flush(result_.files, health);
-  result_.destinationErrors = health.errors();
+  folders.flushAll(result_.files);
+  result_.destinationErrors = health_.errors();
+  // What the last flush took back.
+  drives_.assign(drives_.size(), {});
+  for (const OffloadedFile& file : result_.files) countOutcomes(file);
 }
 
 void OffloadRun::copyFile(const SourceFile& file, const CopyStep& copy) {

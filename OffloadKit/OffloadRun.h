@@ -25,6 +25,7 @@ class OffloadRun {
 
  private:
   void scanSource();
+  void requirePlaces() const;
   void createDestinations();
   void lockDestinations();
   void countWork();
@@ -43,6 +44,7 @@ class OffloadRun {
   const std::function<bool()>& isCancelled_;
   const std::function<void(const PlatformKit::Path&)>& afterWrite_;
 
+  DestinationHealth health_;
   RunClosing closing_;
   std::vector<std::unique_ptr<PlatformKit::FolderLock>> locks_;
   std::vector<SourceFile> files_;

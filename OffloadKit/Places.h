@@ -3,6 +3,7 @@
 #include "PlatformKit/System.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace OffloadKit {
@@ -20,6 +21,11 @@ std::string volumeName(PlatformKit::System system, const PlatformKit::Path& item
 /// How people know a source: the volume's name when it is a whole volume that has one, else its
 /// last component.
 std::string sourceName(PlatformKit::System system, const PlatformKit::Path& source);
+
+/// The volume that `folder` lies on or would lie on: of its nearest ancestor that is there. None when
+/// that cannot be told.
+std::optional<PlatformKit::VolumeIdentifier> volumeOf(PlatformKit::FileSystem& fileSystem,
+                                                      const PlatformKit::Path& folder);
 
 /// Bytes free to this user on the volume of the item, 0 when that cannot be told.
 std::uint64_t freeSpace(PlatformKit::System system, const PlatformKit::Path& item);

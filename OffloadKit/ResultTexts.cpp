@@ -131,6 +131,16 @@ std::string unreadableItem(const UnreadableItem& item) {
   return name + ": " + shownLine(item.reason);
 }
 
+std::string missingRecord(const OffloadResult& result, const MissingRecord& missing) {
+  const std::string folder =
+      singleLineText(result.plan.destinations.at(missing.destination).native());
+  const std::string text =
+      missing.kind == MissingRecord::Kind::report
+          ? translate("Result", "The report could not be written to %1: %2")
+          : translate("Result", "The hash list could not be written to %1: %2");
+  return filled(text, {folder, shownLine(missing.reason)});
+}
+
 std::vector<std::string> capped(std::vector<std::string> lines, std::size_t limit) {
   if (lines.size() <= limit) return lines;
   const std::size_t more = lines.size() - limit;

@@ -41,6 +41,9 @@ std::string failedFile(const OffloadedFile& file);
 /// "DCIM/BAD: Input/output error".
 std::string unreadableItem(const UnreadableItem& item);
 
+/// "The hash list could not be written to /media/T7/A001: The drive is full".
+std::string missingRecord(const OffloadResult& result, const MissingRecord& missing);
+
 /// The lines, and where there are more than `limit` of them, the first ones and how many more the
 /// report lists.
 std::vector<std::string> capped(std::vector<std::string> lines, std::size_t limit);

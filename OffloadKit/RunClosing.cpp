@@ -8,28 +8,9 @@
 #include "OffloadKit/OffloadReport.h"
 
 #include <cerrno>
+#include <system_error>
 
 namespace OffloadKit {
-namespace {
-
-// A record that cannot be written must not spoil a verified offload; the result shows it missing.
-template <class Write>
-void addUnlessItFails(std::vector<PlatformKit::Path>& list, Write write) {
-  try {
-    list.push_back(write());
-  } catch (const std::exception&) {
-    return;
-  }
-}
-
-// Where such a drive was mounted, a folder of the computer's own disk comes to light.
-bool isDisconnected(const OffloadResult& result, std::size_t destination) {
-  const auto error = result.destinationErrors.find(destination);
-  return error != result.destinationErrors.end() && error->second == describe(ENODEV);
-}
-
-}  // namespace
-
 void RunClosing::openCardDevice() {
   if (!plan_.cardImage) return;
   const std::string& path = plan_.cardImage->devicePath;
@@ -50,18 +31,52 @@ std::optional<CardImageResult> RunClosing::writeCardImage(
   if (!card_ || plan_.cardImage->destinationIndex >= plan_.destinations.size()) {
     return std::nullopt;
   }
+  const std::size_t destination = plan_.cardImage->destinationIndex;
+  const auto whyNot = [this, destination]() -> std::optional<std::string> {
+    health_.checkPlace(destination);
+    const std::string* givenUp = health_.givenUp(destination);
+    return givenUp != nullptr ? std::optional(*givenUp) : std::nullopt;
+  };
   const std::string name = CardImager::fileName(plan_.sourceName, started);
-  return CardImager::write(system_, *card_, plan_.destinations[plan_.cardImage->destinationIndex],
-                           name, plan_.algorithm, plan_.chunkSize, isCancelled,
+  return CardImager::write(system_, *card_, plan_.destinations[destination], name, plan_.algorithm,
+                           plan_.chunkSize, {isCancelled, whyNot},
                            [&](double bytes) { progress(name, bytes); });
 }
 
 void RunClosing::writeRecords(OffloadResult& result) const {
+  // All of them first: what became of one drive stands in the reports of the others.
+  for (std::size_t i = 0; i < plan_.destinations.size(); ++i) health_.checkPlace(i);
+  result.destinationErrors = health_.errors();
   for (std::size_t i = 0; i < plan_.destinations.size(); ++i) {
-    if (result.verifiedCount(i) == 0 || isDisconnected(result, i)) continue;
-    addUnlessItFails(result.reports, [&] { return OffloadReport::write(system_, result, i); });
-    addUnlessItFails(result.mhlFiles, [&] { return writeHashList(result, i); });
+    if (result.verifiedCount(i) == 0) continue;
+    writeRecord(result, {MissingRecord::Kind::report, i, {}});
+    writeRecord(result, {MissingRecord::Kind::hashList, i, {}});
   }
+  result.destinationErrors = health_.errors();
+}
+
+// A record that cannot be written must not spoil a verified offload; the result tells it.
+void RunClosing::writeRecord(OffloadResult& result, MissingRecord missing) const {
+  const bool isReport = missing.kind == MissingRecord::Kind::report;
+  const std::size_t i = missing.destination;
+  try {
+    // Where a drive was mounted that is gone, a folder of the computer's own disk comes to light.
+    if (!health_.isDisconnected(i)) {
+      const auto path =
+          isReport ? OffloadReport::write(system_, result, i) : writeHashList(result, i);
+      health_.checkPlace(i);
+      if (!health_.isDisconnected(i)) {
+        (isReport ? result.reports : result.mhlFiles).push_back(path);
+        return;
+      }
+    }
+    missing.reason = describe(ENODEV);
+  } catch (const std::system_error& error) {
+    missing.reason = health_.otherError(i, error.code().value());
+  } catch (const std::exception& error) {
+    missing.reason = error.what();
+  }
+  result.missingRecords.push_back(std::move(missing));
 }
 
 PlatformKit::Path RunClosing::writeHashList(const OffloadResult& result,

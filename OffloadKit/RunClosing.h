@@ -2,6 +2,7 @@
 
 #include "DeviceKit/BlockDeviceSource.h"
 #include "DeviceKit/RawDeviceAccess.h"
+#include "OffloadKit/DestinationHealth.h"
 #include "OffloadKit/OffloadPlan.h"
 #include "OffloadKit/OffloadResult.h"
 #include "PlatformKit/System.h"
@@ -20,8 +21,8 @@ class RunClosing {
  public:
   /// The arguments outlive this object.
   RunClosing(const OffloadPlan& plan, PlatformKit::System system,
-             const DeviceKit::RawDeviceAccess& rawDevices)
-      : plan_(plan), system_(system), rawDevices_(rawDevices) {}
+             const DeviceKit::RawDeviceAccess& rawDevices, DestinationHealth& health)
+      : plan_(plan), system_(system), rawDevices_(rawDevices), health_(health) {}
 
   /// Opens the card's device when the plan wants an image. Done before any file is copied, so that
   /// a system's question for a password comes at the start. Throws
@@ -31,24 +32,26 @@ class RunClosing {
   /// Bytes that the image will take: written once, read back once; 0 without an image.
   [[nodiscard]] std::uint64_t imageWork() const;
 
-  /// Writes and checks the image, if the device was opened and its destination exists. `progress`
-  /// gets the image's name and the bytes just handled. Failures are in the result. Throws
+  /// Writes and checks the image, if the device was opened and its destination exists. One on a
+  /// destination that was given up fails with that sentence. `progress` gets the image's name and the bytes just handled. Failures are in the result. Throws
   /// OffloadError::cancelled.
   std::optional<CardImageResult> writeCardImage(
       PlatformKit::Date started, const std::function<bool()>& isCancelled,
       const std::function<void(const std::string&, double)>& progress);
 
   /// Writes the report and then the hash list, which lists the report, on every destination with a
-  /// verified file, and adds them to the result. One that cannot be written is missing there.
+  /// verified file, and adds them to the result, or why they are missing.
   void writeRecords(OffloadResult& result) const;
 
  private:
+  void writeRecord(OffloadResult& result, MissingRecord missing) const;
   [[nodiscard]] PlatformKit::Path writeHashList(const OffloadResult& result,
                                                 std::size_t destination) const;
 
   const OffloadPlan& plan_;
   PlatformKit::System system_;
   const DeviceKit::RawDeviceAccess& rawDevices_;
+  DestinationHealth& health_;
   std::unique_ptr<DeviceKit::ByteSource> card_;
 };
 

@@ -60,6 +60,7 @@ constexpr std::array kPatterns = {
     translatable("Errors", "%1 is not on a memory card or an external drive. It was not ejected."),
     translatable("Errors", "%1 is not mounted any more, so it was not ejected."),
     translatable("Errors", "The card was not ejected because not everything is verified."),
+    translatable("Errors", "The card was not ejected because the result could not be written."),
     // The system's own texts for what file systems and disks answer
     translatable("Errors", "Bad message"),
     translatable("Errors", "Cannot allocate memory"),

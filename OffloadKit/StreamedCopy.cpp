@@ -23,12 +23,13 @@ OffloadedFile StreamedCopy::finish(std::size_t /*number*/, const CopyProgress& p
     });
   }
   progress.verifying(copy_.file().size * readers);
+  resources_.checkPlaces();
   return copy_.decide(hasher_->finalize());
 }
 
 void StreamedCopy::chooseTargets() {
   for (std::size_t i = 0; i < resources_.plan.destinations.size(); ++i) {
-    resources_.health.checkVolume(i);
+    resources_.health.checkPlace(i);
     KnownFolder folder;
     copy_.chooseTarget(i, folder);
   }
@@ -88,7 +89,7 @@ void StreamedCopy::finishOriginal(CopyBatch* next) {
 void StreamedCopy::flushEverywhere() {
   const auto flush = [&](std::size_t i) {
     copy_.setDates(i);
-    copy_.flush(i);
+    if (copy_.flush(i)) resources_.folders.flushNow(i);
   };
   resources_.workers.parallelFor(resources_.plan.destinations.size(), flush);
   copy_.settleWrites();

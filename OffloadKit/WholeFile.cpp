@@ -1,5 +1,6 @@
 #include "OffloadKit/WholeFile.h"
 
+#include "OffloadKit/DurableNames.h"
 #include "OffloadKit/PendingCopy.h"
 #include "OffloadKit/Transfer.h"
 
@@ -19,12 +20,12 @@ int writeWholeFile(FileSystem& fileSystem, const Path& path, const Path& tempora
   PendingCopy& pending = created.value();
   int error = writeFully(*pending.file(), std::as_bytes(std::span(content)));
   if (error == 0) error = pending.file()->flush();
-  pending.close();
   if (error == 0) {
     error = existing == Existing::keep ? pending.commit() : pending.commitReplacing();
   }
-  // Ignored on purpose: the file is whole and has its name; only a power cut could still undo that.
-  if (error == 0) static_cast<void>(fileSystem.flushFolder(path.parent_path()));
+  // Some file systems write a moved file's size only now; see VolumeFacts::moveKeepsContent.
+  if (error == 0) error = pending.file()->flush();
+  if (error == 0) error = flushNames(fileSystem, path.parent_path());
   return error;
 }
 

@@ -11,10 +11,11 @@ namespace OffloadKit {
 enum class Existing { keep, replace };
 
 /// Writes a whole small file in one step: as `temporary` in the same folder, flushed, then moved to
-/// its name, whose folder is flushed too. A reader sees the old file or the new one, never a part.
-/// A leftover of the temporary name is removed. With Existing::keep a file of the final name stays
-/// and the answer is EEXIST. Answers 0 or the error number; nothing is left under the temporary
-/// name. Any thread.
+/// its name and flushed there with its folder. A reader sees the old file or the new one, never a
+/// part. A leftover of the temporary name is removed. With Existing::keep a file of the final name
+/// stays and the answer is EEXIST. Answers 0 when the file is on the drive under its name, else the
+/// error number; the file may then have its name, and nothing is left under the temporary one. Any
+/// thread.
 [[nodiscard]] int writeWholeFile(PlatformKit::FileSystem& fileSystem, const PlatformKit::Path& path,
                                  const PlatformKit::Path& temporary, std::string_view content,
                                  Existing existing);

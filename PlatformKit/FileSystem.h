@@ -71,6 +71,10 @@ class ReadableFile {
 
   /// A hint that this range (bytes) will not be read again through this object.
   virtual void discard(std::uint64_t offset, std::uint64_t length) = 0;
+
+  /// Returns when content, size and dates of the file are on the drive (fsync), whoever wrote them.
+  /// Answers 0 or an error number.
+  [[nodiscard]] virtual int flush() = 0;
 };
 
 /// A new file open for writing from its start. One thread at a time; closed by the destructor.

@@ -74,7 +74,7 @@ void imageWithOurs(const std::string& device, const Path& folder, std::uint64_t 
   DeviceKit::BlockDeviceSource source(std::move(opened.value()), device);
   const auto result = OffloadKit::CardImager::write(
       {fileSystem, volumes, clock}, source, folder, "ours.img", HashKit::HashAlgorithm::xxh64,
-      OffloadKit::kUsualChunkSize, [] { return false; }, [](double) {});
+      OffloadKit::kUsualChunkSize, {[] { return false; }}, [](double) {});
   if (!result.outcome.isVerified() || result.size != size) std::abort();
 }
 

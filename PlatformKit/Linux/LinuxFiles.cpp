@@ -102,6 +102,10 @@ void LinuxReadableFile::discard(std::uint64_t offset, std::uint64_t length) {
   advise(fd_.get(), offset, length, POSIX_FADV_DONTNEED);
 }
 
+int LinuxReadableFile::flush() {
+  return fsync(fd_.get()) == 0 ? 0 : errno;
+}
+
 Result<std::size_t> LinuxWritableFile::write(std::span<const std::byte> bytes) {
   const ssize_t count = ::write(fd_.get(), bytes.data(), bytes.size());
   if (count < 0) return ErrorNumber{errno};

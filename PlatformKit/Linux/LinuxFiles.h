@@ -25,6 +25,7 @@ class LinuxReadableFile final : public ReadableFile {
                                            std::uint64_t offset) override;
   void prefetch(std::uint64_t offset, std::uint64_t length) override;
   void discard(std::uint64_t offset, std::uint64_t length) override;
+  [[nodiscard]] int flush() override;
 
  private:
   void leaveDirect();

@@ -3,6 +3,10 @@
 #include "PlatformKit/Linux/BlockVolumes.h"
 #include "PlatformKit/Linux/MountTable.h"
 
+#include <algorithm>
+#include <array>
+#include <string_view>
+
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 
@@ -12,6 +16,14 @@ namespace {
 std::optional<std::string> nonEmpty(std::string text) {
   if (text.empty()) return std::nullopt;
   return text;
+}
+
+// Those whose names lead to what a file is instead of holding a part of it, and exFAT, whose driver
+// moves that part along; docs/testing.md says how it was tried.
+bool moveKeepsContent(std::string_view fileSystem) {
+  constexpr std::array<std::string_view, 7> kTried = {"ext2",  "ext3",  "ext4", "xfs",
+                                                      "btrfs", "exfat", "tmpfs"};
+  return std::find(kTried.begin(), kTried.end(), fileSystem) != kTried.end();
 }
 
 }  // namespace
@@ -29,6 +41,7 @@ VolumeFacts LinuxVolumes::facts(const Path& existing) {
   if (const Mount* mount = mountHolding(mounts, path)) {
     facts.root = mount->point;
     facts.readsThroughCache = mount->fileSystem == "fuseblk";
+    facts.moveKeepsContent = moveKeepsContent(mount->fileSystem);
     facts.device = blockDeviceOf(*mount);
     if (facts.device) facts.name = volumeLabel(roots_.udevData, *facts.device);
     if (!facts.name) facts.name = nonEmpty(mount->point.filename().native());

@@ -36,6 +36,10 @@ class FaultyReadableFile final : public ReadableFile {
   void discard(std::uint64_t offset, std::uint64_t length) override {
     below_->discard(offset, length);
   }
+  int flush() override {
+    const int error = owner_.ask(Call::flushRead, path_).error;
+    return error != 0 ? error : below_->flush();
+  }
 
  private:
   FaultyFileSystem& owner_;

@@ -17,6 +17,10 @@ OffloadKit::OffloadPlan OffloadModel::plan() const {
   plan.source = *source_;
   plan.sourceName = sourceName();
   plan.destinations = plannedFolders();
+  for (std::size_t i = 0; i < plan.destinations.size(); ++i) {
+    const auto facts = destinationFacts(i);
+    plan.volumes.push_back(facts ? facts->volume : std::nullopt);
+  }
   plan.algorithm = choices_.algorithm;
   plan.verifySource = choices_.verifySource;
   plan.chunkSize = OffloadKit::kUsualChunkSize;
@@ -110,8 +114,7 @@ void OffloadModel::finished(OffloadKit::OffloadResult result, const std::optiona
   services_.desktop.notify(QString::fromStdString(notice.title),
                            QString::fromStdString(notice.body));
   // Nobody reads a card again that is in a bag: it stays while anything of it may be missing.
-  const bool isComplete = shown->allVerified() && shown->unreadable.empty();
-  if (eject && isComplete && isSourceOfRun()) this->eject(*eject);
+  if (eject && shown->isComplete() && isSourceOfRun()) this->eject(*eject);
 }
 
 void OffloadModel::stopped() {

@@ -17,10 +17,9 @@ class Imager : public OffloadFixture {
  protected:
   CardImageResult imageOf(DeviceKit::ByteSource& source) {
     progress_.clear();
-    return CardImager::write(
-        system_, source, drive(1), "card.img", HashKit::HashAlgorithm::md5, kChunk,
-        [this] { return polls_++ == cancelAt_; },
-        [this](double bytes) { progress_.push_back(bytes); });
+    return CardImager::write(system_, source, drive(1), "card.img", HashKit::HashAlgorithm::md5,
+                             kChunk, {[this] { return polls_++ == cancelAt_; }},
+                             [this](double bytes) { progress_.push_back(bytes); });
   }
   CardImageResult imageOf(const std::string& device) {
     DeviceKit::BlockDeviceSource source(std::move(rawDevices_.open(device).value()), device);

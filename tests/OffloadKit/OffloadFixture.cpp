@@ -16,6 +16,12 @@ Path OffloadFixture::drive(int number) const {
   return folder_.path() / ("drive" + std::to_string(number));
 }
 
+void OffloadFixture::setFat(int number, bool isFat) {
+  PlatformKit::VolumeFacts facts = volumes_.facts(drive(number));
+  facts.moveKeepsContent = !isFat;
+  volumes_.lay(drive(number), facts);
+}
+
 void OffloadFixture::setRoom(int number, std::uint64_t bytes) {
   PlatformKit::VolumeFacts facts;
   facts.identifier = PlatformKit::VolumeIdentifier{1000U + static_cast<unsigned>(number)};
@@ -23,6 +29,7 @@ void OffloadFixture::setRoom(int number, std::uint64_t bytes) {
   facts.name = "T" + std::to_string(number);
   facts.available = bytes;
   facts.device = device(number);
+  facts.moveKeepsContent = true;
   volumes_.lay(drive(number), facts);
 }
 

@@ -37,6 +37,8 @@ class OffloadFixture : public ::testing::Test {
   [[nodiscard]] Path copies(int number) const { return drive(number) / "2026-10-07" / "A001"; }
   static PlatformKit::DeviceNumber device(int number) { return {8, static_cast<unsigned>(number)}; }
   void setRoom(int number, std::uint64_t bytes);
+  /// Whether the drive is one that writes a moved file's size only when it is flushed again.
+  void setFat(int number, bool isFat);
 
   /// Puts a file on the card, modified at a date with a fraction of a second.
   void addFile(const std::string& relativePath, const std::string& content);

@@ -7,6 +7,8 @@ namespace {
 
 using ::testing::Each;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
 
 class VanishedDrive : public OffloadFixture {
  protected:
@@ -14,6 +16,7 @@ class VanishedDrive : public OffloadFixture {
   // `error`, as a pulled drive does.
   void pullAt(Call call, int error) {
     gone_ = false;
+    volumes_.plugIn(device(2));
     fileSystem_.setScript([this, call, error](const CallInfo& info) {
       const bool there = info.path.native().starts_with(drive(2).native());
       const bool theFile = info.path.filename() == "b" || info.path.filename() == ".b.zmpart";
@@ -48,9 +51,10 @@ TEST_F(VanishedDrive, isGivenUpWhateverTheKernelCallsItAndWheneverItGoes) {
         EXPECT_EQ(result.verifiedCount(0), 3U);
         EXPECT_THAT(result.destinationErrors,
                     ElementsAre(std::pair(1U, "The drive was disconnected")));
-        const bool firstHasItsName = !together || call == Call::move;
+        // Its name is flushed with the second file.
+        const bool firstIsThere = !together && call == Call::move;
         EXPECT_EQ(result.files[0].outcomes[1],
-                  firstHasItsName ? Outcome::verified(false) : disconnected);
+                  firstIsThere ? Outcome::verified(false) : disconnected);
       }
     }
 }
@@ -64,8 +68,7 @@ TEST_F(VanishedDrive, isGivenUpWhileTheNextGroupHasBegun) {
     const auto result = run(plan());
     ASSERT_TRUE(gone_);
     EXPECT_EQ(result.verifiedCount(0), 26U);
-    EXPECT_EQ(result.verifiedCount(1), call == Call::move ? 1U : 0U);
-    for (std::size_t i = 1; i < result.files.size(); ++i) {
+    for (std::size_t i = 0; i < result.files.size(); ++i) {
       EXPECT_EQ(result.files[i].outcomes[1], Outcome::failed("The drive was disconnected"));
     }
     fileSystem_.setScript({});
@@ -80,7 +83,7 @@ TEST_F(VanishedDrive, isGivenUpWhenItGoesDuringTheReadBack) {
   addThreeFiles(false);
   pullAt(Call::openForReading, EIO);
   const auto result = run(plan());
-  EXPECT_EQ(result.files[1].outcomes[1], Outcome::failed("The copy couldn't be read back"));
+  EXPECT_EQ(result.files[1].outcomes[1], Outcome::failed("The drive was disconnected"));
   EXPECT_EQ(result.files[2].outcomes[1], Outcome::failed("The drive was disconnected"));
   EXPECT_EQ(result.verifiedCount(0), 3U);
 
@@ -110,27 +113,145 @@ TEST_F(VanishedDrive, takesItsVerdictAlongWhenItGoesBeforeTheNamesAreDurable) {
   EXPECT_THAT(result.destinationErrors, ElementsAre(std::pair(1U, "The drive was disconnected")));
 }
 
-// A drive that is unmounted under way leaves an empty folder behind, on the computer's own disk.
-TEST_F(VanishedDrive, isMissedWhenItsFolderLiesOnAnotherVolume) {
+// Names that were not flushed when a drive began to fail need not be there when it comes back.
+TEST_F(VanishedDrive, isToldOnlyWhatWasFlushedBeforeItFailed) {
+  for (const char* name : {"a", "b", "c"}) addFile(name, pattern(kChunk));
+  bool failing = false;
+  fileSystem_.setScript([&](const CallInfo& info) {
+    const bool there = info.path.native().starts_with(drive(2).native());
+    if (there && info.call == Call::write && info.path.filename() == ".c.zmpart") failing = true;
+    const bool changes = info.call == Call::write || info.call == Call::flushFolder;
+    return Intervention{failing && there && changes ? EIO : 0};
+  });
+  const auto result = run(plan());
+  const auto failed = Outcome::failed("The drive reported a write error");
+  EXPECT_EQ(result.files[0].outcomes[1], Outcome::verified(false));
+  EXPECT_EQ(result.files[1].outcomes[1], failed);
+  EXPECT_EQ(result.files[2].outcomes[1], failed);
+  EXPECT_EQ(result.verifiedCount(0), 3U);
+  EXPECT_THAT(readFile(result.reports[0]), HasSubstr("1 of 3 files verified · stopped: "));
+}
+
+TEST_F(VanishedDrive, isNotTriedAgainWhileTheRestOfAGroupGetsItsNames) {
   for (const char* name : {"a", "b", "c"}) addFile(name, pattern(1000));
-  bool unmounted = false;
-  for (const char* at : {".b.zmpart", "the end"}) {
-    for (int number = 1; number <= 2; ++number) std::filesystem::remove_all(copies(number));
-    unmounted = false;
-    fileSystem_.setScript([&](const CallInfo& info) {
+  std::vector<std::string> tried;
+  fileSystem_.setScript([&](const CallInfo& info) {
+    const bool there = info.path.native().starts_with(drive(2).native());
+    if (!there || info.call != Call::move || tried.size() > 2) return Intervention{};
+    tried.push_back(info.path.filename());
+    if (tried.size() < 2) return Intervention{EACCES};
+    volumes_.pull(device(2));
+    return Intervention{EIO};
+  });
+  const auto result = run(plan());
+  EXPECT_THAT(tried, ElementsAre("a", "b"));
+  EXPECT_EQ(result.files[0].outcomes[1], Outcome::failed("No permission to write here"));
+  EXPECT_EQ(result.files[2].outcomes[1], Outcome::failed("The drive was disconnected"));
+  EXPECT_EQ(result.verifiedCount(0), 3U);
+  expectNothingPending();
+}
+
+/// A drive that is unmounted leaves an empty folder behind, on the computer's own disk.
+class UnmountedDrive : public VanishedDrive {
+ protected:
+  UnmountedDrive() {
+    for (const char* name : {"a", "b", "c"}) addFile(name, pattern(1000));
+    rawDevices_.add("/dev/card", pattern(4 * kChunk, 9));
+  }
+
+  // Runs the plan; the second drive is unmounted at the first such call.
+  std::optional<OffloadResult> unmountAt(Call call, const std::string& name, OffloadPlan wanted) {
+    fileSystem_.setScript([=, this](const CallInfo& info) {
+      if (info.call == call && info.path.filename() == name) isUnmounted_ = true;
       Intervention intervention;
-      const bool there = info.path.native().starts_with(drive(2).native());
-      if (there && info.call == Call::createFile && info.path.filename() == at) unmounted = true;
-      if (there && info.call == Call::flushFolder) unmounted = true;
-      intervention.otherVolume = unmounted && info.path == copies(2);
+      // Only where it was mounted looks different: below, everything can be made and found.
+      const Path& path = info.path.filename() == "." ? info.path.parent_path() : info.path;
+      intervention.otherVolume = isUnmounted_ && (path == drive(2) || path == copies(2));
       return intervention;
     });
-    const auto result = run(plan());
-    EXPECT_TRUE(unmounted);
-    EXPECT_EQ(result.verifiedCount(0), 3U);
-    EXPECT_EQ(result.files[2].outcomes[1], Outcome::failed("The drive was disconnected"));
-    EXPECT_THAT(result.destinationErrors, ElementsAre(std::pair(1U, "The drive was disconnected")));
+    try {
+      return run(wanted);
+    } catch (const OffloadError& error) {
+      refusal_ = error.errorDescription();
+      return std::nullopt;
+    }
   }
+  // What has a final name where the drive was mounted.
+  [[nodiscard]] std::vector<std::string> named() const {
+    std::vector<std::string> items = tree(copies(2));
+    std::erase_if(items, [](const std::string& item) { return item.ends_with('/'); });
+    return items;
+  }
+
+  bool isUnmounted_ = false;
+  std::string refusal_;
+};
+
+TEST_F(UnmountedDrive, keepsARunFromStartingOnTheDiskBehindIt) {
+  EXPECT_FALSE(unmountAt(Call::list, "card", plan()));
+  EXPECT_EQ(refusal_, "T2 (A001) isn't available or can't be written to.");
+  EXPECT_THAT(tree(drive(2)), IsEmpty());
+
+  // It was gone already when the run began.
+  auto chosenBefore = plan();
+  chosenBefore.volumes = {std::nullopt, PlatformKit::VolumeIdentifier{1}};
+  EXPECT_FALSE(unmountAt(Call::list, "nowhere", chosenBefore));
+  EXPECT_THAT(tree(drive(2)), IsEmpty());
+}
+
+TEST_F(UnmountedDrive, getsNoNamesOnTheDiskBehindIt) {
+  for (const auto& [call, name] :
+       {std::pair(Call::lockFolder, "A001"), std::pair(Call::createFile, ".b.zmpart"),
+        std::pair(Call::flush, ".c.zmpart"), std::pair(Call::openForReading, ".a.zmpart")}) {
+    for (int number = 1; number <= 2; ++number) std::filesystem::remove_all(copies(number));
+    isUnmounted_ = false;
+    const auto result = unmountAt(call, name, plan());
+    ASSERT_TRUE(isUnmounted_ && result) << name;
+    EXPECT_EQ(result->verifiedCount(0), 3U);
+    EXPECT_EQ(result->verifiedCount(1), 0U);
+    EXPECT_EQ(result->files[1].outcomes[1], Outcome::failed("The drive was disconnected"));
+    EXPECT_THAT(result->destinationErrors,
+                ElementsAre(std::pair(1U, "The drive was disconnected")));
+    EXPECT_THAT(named(), IsEmpty()) << name;
+  }
+}
+
+TEST_F(UnmountedDrive, takesBackWhatHadNamesThatWereNotFlushed) {
+  const auto result = unmountAt(Call::flushFolder, "A001", plan());
+  ASSERT_TRUE(result);
+  EXPECT_EQ(result->verifiedCount(1), 0U);
+  EXPECT_EQ(result->files[2].outcomes[1], Outcome::failed("The drive was disconnected"));
+}
+
+TEST_F(UnmountedDrive, getsNoImageAndNoRecordsOnTheDiskBehindIt) {
+  for (const std::size_t imageOn : {std::size_t{0}, std::size_t{1}}) {
+    for (int number = 1; number <= 2; ++number) std::filesystem::remove_all(copies(number));
+    isUnmounted_ = false;
+    auto wanted = plan();
+    wanted.cardImage = CardImageRequest{"/dev/card", imageOn, 4 * kChunk};
+    const auto result = unmountAt(Call::createFolder, "Card Image", wanted);
+    ASSERT_TRUE(isUnmounted_ && result);
+    // The copies had been flushed by then.
+    EXPECT_TRUE(result->allVerified());
+    EXPECT_FALSE(result->isComplete());
+    EXPECT_THAT(named(), ElementsAre("a", "b", "c"));
+    EXPECT_EQ(result->cardImage->outcome,
+              imageOn == 0 ? CardImageResult::Outcome::verified()
+                           : CardImageResult::Outcome::failed("The drive was disconnected"));
+    ASSERT_EQ(result->missingRecords.size(), 2U);
+    EXPECT_EQ(result->missingRecords[0].destination, 1U);
+    EXPECT_EQ(result->missingRecords[0].reason, "The drive was disconnected");
+    EXPECT_EQ(result->reports.size(), 1U);
+  }
+}
+
+TEST_F(UnmountedDrive, thatWasGivenUpGetsNoImage) {
+  auto wanted = plan();
+  wanted.cardImage = CardImageRequest{"/dev/card", 1, 4 * kChunk};
+  fileSystem_.setScript(FaultyFileSystem::failing(Call::write, ".b.zmpart", ENOSPC));
+  const auto result = run(wanted);
+  EXPECT_EQ(result.cardImage->outcome, CardImageResult::Outcome::failed("The drive is full"));
+  EXPECT_FALSE(std::filesystem::exists(copies(2) / "Card Image"));
 }
 
 }  // namespace

@@ -119,6 +119,7 @@ Bench::Bench(const Variant& variant) : variant_(variant) {
     PlatformKit::VolumeFacts facts;
     facts.identifier = PlatformKit::VolumeIdentifier{1000 + drive};
     facts.available = 1'000'000'000'000;
+    facts.moveKeepsContent = !variant.fat;
     volumes_.lay(drives() / ("drive" + std::to_string(drive)), facts);
     std::filesystem::create_directories(drives() / copies(drive));
   }
@@ -200,6 +201,27 @@ Violations Bench::violationsNow(bool strangersCopyCounts) const {
   }
   if (snapshotOf(card_) != cardBefore_) violations.emplace_back("the card was changed");
   return violations;
+}
+
+Violations Bench::lostOf(const OffloadResult& result) const {
+  Violations lost;
+  const auto expect = [&lost](const Path& path, bool isThere) {
+    if (!isThere) lost.push_back(path.native() + " was promised and is lost");
+  };
+  for (const auto* records : {&result.mhlFiles, &result.reports}) {
+    for (const Path& path : *records) {
+      expect(path, std::filesystem::exists(path) && isWholeRecord(path, readFile(path)));
+    }
+  }
+  for (const auto& file : result.files) {
+    const std::string& path = file.file.relativePath;
+    for (std::size_t drive = 0; drive < kDrives; ++drive) {
+      if (!file.outcomes[drive].isVerified()) continue;
+      const Path copy = drives() / copies(drive) / path;
+      expect(copy, std::filesystem::exists(copy) && readFile(copy) == cardBefore_.at(path).bytes);
+    }
+  }
+  return lost;
 }
 
 // The newest hash list has every verified file with its checksum.

@@ -44,6 +44,7 @@ struct Variant {
   std::size_t chunk;
   bool verifySource = true;
   bool fresh = false;  ///< the drives are empty but for the folders of the copies
+  bool fat = false;    ///< a moved file has no size until it is flushed; see DiskModel
 };
 
 /// A card and two drives in a temporary folder, on which earlier runs and other people left things:
@@ -78,6 +79,8 @@ class Bench {
   /// What must hold beyond that when a run came to its end, for what it says.
   [[nodiscard]] Violations violationsOf(const OffloadKit::OffloadResult& result,
                                         bool strangersCopyCounts = true) const;
+  /// What a run called verified and the records that it told of, as far as it is not on the drives.
+  [[nodiscard]] Violations lostOf(const OffloadKit::OffloadResult& result) const;
 
  private:
   void checkNewest(std::size_t drive, const OffloadKit::OffloadResult& result,

@@ -37,6 +37,19 @@ class RecordedFile final : public PassThroughWritable {
   const std::size_t number_;
 };
 
+// One that can be flushed, too.
+class RecordedReading final : public PassThroughReadable {
+ public:
+  RecordedReading(Recorder& owner, Step flush, std::unique_ptr<PlatformKit::ReadableFile> below)
+      : PassThroughReadable(std::move(below)), owner_(owner), flush_(std::move(flush)) {}
+
+  int flush() override { return owner_.record(below_->flush(), flush_); }
+
+ private:
+  Recorder& owner_;
+  const Step flush_;
+};
+
 // Content that was not flushed, under a name that may have been.
 Item torn(const Item& now, const Item& flushed, std::minstd_rand& random) {
   constexpr std::size_t kSector = 512;
@@ -80,6 +93,7 @@ PlatformKit::Result<std::unique_ptr<PlatformKit::WritableFile>> Recorder::create
   const std::size_t number = [&] {
     const std::lock_guard lock(mutex_);
     steps_.push_back({Kind::createFile, relative(path), {}, ++files_});
+    numbers_[relative(path)] = files_;
     return files_;
   }();
   return std::unique_ptr<PlatformKit::WritableFile>(
@@ -90,12 +104,33 @@ int Recorder::createFolder(const Path& path) {
   return record(below_.createFolder(path), {Kind::createFolder, relative(path)});
 }
 
+PlatformKit::Result<std::unique_ptr<PlatformKit::ReadableFile>> Recorder::openForReading(
+    const Path& path, PlatformKit::ReadMode mode) {
+  auto opened = below_.openForReading(path, mode);
+  if (!opened.ok()) return opened;
+  Step flush{Kind::flush, relative(path)};
+  const std::lock_guard lock(mutex_);
+  // It may have another name when it is flushed.
+  if (const auto number = numbers_.find(flush.path); number != numbers_.end()) {
+    flush.file = number->second;
+  }
+  return std::unique_ptr<PlatformKit::ReadableFile>(
+      std::make_unique<RecordedReading>(*this, std::move(flush), std::move(opened.value())));
+}
+
+int Recorder::moved(int error, const Path& from, const Path& to) {
+  if (record(error, {Kind::move, relative(from), relative(to)}) != 0) return error;
+  const std::lock_guard lock(mutex_);
+  if (auto number = numbers_.extract(relative(from))) numbers_[relative(to)] = number.mapped();
+  return 0;
+}
+
 int Recorder::moveWithoutReplacing(const Path& from, const Path& to) {
-  return record(below_.moveWithoutReplacing(from, to), {Kind::move, relative(from), relative(to)});
+  return moved(below_.moveWithoutReplacing(from, to), from, to);
 }
 
 int Recorder::moveReplacing(const Path& from, const Path& to) {
-  return record(below_.moveReplacing(from, to), {Kind::move, relative(from), relative(to)});
+  return moved(below_.moveReplacing(from, to), from, to);
 }
 
 int Recorder::removeFile(const Path& path) {
@@ -116,7 +151,8 @@ int Recorder::flushVolume(const Path& folder) {
   return record(below_.flushVolume(folder), {Kind::flushVolume, relative(folder)});
 }
 
-DiskModel::DiskModel(const Snapshot& flushed, const Snapshot& cached) : nodes_(1) {
+DiskModel::DiskModel(const Snapshot& flushed, const Snapshot& cached, bool fat)
+    : nodes_(1), fat_(fat) {
   nodes_[0].isFolder = true;
   load(flushed);
   flushBelow(0);
@@ -167,6 +203,7 @@ void DiskModel::flushNames(std::size_t folder) {
 }
 
 void DiskModel::flushBelow(std::size_t node) {
+  withoutSize_.erase(node);
   nodes_[node].flushed = nodes_[node].now;
   flushNames(node);
   for (const auto& [name, below] : nodes_[node].names) flushBelow(below);
@@ -189,6 +226,9 @@ void DiskModel::apply(const Step& step) {
     case Kind::move:
     case Kind::remove:
       rename(step.path, step.to);
+      if (!fat_ || nodes_[node].isFolder || step.to.empty()) break;
+      nodes_[node].flushed = {};
+      withoutSize_.insert(node);
       break;
     case Kind::write:
       nodes_[node].now.bytes += step.bytes;
@@ -198,6 +238,7 @@ void DiskModel::apply(const Step& step) {
       break;
     case Kind::flush:
       nodes_[node].flushed = nodes_[node].now;
+      withoutSize_.erase(node);
       break;
     case Kind::flushFolder:
       flushNames(node);
@@ -227,7 +268,9 @@ void DiskModel::collect(std::size_t folder, const std::string& path, Names names
       left[item + "/"];
       collect(below, item + "/", names, random, left);
     } else {
-      left[item] = torn(nodes_[below].now, nodes_[below].flushed, random);
+      left[item] = withoutSize_.contains(below)
+                       ? Item{}
+                       : torn(nodes_[below].now, nodes_[below].flushed, random);
     }
   }
 }

@@ -5,6 +5,7 @@
 
 #include <mutex>
 #include <random>
+#include <set>
 #include <vector>
 
 namespace Torture {
@@ -40,6 +41,8 @@ class Recorder final : public PassThrough {
 
   [[nodiscard]] const std::vector<Step>& steps() const { return steps_; }
 
+  Result<std::unique_ptr<PlatformKit::ReadableFile>> openForReading(
+      const Path& path, PlatformKit::ReadMode mode) override;
   Result<std::unique_ptr<PlatformKit::WritableFile>> createFile(const Path& path) override;
   int createFolder(const Path& path) override;
   int moveWithoutReplacing(const Path& from, const Path& to) override;
@@ -55,11 +58,14 @@ class Recorder final : public PassThrough {
 
  private:
   [[nodiscard]] std::string relative(const Path& path) const;
+  int moved(int error, const Path& from, const Path& to);
 
   const Path top_;
   std::mutex mutex_;
   std::vector<Step> steps_;
   std::size_t files_ = 0;
+  std::map<std::string, std::size_t>
+      numbers_;  ///< of the created files, by the names they have now
 };
 
 /// Which of the names made, changed and removed since their folder was flushed a power cut leaves.
@@ -74,6 +80,8 @@ enum class Names { lost, kept, some };
 /// - syncfs(2): all of the volume is.
 /// - rename(2) is atomic: after a cut one of the two names is there, and a name that was replaced
 ///   has its old file or its new one. Journaling file systems promise that, FAT does not.
+/// - With `fat`, as Linux does it there, the new name has a file of 0 bytes until the file is
+///   flushed again, whatever was flushed before.
 /// - A flush covers what happened before it was called, on drives that keep what they acknowledged
 ///   as flushed.
 ///
@@ -82,9 +90,11 @@ enum class Names { lost, kept, some };
 class DiskModel {
  public:
   /// `flushed` is on the drives. `cached` was written on top of that by somebody who flushed nothing.
-  DiskModel(const Snapshot& flushed, const Snapshot& cached);
+  DiskModel(const Snapshot& flushed, const Snapshot& cached, bool fat = false);
 
   void apply(const Step& step);
+  /// How many files were moved and not flushed since, with `fat`.
+  [[nodiscard]] std::size_t withoutSize() const { return withoutSize_.size(); }
   [[nodiscard]] Snapshot afterCut(Names names, std::minstd_rand& random) const;
 
  private:
@@ -114,6 +124,8 @@ class DiskModel {
 
   std::vector<Node> nodes_;         ///< the first is the folder of all drives
   std::vector<std::size_t> files_;  ///< by the number in a step, from 1 on
+  const bool fat_;
+  std::set<std::size_t> withoutSize_;  ///< nodes
 };
 
 }  // namespace Torture

@@ -31,14 +31,29 @@ class FlushesNothing final : public PassThrough {
     if (what_ != Mutation::copiesNotFlushed) return below_.createFile(path);
     return wrapped<File>(below_.createFile(path));
   }
+  Result<std::unique_ptr<ReadableFile>> openForReading(const Path& path, ReadMode mode) override {
+    if (what_ != Mutation::movedNotFlushed) return below_.openForReading(path, mode);
+    return wrapped<ReadFile>(below_.openForReading(path, mode));
+  }
   int flushFolder(const Path& folder) override {
-    return what_ == Mutation::foldersNotFlushed ? 0 : below_.flushFolder(folder);
+    if (what_ == Mutation::foldersNotFlushed) return 0;
+    return answer(below_.flushFolder(folder));
   }
   int flushVolume(const Path& folder) override {
-    return what_ == Mutation::volumesNotFlushed ? 0 : below_.flushVolume(folder);
+    if (what_ == Mutation::volumesNotFlushed) return 0;
+    return answer(below_.flushVolume(folder));
   }
 
  private:
+  [[nodiscard]] int answer(int error) const {
+    return what_ == Mutation::flushErrorsLost ? 0 : error;
+  }
+
+  class ReadFile final : public PassThroughReadable {
+   public:
+    using PassThroughReadable::PassThroughReadable;
+    int flush() override { return 0; }
+  };
   class File final : public PassThroughWritable {
    public:
     using PassThroughWritable::PassThroughWritable;
@@ -209,6 +224,8 @@ Wrap broken(Mutation mutation) {
       case Mutation::copiesNotFlushed:
       case Mutation::foldersNotFlushed:
       case Mutation::volumesNotFlushed:
+      case Mutation::movedNotFlushed:
+      case Mutation::flushErrorsLost:
         break;
       case Mutation::namedBeforeReadBack:
         return std::make_unique<NamesEarly>(below);

@@ -9,6 +9,8 @@ enum class Mutation {
   copiesNotFlushed,
   foldersNotFlushed,
   volumesNotFlushed,
+  movedNotFlushed,      ///< where a moved file has no size until then
+  flushErrorsLost,      ///< flushing a folder or a volume always says yes
   namedBeforeReadBack,  ///< the copy has its final name as soon as it is written
   readBackFromMemory,   ///< the read-back gets what was given to write
   moveReplaces,         ///< a move takes a name that is taken

@@ -20,6 +20,7 @@ class PassThroughReadable : public PlatformKit::ReadableFile {
   void discard(std::uint64_t offset, std::uint64_t length) override {
     below_->discard(offset, length);
   }
+  int flush() override { return below_->flush(); }
 
  protected:
   std::unique_ptr<PlatformKit::ReadableFile> below_;
@@ -56,6 +57,9 @@ class PassThrough : public PlatformKit::FileSystem {
 
  public:
   explicit PassThrough(PlatformKit::FileSystem& below) : below_(below) {}
+  // One that lies on another is no copy of it.
+  PassThrough(const PassThrough&) = delete;
+  PassThrough& operator=(const PassThrough&) = delete;
 
   Result<PlatformKit::ItemStatus> status(const Path& path) override { return below_.status(path); }
   Result<Path> resolve(const Path& path) override { return below_.resolve(path); }

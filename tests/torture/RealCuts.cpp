@@ -104,7 +104,10 @@ class RealCutRun {
     if (!drive_.unmount() || !drive_.mount()) return {"the drive cannot be mounted again"};
     const Violations now = bench_.violationsNow();
     found.insert(found.end(), now.begin(), now.end());
-    if (result) checkPromises(*result, found);
+    if (result) {
+      const Violations lost = bench_.lostOf(*result);
+      found.insert(found.end(), lost.begin(), lost.end());
+    }
     const Violations later = bench_.violationsOf(bench_.rerun());
     found.insert(found.end(), later.begin(), later.end());
     return found;
@@ -118,17 +121,6 @@ class RealCutRun {
       return bench_.run(faulty, 1);
     } catch (const OffloadKit::OffloadError&) {
       return std::nullopt;
-    }
-  }
-
-  void checkPromises(const OffloadKit::OffloadResult& result, Violations& found) const {
-    // Of a drive that the run gave up it tells what was so up to then.
-    if (result.destinationErrors.contains(0)) return;
-    for (const auto& file : result.files) {
-      const Path copy = bench_.drives() / Bench::copies(0) / file.file.relativePath;
-      if (file.outcomes[0].isVerified() && !std::filesystem::exists(copy)) {
-        found.push_back(copy.native() + " was promised and is lost");
-      }
     }
   }
 

@@ -33,6 +33,7 @@ using testing::IsEmpty;
 constexpr Variant kUsual{"after earlier runs", 8192};
 constexpr Variant kSmallChunks{"small chunks, card read once", 4096, false};
 constexpr Variant kFresh{"empty drives", 8192, true, true};
+constexpr Variant kFat{"FAT", 8192, true, false, true};
 
 constexpr std::size_t kAll = 1'000'000;  // more steps than any run has
 
@@ -83,7 +84,7 @@ TEST(Torture, KilledProgram) {
 TEST(Torture, PowerCutAtAnyStep) {
   const std::size_t cuts = isLong() ? kAll : 10;
   for (std::uint64_t round = 0; round < (isLong() ? 3U : 1U); ++round) {
-    for (const Variant& variant : {kUsual, kFresh}) {
+    for (const Variant& variant : {kUsual, kFresh, kFat}) {
       expectClean(cutPower(variant, cuts, seed() + round), isLong() ? 500 : 30);
     }
   }
@@ -95,6 +96,13 @@ TEST(Torture, PowerCutOfARealFileSystem) {
     auto tally = cutRealPower(variant, cuts);
     if (!tally) GTEST_SKIP() << "Needs root, loop devices and e2fsprogs.";
     expectClean(std::move(*tally), cuts);
+  }
+}
+
+TEST(Torture, DriveThatComesBack) {
+  const std::size_t points = isLong() ? 150 : 12;
+  for (const Variant& variant : {kUsual, kFresh, kFat}) {
+    expectClean(killDrive(variant, points, seed()), isLong() ? 400 : 40);
   }
 }
 
@@ -113,6 +121,11 @@ TEST(Torture, WouldNoticeABrokenEngine) {
               Contains(HasSubstr("differs from the original")));
   EXPECT_THAT(cut(kUsual, Mutation::foldersNotFlushed), Contains(HasSubstr("promised")));
   EXPECT_THAT(cut(kUsual, Mutation::volumesNotFlushed), Contains(HasSubstr("promised")));
+
+  EXPECT_THAT(cut(kFat, Mutation::movedNotFlushed), Contains(HasSubstr("promised")));
+
+  EXPECT_THAT(killDrive(kUsual, 20, seed(), broken(Mutation::flushErrorsLost)).violations,
+              Contains(HasSubstr("promised")));
 
   EXPECT_THAT(killRuns(kUsual, 100, true, broken(Mutation::namedBeforeReadBack)).violations,
               Contains(HasSubstr("differs from the original")));
