@@ -36,16 +36,9 @@ std::unique_ptr<ProgressDisplay> displayFor(const OffloadArguments& arguments,
   return makeLogDisplay(plan, clock);
 }
 
-// Everything that was asked for is there and verified, and all of the card could be read.
-bool isComplete(const OffloadKit::OffloadResult& result) {
-  const auto& image = result.cardImage;
-  return result.allVerified() && result.unreadable.empty() &&
-         (!image || (image->outcome.isVerified() && image->unreadableBlocks == 0));
-}
-
 void tellResult(const OffloadArguments& arguments, const OffloadKit::OffloadResult& result) {
   if (arguments.json) printJsonLine(resultJson(result));
-  if (arguments.quiet && isComplete(result)) return;
+  if (arguments.quiet && result.isComplete()) return;
   if (arguments.json) {
     printError(verdict(result, true));
   } else {
@@ -70,8 +63,11 @@ bool shallEject(const OffloadArguments& arguments, const OffloadKit::OffloadPlan
 // Answers none when it was done, else a sentence in English.
 std::optional<std::string> ejectCard(const OffloadKit::OffloadResult& result,
                                      const Services& services) {
-  if (!isComplete(result)) {
+  if (!result.isComplete()) {
     return "The card was not ejected because not everything is verified.";
+  }
+  if (outputError() != 0) {
+    return "The card was not ejected because the result could not be written.";
   }
   const OffloadKit::OffloadPlan& plan = result.plan;
   // Once it is taken out, its folder may lie on another disk.
@@ -125,7 +121,7 @@ int runOffload(const OffloadArguments& arguments, const Services& services) {
     display->finish();
     tellResult(arguments, result);
     if (eject) tellEjection(arguments, plan.sourceName, ejectCard(result, services));
-    return isComplete(result) ? allVerified : notEverything;
+    return result.isComplete() ? allVerified : notEverything;
   } catch (const ArgumentError& error) {
     tellError(error.what());
     return wrongArguments;

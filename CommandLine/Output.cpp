@@ -3,6 +3,7 @@
 #include "PlatformKit/Posix/Terminal.h"
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -13,9 +14,14 @@
 namespace CommandLine {
 namespace {
 
-void write(std::FILE* stream, const std::string& text) {
-  static_cast<void>(std::fwrite(text.data(), 1, text.size(), stream));
-  static_cast<void>(std::fflush(stream));
+int lostOutput = 0;
+
+// Answers 0 or the error number.
+int write(std::FILE* stream, const std::string& text) {
+  errno = 0;
+  const bool isWhole = std::fwrite(text.data(), 1, text.size(), stream) == text.size();
+  if (std::fflush(stream) == 0 && isWhole) return 0;
+  return errno != 0 ? errno : EIO;
 }
 
 void replaceAll(std::string& text, std::string_view what, std::string_view with) {
@@ -36,15 +42,21 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 8> kLikeness
 }  // namespace
 
 void print(const std::string& text) {
-  write(stdout, text);
+  const int error = write(stdout, text);
+  if (lostOutput == 0) lostOutput = error;
 }
 
 void printError(const std::string& text) {
-  write(stderr, text);
+  // Ignored on purpose: there is nowhere left to tell it.
+  static_cast<void>(write(stderr, text));
 }
 
 void printJsonLine(const nlohmann::json& object) {
   print(object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n");
+}
+
+int outputError() {
+  return lostOutput;
 }
 
 std::string forThisTerminal(std::string text) {

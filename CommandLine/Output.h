@@ -6,10 +6,15 @@
 
 namespace CommandLine {
 
-/// Writes the text as it stands to standard output or standard error, at once. A closed or full
-/// stream is no error: an offload goes on when nobody listens any more.
+/// Writes the text as it stands to standard output or standard error, at once. An offload goes on when
+/// nobody listens any more; that something for standard output was lost is told by `outputError`.
+/// Main thread, but for `printError`.
 void print(const std::string& text);
 void printError(const std::string& text);
+
+/// The error number that standard output answered when something was lost there; 0 while all of it
+/// was written.
+[[nodiscard]] int outputError();
 
 /// Writes the object as one line to standard output, at once. Bytes that are not UTF-8 appear as
 /// U+FFFD.

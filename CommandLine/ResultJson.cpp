@@ -50,6 +50,17 @@ json unreadable(const OffloadKit::OffloadResult& result) {
   return array;
 }
 
+json missingRecords(const OffloadKit::OffloadResult& result) {
+  json array = json::array();
+  for (const auto& missing : result.missingRecords) {
+    const bool isReport = missing.kind == OffloadKit::MissingRecord::Kind::report;
+    array.push_back({{"destination", result.plan.destinations.at(missing.destination).native()},
+                     {"record", isReport ? "report" : "hashList"},
+                     {"reason", missing.reason}});
+  }
+  return array;
+}
+
 json cardImage(const OffloadKit::OffloadResult& result) {
   if (!result.cardImage) return nullptr;
   const auto& image = *result.cardImage;
@@ -74,6 +85,7 @@ json resultJson(const OffloadKit::OffloadResult& result) {
           {"unreadable", unreadable(result)},
           {"hashLists", paths(result.mhlFiles)},
           {"reports", paths(result.reports)},
+          {"missingRecords", missingRecords(result)},
           {"cardImage", cardImage(result)}};
 }
 

@@ -108,6 +108,15 @@ std::string verdict(const OffloadResult& result, bool onStandardError) {
       text += "  " + ResultTexts::unreadableItem(item) + "\n";
     }
   }
+  if (!result.missingRecords.empty()) {
+    text += "\n" +
+            styled(translate("Terminal", "Not every drive has its report and its hash list"),
+                   Style::strong, onStandardError) +
+            "\n";
+    for (const auto& missing : result.missingRecords) {
+      text += "  " + ResultTexts::missingRecord(result, missing) + "\n";
+    }
+  }
   text += records(translate("Terminal", "Reports"), result.reports) +
           records(translate("Terminal", "Hash lists"), result.mhlFiles);
   return forThisTerminal(text);

@@ -6,7 +6,9 @@
 #include "CommandLine/ParserTexts.h"
 #include "CommandLine/Services.h"
 #include "HashKit/HashAlgorithm.h"
+#include "OffloadKit/ShownReason.h"
 #include "PlatformKit/Posix/OpenFiles.h"
+#include "PlatformKit/Posix/SystemText.h"
 #include "PlatformKit/Posix/Terminal.h"
 #include "PlatformKit/Translation.h"
 #include "Translations/Language.h"
@@ -96,9 +98,9 @@ void describeOffload(CLI::App& command, CommandLine::OffloadArguments& arguments
   command.footer(translate(
       "Terminal",
       "Exit status: 0 every file is verified on every drive; 1 finished, but not everything is\n"
-      "verified or something on the card could not be read; 2 wrong arguments; 3 could not start\n"
-      "or was stopped by an error; 130 stopped by Ctrl-C. Starting again picks up where it "
-      "ended."));
+      "verified, something on the card could not be read, or a report, a hash list or the result\n"
+      "could not be written; 2 wrong arguments; 3 could not start or was stopped by an error;\n"
+      "130 stopped by Ctrl-C. Starting again picks up where it ended."));
 }
 
 // One sentence in our own voice; help and version are no errors.
@@ -117,6 +119,18 @@ int tellParseError(const CLI::App& program, const CLI::ParseError& error) {
   CommandLine::printError(
       filled(translate("Terminal", "zephrimark: %1 See zephrimark --help."), {sentence}) + "\n");
   return CommandLine::wrongArguments;
+}
+
+// Nobody may take for a good end what he was not told.
+int tellLostOutput(int status) {
+  const int error = CommandLine::outputError();
+  if (error == 0) return status;
+  CommandLine::printError(
+      filled(translate("Terminal",
+                       "zephrimark: The result could not be written to standard output: %1."),
+             {OffloadKit::shownReason(PlatformKit::systemText(error))}) +
+      "\n");
+  return status == CommandLine::allVerified ? CommandLine::notEverything : status;
 }
 
 }  // namespace
@@ -160,9 +174,11 @@ int main(int argc, char** argv) {
     return tellParseError(program, error);
   }
   CommandLine::Services services;
-  if (*offload) return CommandLine::runOffload(arguments, services);
-  if (*cards) return CommandLine::runCards(cardsAsJson, services.mountedVolumes);
-  if (*disks) return CommandLine::runDisks(allDisks, disksAsJson, services.physicalDisks);
+  if (*offload) return tellLostOutput(CommandLine::runOffload(arguments, services));
+  if (*cards) return tellLostOutput(CommandLine::runCards(cardsAsJson, services.mountedVolumes));
+  if (*disks) {
+    return tellLostOutput(CommandLine::runDisks(allDisks, disksAsJson, services.physicalDisks));
+  }
   CommandLine::printError(program.help());
   return CommandLine::wrongArguments;
 }

@@ -458,6 +458,10 @@ Erstellt mit:</translation>
         <source>Another card is in its place now.</source>
         <translation>Dort steckt jetzt eine andere Karte.</translation>
     </message>
+    <message>
+        <source>The card was not ejected because the result could not be written.</source>
+        <translation>Die Karte wurde nicht ausgeworfen, weil das Ergebnis nicht ausgegeben werden konnte.</translation>
+    </message>
 </context>
 <context>
     <name>EventList</name>
@@ -850,6 +854,14 @@ Erstellt mit:</translation>
     <message>
         <source>%1 of %2 verified · read back through this computer&apos;s cache</source>
         <translation>%1 von %2 geprüft · über den Cache dieses Computers zurückgelesen</translation>
+    </message>
+    <message>
+        <source>The report could not be written to %1: %2</source>
+        <translation>Der Bericht konnte nicht nach %1 geschrieben werden: %2</translation>
+    </message>
+    <message>
+        <source>The hash list could not be written to %1: %2</source>
+        <translation>Die Hash-Liste konnte nicht nach %1 geschrieben werden: %2</translation>
     </message>
 </context>
 <context>
@@ -1258,15 +1270,6 @@ kann. Auf der Befehlszeile verwenden Sie zephrimark.</translation>
         <translation>Kein Fortschritt, und kein Ergebnis, wenn alles geprüft ist</translation>
     </message>
     <message>
-        <source>Exit status: 0 every file is verified on every drive; 1 finished, but not everything is
-verified or something on the card could not be read; 2 wrong arguments; 3 could not start
-or was stopped by an error; 130 stopped by Ctrl-C. Starting again picks up where it ended.</source>
-        <translation>Exit-Status: 0 jede Datei ist auf jedem Laufwerk geprüft; 1 beendet, aber nicht alles ist
-geprüft, oder etwas auf der Karte war nicht lesbar; 2 falsche Argumente; 3 konnte nicht
-beginnen oder wurde durch einen Fehler beendet; 130 mit Strg+C angehalten. Ein neuer
-Start fährt dort fort, wo der letzte endete.</translation>
-    </message>
-    <message>
         <source>zephrimark: %1 See zephrimark --help.</source>
         <translation>zephrimark: %1 Siehe zephrimark --help.</translation>
     </message>
@@ -1469,6 +1472,25 @@ Start fährt dort fort, wo der letzte endete.</translation>
     <message>
         <source>Hash lists</source>
         <translation>Hash-Listen</translation>
+    </message>
+    <message>
+        <source>Exit status: 0 every file is verified on every drive; 1 finished, but not everything is
+verified, something on the card could not be read, or a report, a hash list or the result
+could not be written; 2 wrong arguments; 3 could not start or was stopped by an error;
+130 stopped by Ctrl-C. Starting again picks up where it ended.</source>
+        <translation>Exit-Status: 0 jede Datei ist auf jedem Laufwerk geprüft; 1 beendet, aber nicht alles ist
+geprüft, etwas auf der Karte war nicht lesbar, oder ein Bericht, eine Hash-Liste oder das
+Ergebnis konnte nicht geschrieben werden; 2 falsche Argumente; 3 konnte nicht beginnen oder
+wurde durch einen Fehler beendet; 130 mit Strg+C angehalten. Ein neuer Start fährt dort
+fort, wo der letzte endete.</translation>
+    </message>
+    <message>
+        <source>zephrimark: The result could not be written to standard output: %1.</source>
+        <translation>zephrimark: Das Ergebnis konnte nicht auf die Standardausgabe geschrieben werden: %1.</translation>
+    </message>
+    <message>
+        <source>Not every drive has its report and its hash list</source>
+        <translation>Nicht jedes Laufwerk hat seinen Bericht und seine Hash-Liste</translation>
     </message>
 </context>
 <context>

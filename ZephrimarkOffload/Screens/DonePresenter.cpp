@@ -90,11 +90,7 @@ bool DonePresenter::isCardImageVerified() const {
 }
 
 QString DonePresenter::missingProof() const {
-  std::size_t drives = 0;
-  for (std::size_t i = 0; i < result_->plan.destinations.size(); ++i) {
-    if (result_->verifiedCount(i) > 0) ++drives;
-  }
-  if (std::min(result_->reports.size(), result_->mhlFiles.size()) >= drives) return {};
+  if (result_->missingRecords.empty()) return {};
   return tr("Not every drive got its report and its hash list: they could not be written.");
 }
 

@@ -174,6 +174,26 @@ class ScriptedRunner final : public OffloadRunner {
   std::atomic<bool> cancelled_ = false;
 };
 
+TEST_F(ModelRunTests, ACardStaysWhileItsImageOrARecordIsMissing) {
+  OffloadKit::CardImageResult failed;
+  failed.outcome = OffloadKit::CardImageResult::Outcome::failed("The drive is full");
+  OffloadKit::CardImageResult withHoles;
+  withHoles.outcome = OffloadKit::CardImageResult::Outcome::verified();
+  withHoles.unreadableBlocks = 1;
+  OffloadKit::OffloadResult results[4];
+  results[0].cardImage = failed;
+  results[1].cardImage = withHoles;
+  results[2].missingRecords = {{OffloadKit::MissingRecord::Kind::hashList, 0, "The drive is full"}};
+  for (const auto& result : results) {
+    makeRunner_ = [&] { return std::make_unique<ScriptedRunner>(result, false); };
+    OffloadModel& model = makeModelOnFolders();
+    model.setEjectWhenDone(true);
+    model.start();
+    ASSERT_TRUE(waitForEnd(model));
+    EXPECT_EQ(model.isEjecting(), &result == &results[3]);
+  }
+}
+
 TEST_F(ModelRunTests, WhatCouldNotBeReadKeepsTheCardInAndEjectFailuresAreTold) {
   OffloadModel& model = makeModelOnFolders();
   model.setEjectWhenDone(true);

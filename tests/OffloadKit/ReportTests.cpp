@@ -99,13 +99,34 @@ TEST_F(Report, saysWhatIsNotVerifiedAndWhy) {
   EXPECT_THAT(html, Not(HasSubstr("this drive")));
 }
 
-TEST_F(Report, listsAfterTheTableWhatCouldNotBeReadAndWhichNamesTheHashListChanges) {
+TEST_F(Report, warnsAboveTheTableWhenPartOfTheCardCouldNotBeRead) {
+  auto page = result(1);
+  page.files = {file("a", {Outcome::verified(false)})};
+  page.unreadable = {{"locked/<a>", "Permission denied"}};
+  const std::string items =
+      "<p class=bad>Files may be missing from the table below. Don't erase the card "
+      "yet.</p>\n<ul>\n"
+      "<li><span class=path>locked/&lt;a&gt;</span><br><span class=muted>Permission denied</span>"
+      "</li>\n</ul>\n<dl>";
+  const std::string warned = OffloadReport::html(page, 0);
+  EXPECT_THAT(warned, HasSubstr("</h1>\n<p class=verdict>Some of the card couldn't be read. Don't "
+                                "erase the card yet.</p>\n<h2"));
+  EXPECT_THAT(warned, HasSubstr(items));
+  EXPECT_THAT(warned, HasSubstr("color: var(--bad); margin: 0 0 20px"));
+  EXPECT_THAT(warned, Not(HasSubstr("Every file was copied and verified")));
+
+  page.files = {file("a", {Outcome::failed("The drive is full")})};
+  const std::string failed = OffloadReport::html(page, 0);
+  EXPECT_THAT(failed, HasSubstr("<p class=verdict>1 file(s) were not verified on every drive. See "
+                                "below.</p>\n<h2"));
+  EXPECT_THAT(failed, HasSubstr(items));
+}
+
+TEST_F(Report, listsAfterTheTableWhichNamesTheHashListChanges) {
   auto page = result(1);
   page.files = {file("bad\xFF\x07name", {Outcome::verified(false)})};
-  page.unreadable = {{"locked/<a>", "Permission denied"}};
   const std::string html = OffloadReport::html(page, 0);
   const std::string end = html.substr(html.find("</table>"));
-  EXPECT_THAT(end, HasSubstr("locked/&lt;a&gt;</span><br><span class=muted>Permission denied"));
   EXPECT_THAT(end, HasSubstr("bad\xEF\xBF\xBD\xEF\xBF\xBDname</span><br><span class=muted>"
                              "bad%FF%07name</span>"));
   EXPECT_EQ(html.find('\xFF'), std::string::npos);

@@ -146,6 +146,7 @@ class Offload : public testing::Test {
   const Path card_ = temp_.path() / "A001";
   const Path first_ = temp_.path() / "first";
   const Path second_ = temp_.path() / "second";
+  const Path third_ = temp_.path() / "third";
   // So far east that its date is never that of Greenwich.
   Program::Setting setting_{
       temp_.path(),
@@ -345,6 +346,7 @@ TEST_F(Offload, JsonIsProgressAndThenOneResultAndQuietLeavesTheResult) {
                         {"destinations", drives},
                         {"failed", json::array()},
                         {"unreadable", json::array()},
+                        {"missingRecords", json::array()},
                         {"cardImage", nullptr}}));
 
   const End lone = offload({card_, first_, "--quiet", "--json"});
@@ -423,18 +425,52 @@ TEST_F(Offload, TheSecondInterruptEndsItAtOnce) {
   EXPECT_EQ(end.error, "");
 }
 
-TEST_F(Offload, CopiesAllTheSameWhenNobodyListens) {
+// Whoever asks for the exit status only must not take it for a verdict that he was not told.
+TEST_F(Offload, CopiesAllTheSameWhenNobodyListensButIsNotDoneWell) {
   makeLongFile(card_ / "a.mov", 160'000'000);
   const Words offloading = command({card_, first_, second_, "--json", "--checksum", "md5"});
   Program program(offloading, setting_);
   program.stopListening();
-  EXPECT_EQ(program.waitForEnd().status, 0);
-  EXPECT_EQ(run(Words{"sh", "-c", R"(exec "$0" "$@" >/dev/full)"} + offloading).status, 0);
+  EXPECT_EQ(program.waitForEnd().status, 1);
+  const End full = run(Words{"sh", "-c", R"(exec "$0" "$@" >/dev/full)"} + offloading);
+  EXPECT_EQ(full.status, 1);
+  EXPECT_TRUE(says(full.error,
+                   "zephrimark: The result could not be written to standard output: No "
+                   "space left on device.\n"));
   // With the standard streams closed, the files that the program opens could get their numbers.
   for (const Path& destination : {first_, second_}) fs::remove_all(destination);
   EXPECT_EQ(run(Words{"sh", "-c", R"(exec "$0" "$@" <&- >&- 2>&-)"} + offloading).status, 0);
   expectCopied(first_, {"a.mov"});
   expectCopied(second_, {"a.mov"});
+}
+
+TEST_F(Offload, TellsWhichRecordsAreMissing) {
+  writeFile(card_ / "a.mov", "a");
+  EXPECT_EQ(offload({card_, first_, second_}).status, 0);
+  fs::remove_all(landed(first_) / "ascmhl");
+  writeFile(landed(first_) / "ascmhl", "somebody's");
+  const End end = offload({card_, first_, second_, "--quiet", "--json"});
+  EXPECT_EQ(end.status, 1);
+  EXPECT_TRUE(says(end.error,
+                   "\nNot every drive has its report and its hash list\n  The hash list "
+                   "could not be written to " +
+                       landed(first_).native() + ": File exists\n"));
+  const json result = objectsIn(end.output).result;
+  EXPECT_EQ(result.at("allVerified"), true);
+  EXPECT_EQ(result.at("missingRecords"), json({{{"destination", landed(first_).native()},
+                                                {"record", "hashList"},
+                                                {"reason", "File exists"}}}));
+  EXPECT_EQ(result.at("hashLists").size(), 1U);
+}
+
+TEST_F(Offload, LosesNothingWithFewOpenFiles) {
+  for (int i = 0; i < 700; ++i) writeFile(card_ / std::to_string(i), std::to_string(i));
+  for (const char* limit : {"256", "400", "1024"}) {
+    for (const Path& drive : {first_, second_, third_}) fs::remove_all(drive);
+    const End end = run(Words{"sh", "-c", R"(ulimit -n "$0"; exec "$@")", limit} +
+                        command({card_, first_, second_, third_, "--quiet"}));
+    EXPECT_EQ(end.status, 0) << limit << end.output.substr(0, 1000) << end.error;
+  }
 }
 
 class OffloadOnATerminal : public Offload {

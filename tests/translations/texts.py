@@ -22,6 +22,7 @@ SHOWN = ["CommandLine", "Updates", "ZephrimarkUI", "ZephrimarkOffload/Model",
 ENGLISH = {
     "%1 is not mounted any more, so it was not ejected.",
     "The card was not ejected because not everything is verified.",
+    "The card was not ejected because the result could not be written.",
     "The settings could not be saved in",
     "made by the application",
     "Another card is in its place now.",
