@@ -1,0 +1,115 @@
+"""The power is cut at random moments of one recorded offload, and at its end."""
+
+import collections
+import io
+import os
+import random
+import shlex
+import tarfile
+
+import card
+import cuts
+import drives
+from cases.finding import Finding
+from evidence import Evidence
+from offload import FOLDER, offload
+
+CUTS = 20
+KEPT = (0.0, 0.5, 0.9, 1.0)  # how likely what was not flushed is there all the same
+MOUNTED = {"vfat": "utf8=1,shortname=mixed", "exfat": "iocharset=utf8"}
+
+
+def power_cuts(bench, system, seed):
+    files = card.contents(clips=4, photos=40)
+    truth = card.sums(files)
+    finding = Finding(f"{len(truth)} files to {system.name}, power cut at {CUTS} moments and at the verdict "
+                      f"(seed {seed})")
+    recording, began, told = record(bench, system, files)
+    finding.wrong += told.shortcomings(truth)
+    batch, moments = write_batch(bench, recording, began, random.Random(seed))
+    images = look(bench, system, batch, len(moments))
+    judge_middle(finding, system, images[:-1], truth)
+    judge_end(finding, images[-1], truth, told.verified(truth, 0))
+    finding.notes.append(checked(images))
+    return finding
+
+
+def record(bench, system, files):
+    """One offload; answers its recording until the verdict, the request it began with, and what it said."""
+    source = bench.card(drives.FILE_SYSTEMS["exfat"], "card", files)
+    drive = bench.drive(system)
+    base, log = f"{bench.work}/base.img", f"{bench.work}/recording"
+    drives.copy_sparse(drive.image, base)
+    open(log, "wb").close()  # QEMU writes over it, but does not make it
+    drive.plug(log)
+    drive.mount()
+    begin = os.path.getsize(log)
+    told = offload(bench.machine, source.place, drive.place)
+    end = os.path.getsize(log)
+    drive.pull()
+    return cuts.Recording(base, log, end), sum(1 for _ in cuts.requests(log, begin)), told
+
+
+def write_batch(bench, recording, began, chance):
+    """All images one after the other, so that they are plugged in as one. The last one is cut at the verdict and
+    has only what was flushed."""
+    last = len(recording.requests)
+    moments = [(cut, chance.choice(KEPT)) for cut in sorted(chance.randrange(began, last) for _ in range(CUTS))]
+    moments.append((last, 0.0))
+    batch = f"{bench.work}/batch.img"
+    with open(batch, "wb") as image:
+        image.truncate(len(moments) * drives.SIZE)
+        for number, (cut, keep) in enumerate(moments):
+            recording.write_cut(image, number * drives.SIZE, cut, keep, chance)
+    return batch, moments
+
+
+def look(bench, system, batch, count):
+    """The evidence of each image, with its checker's words; None where it could not be mounted."""
+    drive = drives.Drive(bench.machine, bench.ports, "batch", batch, "drive")
+    bench.in_use.append(drive)
+    drive.plug(partitioned=False)
+    words = [drive.whole(), str(count), str(drives.SIZE), str(drives.START), system.name,
+             MOUNTED.get(system.name, "defaults"), FOLDER, system.check]
+    told = bench.machine.run("look-cuts " + shlex.join(words), limit=600)
+    with tarfile.open(fileobj=io.BytesIO(told)) as tar:
+        names = set(tar.getnames())
+        images = []
+        for number in range(count):
+            there = f"./{number}/unmountable" not in names
+            found = Evidence.of(tar, f"{number}/") if there else None
+            status = int(tar.extractfile(f"./{number}/check-status").read())
+            images.append((found, status, tar.extractfile(f"./{number}/check").read().decode(errors="replace")))
+    return images
+
+
+def judge_middle(finding, system, images, truth):
+    """A final name has the original's bytes. Where a move is not atomic, the one file that is being moved at the
+    moment of the cut may be hurt, which is only counted."""
+    hurt = []
+    for number, (found, _, _) in enumerate(images):
+        if found is None:
+            finding.wrong.append(f"cut {number} cannot be mounted")
+            continue
+        wrong = found.wrong(truth) + found.broken_records()
+        if len(wrong) == 1 and not system.atomic:
+            hurt += wrong
+        elif wrong:
+            finding.expect(f"cut {number}, wrong of {len(found.finals())} final names", wrong)
+    if not system.atomic:
+        finding.notes.append(f"{len(hurt)} cuts hurt the file that was being moved")
+
+
+def judge_end(finding, image, truth, verified):
+    found = image[0]
+    if found is None:
+        finding.wrong.append("cut at the verdict: cannot be mounted")
+        return
+    finding.expect("cut at the verdict, missing", found.missing(verified))
+    finding.expect("cut at the verdict, wrong", found.wrong(truth))
+    finding.expect("cut at the verdict, records", found.broken_records() + found.missing_records(verified))
+
+
+def checked(images):
+    """How often the checker said what, by its status and the first line that is not its name."""
+    return str(collections.Counter(status for _, status, _ in images))
