@@ -9,7 +9,9 @@ set -euo pipefail
 
 lab=$root/tests/lab
 if [ "${1-}" = --list ]; then exec python3 -B "$lab/lab.py" --list; fi
-install_missing "${lab_packages[@]}"
+install_missing "${build_packages[@]}" "${package_packages[@]}" "${lab_packages[@]}"
+# A name that is none is told before anything is built.
+python3 -B "$lab/lab.py" --list "$@" >/dev/null
 as_root=()
 if [ "$(id -u)" -ne 0 ]; then
   command -v sudo >/dev/null || { echo "The machine's disk is made as root, and there is no sudo." >&2 && exit 1; }

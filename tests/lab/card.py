@@ -14,7 +14,7 @@ def contents(clips, photos):
     """Path: (bytes, modification date). The dates have fractions that no FAT can hold."""
     noise = random.Random(7)
     files = {f"DCIM/100CANON/IMG_{i:04}.CR3": noise.randbytes(3000 + 977 * i) for i in range(photos)}
-    files |= {f"PRIVATE/M4ROOT/CLIP/C{i:04}.MP4": noise.randbytes(4 * MIB + 12345 * i) for i in range(clips)}
+    files |= {f"PRIVATE/M4ROOT/CLIP/C{i:04}.MP4": noise.randbytes(3 * MIB + 12345 * i) for i in range(clips)}
     files["Überblick – 東京 naïve ☂.TXT"] = "Länge läuft".encode()
     files[f"PRIVATE/{LONG[:230]}.MOV"] = noise.randbytes(70_001)
     files["PRIVATE/" + "Straße " * 20 + "Ende.MOV"] = noise.randbytes(5_000)

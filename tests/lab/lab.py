@@ -24,7 +24,7 @@ from machine import LabError
 from table import Row, table
 
 PORTABLE = [FILE_SYSTEMS[name] for name in ("exfat", "vfat", "ext4")]
-SHARES = {"early": 0.2, "middle": 0.5, "late": 0.8}
+SHARES = {"early": 0.3, "late": 0.7}
 
 
 def all_cases(seed):

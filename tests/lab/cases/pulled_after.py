@@ -7,7 +7,7 @@ from offload import FOLDER, offload, resume_shortcomings
 
 
 def pulled_after(bench, system):
-    files = card.contents(clips=4, photos=40)
+    files = card.contents(clips=3, photos=40)
     truth = card.sums(files)
     source = bench.card(drives.FILE_SYSTEMS["exfat"], "card", files)
     drive = bench.drive(system)

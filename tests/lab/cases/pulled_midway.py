@@ -7,13 +7,13 @@ from machine import LabError, wait_until
 from offload import FOLDER, finish, offload, start
 
 MIB = 1 << 20
-SPEED = 3 * MIB  # bytes a second of the drive that is pulled
+SPEED = 2 * MIB  # bytes a second of the drive that is pulled
 DISCONNECTED = "The drive was disconnected"
 
 
 def pulled_midway(bench, system, share):
     """Pulled when SHARE of the work on it is done."""
-    files = card.contents(clips=4, photos=40)
+    files = card.contents(clips=3, photos=40)
     truth = card.sums(files)
     source = bench.card(drives.FILE_SYSTEMS["exfat"], "card", files)
     healthy, pulled = bench.drive(drives.FILE_SYSTEMS["ext4"], "healthy"), bench.drive(system, "pulled")
