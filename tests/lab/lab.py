@@ -9,6 +9,7 @@ so), and prints what was found. Ends with 1 if anything is wrong. ZEPHRIMARK_SEE
 import argparse
 import os
 import shutil
+import signal
 import sys
 import tempfile
 import time
@@ -89,6 +90,8 @@ def main():
     if arguments.list:
         print("\n".join(cases))
         return
+    # Whoever stops this stops the machine.
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))
     try:
         rows = run(cases, arguments.root, arguments.package)
     except LabError as error:

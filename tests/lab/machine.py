@@ -32,7 +32,7 @@ class Machine:
         while not self.answers():
             self.check_alive()
             if time.monotonic() - began > BOOT_LIMIT:
-                raise LabError(f"The machine did not answer within {BOOT_LIMIT} s; its console is {self.work}/console.")
+                raise LabError(f"The machine did not answer within {BOOT_LIMIT} s. Its console:\n{self.console()}")
             time.sleep(0.2)
         # One connection for everything: in this slow machine a handshake takes longer than most commands.
         self.entrance = subprocess.Popen(self.ssh("-M", "-N"), stdin=subprocess.DEVNULL)
@@ -62,6 +62,10 @@ class Machine:
         with contextlib.suppress(subprocess.TimeoutExpired):
             return subprocess.run(self.ssh("true"), stdin=subprocess.DEVNULL, timeout=20, check=False).returncode == 0
         return False
+
+    def console(self):
+        with open(f"{self.work}/console", errors="replace") as console:
+            return "".join(console.readlines()[-20:])
 
     def check_alive(self):
         if self.qemu.poll() is not None:

@@ -23,12 +23,18 @@ class Ports:
         self.do("qmp_capabilities")
 
     def do(self, command, **arguments):
-        self.socket.sendall(json.dumps({"execute": command, "arguments": arguments}).encode() + b"\n")
+        request = json.dumps({"execute": command, "arguments": arguments})
+        try:
+            self.socket.sendall(request.encode() + b"\n")
+            return self.answer(command)
+        except TimeoutError:
+            raise LabError(f"QEMU did not answer to {command} within {ANSWER_LIMIT} s.") from None
+        except (OSError, ValueError) as error:
+            raise LabError(f"QEMU has gone: {error}") from None
+
+    def answer(self, command):
         while True:
-            try:
-                answer = json.loads(self.lines.readline() or "{\"error\": {\"desc\": \"it ended\"}}")
-            except TimeoutError:
-                raise LabError(f"QEMU did not answer to {command} within {ANSWER_LIMIT} s.") from None
+            answer = json.loads(self.lines.readline())
             if "error" in answer:
                 raise LabError(f"QEMU says to {command}: {answer['error']['desc']}")
             if "return" in answer:  # everything else is news that nobody asked for

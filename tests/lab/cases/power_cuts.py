@@ -1,6 +1,7 @@
 """The power is cut at random moments of one recorded offload, and at its end."""
 
 import collections
+import filecmp
 import io
 import os
 import random
@@ -13,6 +14,7 @@ import cuts
 import drives
 from cases.finding import Finding
 from evidence import Evidence
+from machine import LabError
 from offload import FOLDER, offload
 
 CUTS = 20
@@ -51,7 +53,20 @@ def record(bench, system, files):
     told = offload(bench.machine, source.place, drive.place)
     end = os.path.getsize(log)
     drive.pull()
+    check_whole(cuts.Recording(base, log, os.path.getsize(log)), drive.image)
     return cuts.Recording(base, log, end), sum(1 for _ in cuts.requests(log, begin)), told
+
+
+def check_whole(recording, image):
+    """A recording that does not lead to what is on the drive would prove nothing."""
+    replayed = f"{image}.replayed"
+    with open(replayed, "wb") as copy:
+        recording.write_cut(copy, 0, len(recording.requests), 1.0, random.Random(0))
+        copy.truncate(drives.SIZE)
+    same = filecmp.cmp(replayed, image, shallow=False)
+    os.remove(replayed)
+    if not same:
+        raise LabError("The recorded writes do not lead to what is on the drive.")
 
 
 def write_batch(bench, recording, began, chance):

@@ -55,8 +55,10 @@ def pulled_midway(bench, system, share):
 def check_told(finding, told, truth):
     if told.status != 1:
         finding.wrong.append(f"exit status {told.status} instead of 1")
-    reasons = told.reasons(1)
-    finding.notes.append(f"{len(told.verified(truth, 1))} verified on the pulled one, " +
+    reasons, verified = told.reasons(1), len(told.verified(truth, 1))
+    if told.result["destinations"][1]["verified"] != verified:
+        finding.wrong.append(f"{told.result['destinations'][1]['verified']} and {verified} told verified at once")
+    finding.notes.append(f"{verified} verified on the pulled one, " +
                          ", ".join(f"{count} × “{reason}”" for reason, count in reasons.items()))
     if not reasons.get(DISCONNECTED) and told.result["destinations"][1]["error"] != DISCONNECTED:
         finding.wrong.append("never told that the drive was disconnected")
