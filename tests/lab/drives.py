@@ -11,6 +11,7 @@ from machine import LabError
 MIB = 1 << 20
 SIZE = 320 * MIB  # the least that XFS can be made on; nearly all of it is a hole
 START = 1 * MIB  # of the one partition
+GIVEN = "mount {{device}} /mnt && {}chown user: /mnt && umount /mnt"  # where files have owners
 
 
 @dataclass(frozen=True)
@@ -30,12 +31,13 @@ FILE_SYSTEMS = {
     for system in (
         FileSystem("exfat", "7", "mkfs.exfat -L {label} {device}", "fsck.exfat -n {device}", 0.01),
         FileSystem("vfat", "c", "mkfs.vfat -F 32 -n {label} {device}", "fsck.vfat -n {device}", 2, atomic=False),
-        FileSystem("ext4", "83", "mkfs.ext4 -q -L {label} -E root_owner=1000:1000 {device}",
+        # lost+found is for root alone, which makes a card with it one that cannot be read as a whole.
+        FileSystem("ext4", "83", "mkfs.ext4 -q -L {label} {device} && " + GIVEN.format("rmdir /mnt/lost+found && "),
                    "e2fsck -fn {device}", 1e-6),
-        FileSystem("xfs", "83", "mkfs.xfs -q -L {label} {device} && mount {device} /mnt && chown user: /mnt && "
-                   "umount /mnt", "xfs_repair -n {device}", 1e-6),
-        FileSystem("btrfs", "83", "mkfs.btrfs -q -L {label} {device} && mount {device} /mnt && chown user: /mnt && "
-                   "umount /mnt", "btrfs check {device}", 1e-6),
+        FileSystem("xfs", "83", "mkfs.xfs -q -L {label} {device} && " + GIVEN.format(""),
+                   "xfs_repair -n {device}", 1e-6),
+        FileSystem("btrfs", "83", "mkfs.btrfs -q -L {label} {device} && " + GIVEN.format(""),
+                   "btrfs check {device}", 1e-6),
     )
 }
 

@@ -99,10 +99,10 @@ class Machine:
         return output
 
     def end(self):
-        """Nothing in it is worth an orderly end."""
+        """Nothing in it is worth an orderly end, which can take minutes on a busy disk."""
         for process in (self.entrance, self.qemu):
             if process is not None:
-                process.terminate()
+                process.kill()
                 process.wait()
 
 

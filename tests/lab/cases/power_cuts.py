@@ -92,7 +92,7 @@ def chosen(recording, began, chance):
 
 
 def look(bench, system, batch, count):
-    """The evidence of each image, with its checker's words; None where it could not be mounted."""
+    """The evidence of each image, with its checker's status and words."""
     drive = drives.Drive(bench.machine, bench.ports, "batch", batch, "drive")
     bench.in_use.append(drive)
     drive.plug(partitioned=False)
@@ -103,11 +103,15 @@ def look(bench, system, batch, count):
         names = set(tar.getnames())
         images = []
         for number in range(count):
-            there = f"./{number}/unmountable" not in names
-            found = Evidence.of(tar, f"{number}/") if there else None
-            status = int(tar.extractfile(f"./{number}/check-status").read())
-            images.append((found, status, tar.extractfile(f"./{number}/check").read().decode(errors="replace")))
+            refused = f"./{number}/unmountable"
+            # The words of mount, where there are no files to look at.
+            found = text(tar, refused) if refused in names else Evidence.of(tar, f"{number}/")
+            images.append((found, int(text(tar, f"./{number}/check-status")), text(tar, f"./{number}/check")))
     return images
+
+
+def text(tar, name):
+    return tar.extractfile(name).read().decode(errors="replace").strip()
 
 
 def judge_middle(finding, system, images, truth):
@@ -115,8 +119,8 @@ def judge_middle(finding, system, images, truth):
     moment of the cut may be hurt, which is only counted."""
     hurt, broken = 0, []
     for number, (found, _, _) in enumerate(images):
-        if found is None:
-            finding.wrong.append(f"cut {number} cannot be mounted")
+        if isinstance(found, str):
+            finding.wrong.append(f"cut {number} cannot be mounted: {found}")
             continue
         wrong = found.wrong(truth) + found.broken_records()
         if len(wrong) == 1 and not system.atomic:
@@ -130,8 +134,8 @@ def judge_middle(finding, system, images, truth):
 
 def judge_end(finding, image, truth, verified):
     found = image[0]
-    if found is None:
-        finding.wrong.append("cut at the verdict: cannot be mounted")
+    if isinstance(found, str):
+        finding.wrong.append(f"cut at the verdict: cannot be mounted: {found}")
         return
     finding.expect("cut at the verdict, missing", found.missing(verified))
     finding.expect("cut at the verdict, wrong", found.wrong(truth))
