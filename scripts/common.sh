@@ -19,6 +19,8 @@ build_packages=(
 )
 package_packages=(debhelper dpkg-dev)
 package_test_packages=(lintian desktop-file-utils appstream mmdebstrap)
+# QEMU, and what makes a Debian for it.
+lab_packages=(qemu-system-x86 mmdebstrap e2fsprogs cpio kmod openssh-client python3)
 test_packages=(
   libgtest-dev libgmock-dev
   # Benchmarks are built with the tests, so that they go on building.
