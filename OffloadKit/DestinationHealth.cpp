@@ -9,16 +9,6 @@ namespace OffloadKit {
 
 using PlatformKit::Path;
 
-namespace {
-
-// What Linux answers for a drive that is not there any more, and for others too.
-bool mayMeanPulled(int error) {
-  return error == EIO || error == EROFS || error == ENOTCONN || error == ESHUTDOWN ||
-         error == ENODATA;
-}
-
-}  // namespace
-
 DestinationHealth::DestinationHealth(PlatformKit::System system, const OffloadPlan& plan)
     : system_(system) {
   for (std::size_t i = 0; i < plan.destinations.size(); ++i) {
@@ -64,7 +54,7 @@ std::string DestinationHealth::contentError(std::size_t destination, int error) 
 }
 
 std::string DestinationHealth::otherError(std::size_t destination, int error) {
-  if (!mayMeanPulled(error) || !isPulled(destination)) return describe(error);
+  if (!isPulled(destination)) return describe(error);
   return giveUp(destination, {describe(ENODEV), true});
 }
 

@@ -15,9 +15,9 @@ namespace OffloadKit {
 /// Which destinations of a run are still of use, and the sentences for what went wrong on them. Any
 /// thread, but for `settle` and `errors`.
 ///
-/// A pulled drive seldom says so: Linux answers EIO, EROFS and others while the volume goes on
-/// being listed. Such an error counts as ENODEV once the drive's block device is gone from the
-/// computer, and the destination is then given up, whatever was being done.
+/// A pulled drive seldom says so: Linux answers EIO, EROFS, on FAT even ENOENT, while the volume goes
+/// on being listed. Any error counts as ENODEV once the drive's block device is gone from the computer,
+/// and the destination is then given up, whatever was being done.
 class DestinationHealth {
  public:
   /// Made before anything else is done, while the drives are where the user saw them. `plan` outlives
