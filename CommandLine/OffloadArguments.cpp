@@ -101,7 +101,8 @@ std::vector<Path> destinationFolders(PlatformKit::FileSystem& fileSystem,
     }
     const Path folder = absolutePath(fileSystem, destination);
     const Path existing = OffloadKit::nearestExisting(fileSystem, folder);
-    if (!isFolder(fileSystem, existing)) {
+    const auto status = fileSystem.status(existing);
+    if (status.ok() && !isFolder(fileSystem, existing)) {
       throw ArgumentError(
           filled(translate("Terminal", "\"%1\" is a file. Name a folder to copy to."),
                  {singleLineText(existing == folder ? destination : existing.native())}));
@@ -126,7 +127,7 @@ OffloadKit::OffloadPlan planFor(const OffloadArguments& arguments, PlatformKit::
   OffloadKit::OffloadPlan plan;
   // Before the card is looked at, which can take its time.
   for (const Path& destination : destinations) {
-    plan.volumes.push_back(OffloadKit::volumeOf(system.fileSystem, destination));
+    plan.chosen.push_back({destination, OffloadKit::volumeOf(system.fileSystem, destination)});
   }
   plan.source = sourcePath(system.fileSystem, arguments.source);
   plan.sourceName = sourceName(system, plan.source);

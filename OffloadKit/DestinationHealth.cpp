@@ -18,8 +18,8 @@ DestinationHealth::DestinationHealth(PlatformKit::System system, const OffloadPl
     drive.folder = folder;
     drive.device = facts.device;
     drive.moveKeepsContent = facts.moveKeepsContent;
-    if (i < plan.volumes.size()) drive.volume = plan.volumes[i];
-    if (!drive.volume) drive.volume = volumeOf(system.fileSystem, folder);
+    if (i < plan.chosen.size()) drive.chosen = plan.chosen[i];
+    drive.volume = volumeOf(system.fileSystem, folder);
   }
 }
 
@@ -36,7 +36,12 @@ bool DestinationHealth::isInPlace(std::size_t destination) const {
     const auto resolved = system_.fileSystem.resolve(drive.folder);
     if (!resolved.ok() || resolved.value() != *drive.settled) return false;
   }
-  return !drive.volume || volumeOf(system_.fileSystem, drive.folder) == drive.volume;
+  return isOn(drive.chosen.folder, drive.chosen.volume) && isOn(drive.folder, drive.volume);
+}
+
+bool DestinationHealth::isOn(const Path& folder,
+                             std::optional<PlatformKit::VolumeIdentifier> volume) const {
+  return !volume || volumeOf(system_.fileSystem, folder) == volume;
 }
 
 bool DestinationHealth::isPresent(std::size_t destination) const {

@@ -27,9 +27,10 @@ class DestinationHealth {
   /// The destinations' folders are there now and must stay where they are; for `isInPlace`.
   void settle();
 
-  /// Whether the destination, or what there is of its path, lies on the volume that the plan was made
-  /// for, and is the folder that it was when it was settled: a drive that is unmounted leaves a
-  /// folder behind, on the computer's own disk, and a link may have been put in a folder's place.
+  /// Whether what the destination was chosen as lies on the volume of then, and the destination, or
+  /// what there is of its path, on the one of the run's beginning, as the folder that it was when it
+  /// was settled: a drive that is unmounted leaves a folder behind, on the computer's own disk, and a
+  /// link may have been put in a folder's place.
   [[nodiscard]] bool isInPlace(std::size_t destination) const;
 
   /// Whether it is in place, and its drive has not been pulled.
@@ -62,6 +63,7 @@ class DestinationHealth {
 
  private:
   struct Drive {
+    ChosenPlace chosen;
     PlatformKit::Path folder;
     std::optional<PlatformKit::VolumeIdentifier> volume;
     std::optional<PlatformKit::DeviceNumber> device;
@@ -73,6 +75,8 @@ class DestinationHealth {
     bool isDisconnected;
   };
   [[nodiscard]] bool isPulled(std::size_t destination) const;
+  [[nodiscard]] bool isOn(const PlatformKit::Path& folder,
+                          std::optional<PlatformKit::VolumeIdentifier> volume) const;
   /// Answers the sentence of the first reason.
   const std::string& giveUp(std::size_t destination, Reason reason);
 

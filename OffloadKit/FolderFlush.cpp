@@ -1,6 +1,7 @@
 #include "OffloadKit/FolderFlush.h"
 
 #include "OffloadKit/DurableNames.h"
+#include "OffloadKit/ErrorSentences.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -114,7 +115,21 @@ void FolderFlush::flush(std::size_t destination) {
       failed(destination, drive.destination, fileSystem.flushFolder(folder));
     }
   }
+  if (!drive.unflushed.empty()) touch(destination);
   flushed(drive);
+}
+
+// ext4 whose journal failed in the background says yes to the flush of a folder, because there is
+// nothing to flush any more. It says no to a change, for good; so where one is made behind the flush,
+// that was true.
+void FolderFlush::touch(std::size_t destination) {
+  const Path& folder = drives_[destination].destination;
+  const auto status = system_.fileSystem.status(folder);
+  if (!status.ok()) return;  // told by the flush
+  const int error = system_.fileSystem.setDates(folder, status.value().modified, std::nullopt);
+  // Others mean that it may not be changed here, or that there is no room.
+  if (endsTheDrive(error) && error != ENOSPC) failed(destination, folder, error);
+  if (error == EROFS) failed(destination, folder, error);
 }
 
 void FolderFlush::failed(std::size_t destination, const Path& folder, int error) {

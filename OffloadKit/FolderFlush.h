@@ -64,6 +64,7 @@ class FolderFlush {
   };
 
   void flush(std::size_t destination);
+  void touch(std::size_t destination);
   void failed(std::size_t destination, const PlatformKit::Path& folder, int error);
   /// All names given so far were flushed, unless something failed.
   void flushed(Drive& drive);

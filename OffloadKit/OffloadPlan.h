@@ -22,6 +22,13 @@ struct CardImageRequest {
   std::uint64_t size = 0;            ///< bytes of the device, counted into that destination's need
 };
 
+/// The folder that somebody chose and that a destination is below, and the volume on which it lay then
+/// (see volumeOf). A run does not begin when it lies on another one by now: its drive was unmounted.
+struct ChosenPlace {
+  PlatformKit::Path folder;
+  std::optional<PlatformKit::VolumeIdentifier> volume;  ///< none: not known
+};
+
 /// What one run is asked to do. Nothing is checked or clamped here.
 struct OffloadPlan {
   PlatformKit::Path source;  ///< a mounted card's root or any folder; only read
@@ -29,9 +36,8 @@ struct OffloadPlan {
   /// Destination folders in the user's order. The index into this list, the destination index,
   /// identifies a destination everywhere.
   std::vector<PlatformKit::Path> destinations;
-  /// The volume that each destination, or what there is of its path, lay on when it was chosen; see
-  /// volumeOf. None: the run takes what it finds when it begins.
-  std::vector<std::optional<PlatformKit::VolumeIdentifier>> volumes = {};
+  /// What the destinations were chosen as; see ChosenPlace. Empty, or one for each.
+  std::vector<ChosenPlace> chosen = {};
   HashKit::HashAlgorithm algorithm = HashKit::HashAlgorithm::xxh64;
   bool verifySource = true;   ///< read every source file a second time and compare
   std::size_t chunkSize = 0;  ///< bytes of every transfer buffer; 8 MiB is usual

@@ -59,6 +59,7 @@ void RunClosing::writeRecords(OffloadResult& result) const {
 void RunClosing::writeRecord(OffloadResult& result, MissingRecord missing) const {
   const bool isReport = missing.kind == MissingRecord::Kind::report;
   const std::size_t i = missing.destination;
+  health_.checkPlace(i);
   try {
     // Where a drive was mounted that is gone, a folder of the computer's own disk comes to light.
     if (!health_.isDisconnected(i)) {

@@ -47,6 +47,7 @@ Interrupts::Interrupts(std::function<void(int)> onFirst) {
   const sigset_t watched = watchedSignals();
   pthread_sigmask(SIG_BLOCK, &watched, nullptr);
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   watcher_ = std::thread([this, onFirst = std::move(onFirst)] { watch(onFirst, stopping_); });
 }
 

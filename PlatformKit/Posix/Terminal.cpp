@@ -21,7 +21,8 @@ int descriptor(OutputStream stream) {
 void openMissingStandardStreams() {
   // A new descriptor takes the lowest free number, so in this order each fills its own gap.
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-    if (fcntl(stream, F_GETFD) < 0) static_cast<void>(open("/dev/null", O_RDWR));
+    // Output cannot be written there, so that what is lost is noticed.
+    if (fcntl(stream, F_GETFD) < 0) static_cast<void>(open("/dev/null", O_RDONLY));
   }
 }
 

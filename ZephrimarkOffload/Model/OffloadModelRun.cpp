@@ -17,9 +17,9 @@ OffloadKit::OffloadPlan OffloadModel::plan() const {
   plan.source = *source_;
   plan.sourceName = sourceName();
   plan.destinations = plannedFolders();
-  for (std::size_t i = 0; i < plan.destinations.size(); ++i) {
+  for (std::size_t i = 0; i < choices_.destinations.size(); ++i) {
     const auto facts = destinationFacts(i);
-    plan.volumes.push_back(facts ? facts->volume : std::nullopt);
+    plan.chosen.push_back({choices_.destinations[i], facts ? facts->volume : std::nullopt});
   }
   plan.algorithm = choices_.algorithm;
   plan.verifySource = choices_.verifySource;

@@ -50,8 +50,10 @@ TEST_F(Offload, copiesEverythingToAllDrivesAndResumesWithoutWriting) {
       const bool isRecord = name.starts_with("Offload Report ") ||
                             name == ".Offload Report.zmpart" ||
                             info.path.parent_path().filename() == "ascmhl";
-      EXPECT_TRUE(isRecord || (info.call != Call::createFile && info.call != Call::move &&
-                               info.call != Call::setDates && info.call != Call::remove))
+      const bool isFolder = info.path.filename() == "A001";  // gets its own date
+      EXPECT_TRUE(isRecord ||
+                  (info.call != Call::createFile && info.call != Call::move &&
+                   (info.call != Call::setDates || isFolder) && info.call != Call::remove))
           << info.path;
       return Intervention{};
     });

@@ -194,7 +194,7 @@ TEST_F(UnmountedDrive, keepsARunFromStartingOnTheDiskBehindIt) {
 
   // It was gone already when the run began.
   auto chosenBefore = plan();
-  chosenBefore.volumes = {std::nullopt, PlatformKit::VolumeIdentifier{1}};
+  chosenBefore.chosen = {{}, {drive(2), PlatformKit::VolumeIdentifier{1}}};
   EXPECT_FALSE(unmountAt(Call::list, "nowhere", chosenBefore));
   EXPECT_THAT(tree(drive(2)), IsEmpty());
 }

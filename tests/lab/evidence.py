@@ -51,11 +51,12 @@ class Evidence:
 
     def wrong(self, truth):
         """Final names without the bytes of the original, and what they have instead."""
-        told = []
-        for path in self.finals():
-            if self.sums.get(path) != truth.get(path):
-                told.append(f"{path} of {self.sizes[path]} bytes")
-        return told
+        return [f"{path} of {self.sizes[path]} bytes" for path in self.finals()
+                if path in truth and self.sums.get(path) != truth[path]]
+
+    def strays(self, truth):
+        """Names that nobody gave: where a name lies in several sectors, a cut between them leaves a short one."""
+        return [path for path in self.finals() if path not in truth]
 
     def broken_records(self):
         """Reports, lists and the chain, as far as they have their names: each must be whole."""

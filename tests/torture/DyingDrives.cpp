@@ -11,7 +11,8 @@ namespace {
 /// What the kernel makes of changes on a drive that is not there any more.
 enum class Death {
   silent,    ///< as of a pulled FAT or exFAT drive: it takes them, and only flushes fail
-  refusing,  ///< as of ext4 that shut down: it takes none, but says yes to the flush of the volume
+  refusing,  ///< as of ext4 whose journal failed: it takes none, but says yes to the flush of folders
+             ///< and of the volume, for which there is nothing left to do
 };
 
 /// One drive of all that a recorder sees dies before one of its calls.
@@ -60,7 +61,8 @@ class DyingDrive final : public PassThrough {
         path, [&](PlatformKit::FileSystem& on) { return on.setDates(path, modified, created); });
   }
   int flushFolder(const Path& folder) override {
-    return isDead(folder) ? EIO : below_.flushFolder(folder);
+    if (!isDead(folder)) return below_.flushFolder(folder);
+    return death_ == Death::refusing ? 0 : EIO;
   }
   int flushVolume(const Path& folder) override {
     if (!isDead(folder)) return below_.flushVolume(folder);

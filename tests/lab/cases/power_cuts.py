@@ -117,19 +117,23 @@ def text(tar, name):
 def judge_middle(finding, system, images, truth):
     """A final name has the original's bytes. Where a move is not atomic, the one file that is being moved at the
     moment of the cut may be hurt, which is only counted."""
-    hurt, broken = 0, []
+    hurt, strays, broken = 0, 0, []
     for number, (found, _, _) in enumerate(images):
         if isinstance(found, str):
             finding.wrong.append(f"cut {number} cannot be mounted: {found}")
             continue
         wrong = found.wrong(truth) + found.broken_records()
+        if system.atomic:
+            wrong += found.strays(truth)
+        strays += len(found.strays(truth))
         if len(wrong) == 1 and not system.atomic:
             hurt += 1
         elif wrong:
             broken.append(f"cut {number}: {len(wrong)} of {len(found.finals())}, as {wrong[0]}")
     finding.expect("cuts that left wrong final names", broken)
     if not system.atomic:
-        finding.notes.append(f"{hurt} cuts hurt nothing but the file that was being moved")
+        finding.notes.append(f"{hurt} cuts hurt nothing but the file that was being moved; "
+                             f"{strays} names in all that nobody gave")
 
 
 def judge_end(finding, image, truth, verified):
@@ -138,7 +142,7 @@ def judge_end(finding, image, truth, verified):
         finding.wrong.append(f"cut at the verdict: cannot be mounted: {found}")
         return
     finding.expect("cut at the verdict, missing", found.missing(verified))
-    finding.expect("cut at the verdict, wrong", found.wrong(truth))
+    finding.expect("cut at the verdict, wrong", found.wrong(truth) + found.strays(truth))
     finding.expect("cut at the verdict, records", found.broken_records() + found.missing_records(verified))
 
 

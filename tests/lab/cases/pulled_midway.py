@@ -1,5 +1,7 @@
 """One of two drives is pulled in the middle of copying."""
 
+import os
+
 import card
 import drives
 from cases.finding import Finding
@@ -9,6 +11,8 @@ from offload import FOLDER, finish, offload, start
 MIB = 1 << 20
 SPEED = 2 * MIB  # bytes a second of the drive that is pulled
 DISCONNECTED = "The drive was disconnected"
+# What the first error is called that comes before the kernel has noticed that the drive is gone.
+HONEST = (DISCONNECTED, "The drive reported a write error")
 
 
 def pulled_midway(bench, system, share):
@@ -40,6 +44,8 @@ def pulled_midway(bench, system, share):
     verified = told.verified(truth, 1)
     finding.expect(f"of {len(verified)} told verified on the pulled drive, missing", found.missing(verified))
     finding.expect("wrong content on the pulled drive", found.wrong(truth))
+    if system.atomic:
+        finding.expect("names that nobody gave on the pulled drive", found.strays(truth))
     finding.expect("broken records on the pulled drive", found.broken_records())
 
     again = offload(bench.machine, source.place, *places)
@@ -47,9 +53,21 @@ def pulled_midway(bench, system, share):
     for place in places:
         found = bench.look(f"{place}/{FOLDER}")
         finding.expect("missing after the second run", found.missing(truth))
-        finding.expect("temporary copies after the second run", found.temporaries())
+        left = found.temporaries()
+        if not system.atomic and place == places[1]:
+            # A move that was cut in two leaves both names, of one content. To remove one would take the content
+            # from the other; that is for the file system's checker.
+            finding.notes.append(f"{len(left)} temporary names left beside their copies after the second run")
+            left = [path for path in left if final(path) not in truth]
+        finding.expect("temporary copies after the second run", left)
         finding.expect("records after the second run", found.missing_records(truth) + found.broken_records())
     return finding
+
+
+def final(temporary):
+    """The name that a temporary copy is to have."""
+    folder, name = os.path.split(temporary)
+    return os.path.join(folder, name[1:].removesuffix(".zmpart"))
 
 
 def check_told(finding, told, truth):
@@ -60,8 +78,8 @@ def check_told(finding, told, truth):
         finding.wrong.append(f"{told.result['destinations'][1]['verified']} and {verified} told verified at once")
     finding.notes.append(f"{verified} verified on the pulled one, " +
                          ", ".join(f"{count} × “{reason}”" for reason, count in reasons.items()))
-    if not reasons.get(DISCONNECTED) and told.result["destinations"][1]["error"] != DISCONNECTED:
-        finding.wrong.append("never told that the drive was disconnected")
+    if told.result["destinations"][1]["error"] not in HONEST:
+        finding.wrong.append(f"the drive was given up with {told.result['destinations'][1]['error']}")
     if told.result["destinations"][0]["verified"] != len(truth):
         finding.wrong.append(f"healthy drive: {told.reasons(0)}")
 
