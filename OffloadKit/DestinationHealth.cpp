@@ -32,11 +32,13 @@ void DestinationHealth::settle() {
 
 bool DestinationHealth::isInPlace(std::size_t destination) const {
   const Drive& drive = drives_[destination];
-  if (drive.settled) {
-    const auto resolved = system_.fileSystem.resolve(drive.folder);
-    if (!resolved.ok() || resolved.value() != *drive.settled) return false;
+  if (!drive.settled) {
+    return isOn(drive.chosen.folder, drive.chosen.volume) && isOn(drive.folder, drive.volume);
   }
-  return isOn(drive.chosen.folder, drive.chosen.volume) && isOn(drive.folder, drive.volume);
+  const auto resolved = system_.fileSystem.resolve(drive.folder);
+  if (!resolved.ok() || resolved.value() != *drive.settled) return false;
+  const auto status = system_.fileSystem.status(resolved.value());
+  return status.ok() && (!drive.volume || status.value().identity.volume == drive.volume->value);
 }
 
 bool DestinationHealth::isOn(const Path& folder,
