@@ -18,7 +18,7 @@ build_packages=(
   "${window_packages[@]}" "${font_packages[@]}"
 )
 package_packages=(debhelper dpkg-dev)
-package_test_packages=(lintian desktop-file-utils appstream mmdebstrap)
+package_test_packages=(lintian desktop-file-utils appstream)
 test_packages=(
   libgtest-dev libgmock-dev
   # Benchmarks are built with the tests, so that they go on building.
