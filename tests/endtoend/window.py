@@ -13,8 +13,8 @@ import tempfile
 import time
 
 SKIPPED = 77
-# Libraries differ in these: Atspi calls a push button just a button since 2.53, and Qt tells of one with
-# a menu that it has one since 6.5 or later.
+# Names differ: Atspi 2.56 calls a push button just a button, and Qt 6.8 tells of one with a menu that it
+# has one, which Qt 6.4 does not.
 ROLES = {"push button": "button", "push button menu": "button"}
 FILES = {"CLIPS/A001.MXF": b"a" * 3_000_000, "CLIPS/A002.MXF": b"b" * 5_000, "NOTES.TXT": b"take 3"}
 
