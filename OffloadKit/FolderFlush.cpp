@@ -2,6 +2,7 @@
 
 #include "OffloadKit/DurableNames.h"
 #include "OffloadKit/ErrorSentences.h"
+#include "OffloadKit/PendingCopy.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -35,8 +36,8 @@ std::vector<Path> foldersAbove(PlatformKit::System system, const Path& destinati
 }  // namespace
 
 FolderFlush::FolderFlush(PlatformKit::System system, const std::vector<Path>& destinations,
-                         DestinationHealth& health)
-    : system_(system), health_(health), drives_(destinations.size()) {
+                         std::string probe, DestinationHealth& health)
+    : system_(system), probe_(std::move(probe)), health_(health), drives_(destinations.size()) {
   for (std::size_t i = 0; i < destinations.size(); ++i) drives_[i].destination = destinations[i];
 }
 
@@ -63,10 +64,10 @@ void FolderFlush::verified(std::size_t destination, const Path& final, bool resu
 void FolderFlush::flushNow(std::size_t destination) {
   Drive& drive = drives_[destination];
   if (drive.durable == drive.verified) return;
+  // A file was flushed since: the flush before was no empty yes. Where another folder is in its
+  // place, that one was flushed; and some file systems have no flush for folders that could fail.
+  if (drive.failures.empty() && health_.isPresent(destination)) drive.durable = drive.flushed;
   flush(destination);
-  // Where another folder is in its place, that one was flushed; and some file systems have no
-  // flush for folders that could fail.
-  if (drive.failures.empty() && health_.isPresent(destination)) drive.durable = drive.verified;
 }
 
 void FolderFlush::volumeFlushed(std::size_t destination, int error, bool provenSince) {
@@ -74,13 +75,14 @@ void FolderFlush::volumeFlushed(std::size_t destination, int error, bool provenS
   if (drive.durable == drive.verified) return;
   if (error != 0) failed(destination, drive.destination, error);
   if (!provenSince || !drive.failures.empty() || !health_.isPresent(destination)) return;
-  drive.durable = drive.verified;
   flushed(drive);
+  drive.durable = drive.flushed;
 }
 
 void FolderFlush::flushAll(std::vector<OffloadedFile>& files) {
   for (std::size_t i = 0; i < drives_.size(); ++i) {
     flush(i);
+    if (drives_[i].durable < drives_[i].verified) probe(i);
     health_.checkPlace(i);
     if (!health_.isPresent(i)) failed(i, drives_[i].destination, ENODEV);
     takeBack(i, files);
@@ -115,21 +117,19 @@ void FolderFlush::flush(std::size_t destination) {
       failed(destination, drive.destination, fileSystem.flushFolder(folder));
     }
   }
-  if (!drive.unflushed.empty()) touch(destination);
   flushed(drive);
 }
 
 // ext4 whose journal failed in the background says yes to the flush of a folder, because there is
-// nothing to flush any more. It says no to a change, for good; so where one is made behind the flush,
+// nothing to flush any more. It makes no file, for good; so where one can be made behind the flush,
 // that was true.
-void FolderFlush::touch(std::size_t destination) {
+void FolderFlush::probe(std::size_t destination) {
   const Path& folder = drives_[destination].destination;
-  const auto status = system_.fileSystem.status(folder);
-  if (!status.ok()) return;  // told by the flush
-  const int error = system_.fileSystem.setDates(folder, status.value().modified, std::nullopt);
-  // Others mean that it may not be changed here, or that there is no room.
-  if (endsTheDrive(error) && error != ENOSPC) failed(destination, folder, error);
-  if (error == EROFS) failed(destination, folder, error);
+  const int error =
+      PendingCopy::create(system_.fileSystem, folder / probe_, folder / probe_).error();
+  // Others mean that there is no room or no right to make one.
+  const bool isDead = endsTheDrive(error) && error != ENOSPC;
+  if (isDead || error == EROFS) failed(destination, folder, error);
 }
 
 void FolderFlush::failed(std::size_t destination, const Path& folder, int error) {
@@ -140,6 +140,7 @@ void FolderFlush::failed(std::size_t destination, const Path& folder, int error)
 }
 
 void FolderFlush::flushed(Drive& drive) {
+  drive.flushed = drive.verified;
   drive.reachable.merge(drive.unflushed);
   drive.unflushed.clear();
   drive.lastFolder.clear();

@@ -19,8 +19,9 @@ namespace OffloadKit {
 class FolderFlush {
  public:
   /// All outlive it.
+  /// `probe`: the relative path of a hidden file that no copy has.
   FolderFlush(PlatformKit::System system, const std::vector<PlatformKit::Path>& destinations,
-              DestinationHealth& health);
+              std::string probe, DestinationHealth& health);
   /// Flushes what has not been flushed; failures are ignored, since nobody is left to be told.
   ~FolderFlush();
   FolderFlush(const FolderFlush&) = delete;
@@ -30,8 +31,8 @@ class FolderFlush {
   /// there by somebody else, who may not have flushed it.
   void verified(std::size_t destination, const PlatformKit::Path& final, bool resumed);
 
-  /// Flushes the names given so far on a destination. Several destinations at once, each on a thread
-  /// of its own, while no names are given there.
+  /// Flushes the names given so far on a destination, where a file has just been flushed without an
+  /// error. Several destinations at once, each on a thread of its own, while no names are given there.
   void flushNow(std::size_t destination);
 
   /// The destination's volume was flushed as a whole after the last name was given there. `error`: 0,
@@ -58,19 +59,21 @@ class FolderFlush {
     std::string lastFolder;     ///< of the copy verified last
     bool holdsResumed = false;  ///< copies of others since the volume was flushed
     std::size_t verified = 0;   ///< copies so far
-    std::size_t durable = 0;    ///< so many of them, from the first on
+    std::size_t flushed = 0;    ///< so many of them, from the first on, it is said
+    std::size_t durable = 0;    ///< and so many for certain
     // Kept, because a second flush may say yes: an error is told once.
     std::vector<Failure> failures;
   };
 
   void flush(std::size_t destination);
-  void touch(std::size_t destination);
+  void probe(std::size_t destination);
   void failed(std::size_t destination, const PlatformKit::Path& folder, int error);
   /// All names given so far were flushed, unless something failed.
   void flushed(Drive& drive);
   void takeBack(std::size_t destination, std::vector<OffloadedFile>& files) const;
 
   PlatformKit::System system_;
+  const std::string probe_;
   DestinationHealth& health_;
   std::vector<Drive> drives_;
 };

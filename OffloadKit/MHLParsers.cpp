@@ -40,6 +40,17 @@ std::string_view attributeOf(const char** attributes, std::string_view name) {
   return {};
 }
 
+// Where the last event began. The first call is newer than Expat 2.5, which Debian 12 has; where it
+// exists, the second one is deprecated.
+template <typename Parser>
+std::int64_t positionOf(Parser parser) {
+  if constexpr (requires { XML_GetCurrentByteIndex64(parser); }) {
+    return XML_GetCurrentByteIndex64(parser);
+  } else {
+    return XML_GetCurrentByteIndex(parser);
+  }
+}
+
 }  // namespace
 
 struct XMLReader::Expat {
@@ -112,8 +123,8 @@ bool XMLReader::feed(std::string_view bytes, bool last) {
   const auto status =
       XML_Parse(expat_->parser, bytes.data(), static_cast<int>(bytes.size()), last ? 1 : 0);
   expat_->fed += static_cast<std::int64_t>(bytes.size());
-  expat_->faulty = status != XML_STATUS_OK ||
-                   expat_->fed - XML_GetCurrentByteIndex(expat_->parser) > kLongestToken;
+  expat_->faulty =
+      status != XML_STATUS_OK || expat_->fed - positionOf(expat_->parser) > kLongestToken;
   return !expat_->faulty;
 }
 

@@ -111,7 +111,7 @@ void OffloadRun::countWork() {
 void OffloadRun::copyFiles() {
   const auto paths = relativePathsOf(files_);
   const TemporaryNames temporaryNames(paths);
-  FolderFlush folders(system_, plan_.destinations, health_);
+  FolderFlush folders(system_, plan_.destinations, temporaryNames.forFile("Offload"), health_);
   const std::size_t destinations = plan_.destinations.size();
   // A read-back reads every copy and the card at once.
   PlatformKit::WorkerPool workers(

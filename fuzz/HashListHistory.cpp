@@ -33,8 +33,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   PlatformKit::LinuxVolumes volumes;
   const PlatformKit::Testing::ManualClock clock(kNow);
   const auto before = MHL::readChain(fileSystem, lists);
-  const OffloadedFile file{
-      {std::string(parts[2]), size, kNow, {}}, "00", {OffloadedFile::Outcome::verified(false)}};
+  OffloadedFile file;
+  file.file = {std::string(parts[2]), size, kNow, {}};
+  file.hash = "00";
+  file.outcomes = {OffloadedFile::Outcome::verified(false)};
   PlatformKit::Path written;
   try {
     written = MHL::writeGeneration({fileSystem, volumes, clock}, {file}, 0, folder.path(), {},

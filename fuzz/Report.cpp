@@ -56,10 +56,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   image.outcome = CardImageResult::Outcome::failed(reason);
   result.cardImage = image;
   for (std::size_t i = 2; i < parts.size(); ++i) {
-    result.files.push_back(
-        {{std::string(parts[i]), size, {}, {}},
-         std::nullopt,
-         {OffloadedFile::Outcome::verified(i % 2 == 0), OffloadedFile::Outcome::failed(reason)}});
+    OffloadedFile& file = result.files.emplace_back();
+    file.file = {std::string(parts[i]), size, {}, {}};
+    file.outcomes = {OffloadedFile::Outcome::verified(i % 2 == 0),
+                     OffloadedFile::Outcome::failed(reason)};
   }
   const std::string page = OffloadReport::html(result, 0);
   Fuzz::require(PlatformKit::validUtf8(page) == page, "the page is UTF-8");

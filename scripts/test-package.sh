@@ -7,15 +7,14 @@
 #   ZEPHRIMARK_MIRROR          Debian's packages come from here
 set -euo pipefail
 . "$(dirname "$(readlink -f "$0")")/common.sh"
+. "$root/scripts/bare.sh"
 
 install_missing "${package_test_packages[@]}"
 package=${1:-$("$root/scripts/package.sh")}
 logs=${ZEPHRIMARK_PACKAGE_LOGS:-$root/build/package/logs}
 mkdir -p "$logs"
 work=$(mktemp -d "${TMPDIR:-/tmp}/zephrimark-package.XXXXXX")
-as_root=()
-[ "$(id -u)" -eq 0 ] || as_root=(sudo)
-trap '"${as_root[@]}" rm -rf "$work"' EXIT
+trap '"${as_root[@]}" rm -rf --one-file-system "$work"' EXIT
 
 echo "Looking at $package"
 dpkg-deb --info "$package" >"$logs/package.txt"
@@ -29,30 +28,10 @@ appstreamcli validate --no-net --explain \
   "$work/content/usr/share/metainfo/com.zephrimark.offload.metainfo.xml" >"$logs/appstream.txt" ||
   { cat "$logs/appstream.txt" && exit 1; }
 
-# The root is made once; it takes a minute.
-bare=$root/build/package/bare.tar
-if [ ! -e "$bare" ]; then
-  echo "Making a bare Debian 12"
-  quietly "${as_root[@]}" mmdebstrap --variant=minbase bookworm "$work/bare.tar" \
-    ${ZEPHRIMARK_MIRROR:+"$ZEPHRIMARK_MIRROR"}
-  mv "$work/bare.tar" "$bare"
-fi
-echo "Installing, using and removing it there"
-mkdir "$work/root"
-"${as_root[@]}" tar -C "$work/root" -xf "$bare"
+echo "Installing, using and removing it in a bare Debian 12"
+unpack_bare 12 "$work/root"
 "${as_root[@]}" cp "$package" "$root/scripts/test-package-inside.sh" "$work/root/root/"
-"${as_root[@]}" cp -L /etc/resolv.conf "$work/root/etc/resolv.conf"
-# Whatever is started in there ends with it, and nothing stays mounted.
-# shellcheck disable=SC2016
-"${as_root[@]}" unshare --mount --pid --fork --kill-child bash -c '
-  root=$1
-  mount --bind "$root" "$root"
-  mount -t proc proc "$root/proc"
-  mount -t sysfs -o ro sys "$root/sys"
-  mount --rbind /dev "$root/dev"
-  exec chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LANG=C.UTF-8 \
-    bash /root/test-package-inside.sh' bash "$work/root" >"$logs/inside.txt" 2>&1 && status=0 ||
-  status=$?
+run_in_bare "$work/root" /root/test-package-inside.sh >"$logs/inside.txt" 2>&1 && status=0 || status=$?
 "${as_root[@]}" cat "$work/root/root/window.png" >"$logs/window.png" || status=1
 if [ "$status" -ne 0 ]; then
   cat "$logs/inside.txt"

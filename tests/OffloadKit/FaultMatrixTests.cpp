@@ -28,6 +28,7 @@ enum class Cost {
   named,       ///< as `content`, but the copy stays
   name,        ///< as `file`, but the copy stays; a folder that may not be opened costs nothing
   allNames,    ///< as `name`, for every file
+  proof,       ///< as `allNames`, where the error means that the drive takes no changes any more
   neighbours,  ///< the files beside the middle one's folder, with the error's sentence
   readBack,    ///< the file, which could not be read back
   taken,       ///< the file, whose name is taken
@@ -64,6 +65,7 @@ constexpr Row kOnDrives[] = {
     {Call::read, "b/b", Cost::readBack, Before::copies},
     {Call::flushRead, kLeftover, Cost::named, Before::fat},
     {Call::createFile, kLeftover, Cost::file},
+    {Call::createFile, ".Offload.zmpart", Cost::proof},
     {Call::createFile, ".Offload Report", Cost::report},
     {Call::createFile, "ascmhl", Cost::hashList},
     {Call::identity, kLeftover, Cost::file},
@@ -207,6 +209,10 @@ class FaultMatrix : public OffloadFixture {
     });
   }
 
+  static bool isDead(int error) {
+    return error == EROFS || (endsTheDrive(error) && error != ENOSPC);
+  }
+
   // What is to become of a file on a drive; empty: it is verified.
   static std::string failureOf(const Cell& cell, std::size_t file, int number) {
     const bool middle = file == 1;
@@ -221,6 +227,8 @@ class FaultMatrix : public OffloadFixture {
         return middle && cell.error != EACCES ? describe(cell.error) : "";
       case Cost::allNames:
         return cell.error != EACCES ? describe(cell.error) : "";
+      case Cost::proof:
+        return isDead(cell.error) ? describe(cell.error) : "";
       case Cost::neighbours:
         return middle ? "" : describe(cell.error);
       case Cost::readBack:
@@ -311,7 +319,8 @@ class FaultMatrix : public OffloadFixture {
     const auto drive = static_cast<std::size_t>(number - 1);
     const std::string at = " on drive " + std::to_string(number);
     const bool givesUp = cell.row.cost == Cost::content || cell.row.cost == Cost::named ||
-                         cell.row.cost == Cost::name || cell.row.cost == Cost::allNames;
+                         cell.row.cost == Cost::name || cell.row.cost == Cost::allNames ||
+                         (cell.row.cost == Cost::proof && isDead(cell.error));
     const bool givenUp = givesUp && cell.drives.contains(number) && endsTheDrive(cell.error);
     const auto told = result.destinationErrors.find(drive);
     expect((told != result.destinationErrors.end()) == givenUp, "given up wrongly" + at);
@@ -338,8 +347,8 @@ class FaultMatrix : public OffloadFixture {
                   const Expect& expect) {
     const Path copy = copies(number) / name;
     const bool there = std::filesystem::exists(copy);
-    const bool hasName =
-        cell.row.cost == Cost::name || (cell.row.cost == Cost::named && name == kNames[1]);
+    const bool hasName = cell.row.cost == Cost::name || cell.row.cost == Cost::proof ||
+                         (cell.row.cost == Cost::named && name == kNames[1]);
     const bool stays = cell.row.before == Before::copies || hasName;
     expect(there == (verified || stays), copy.native() + (there ? " is there" : " is missing"));
     if (!there) return;

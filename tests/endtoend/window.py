@@ -13,6 +13,9 @@ import tempfile
 import time
 
 SKIPPED = 77
+# Names differ: Atspi 2.56 calls a push button just a button, and Qt 6.8 tells of one with a menu that it
+# has one, which Qt 6.4 does not.
+ROLES = {"push button": "button", "push button menu": "button"}
 FILES = {"CLIPS/A001.MXF": b"a" * 3_000_000, "CLIPS/A002.MXF": b"b" * 5_000, "NOTES.TXT": b"take 3"}
 
 
@@ -99,7 +102,8 @@ class Screen:
                 return
             element.clear_cache()
             if element.get_state_set().contains(Atspi.StateType.SHOWING):
-                found.append((element.get_role_name(), element.get_name(), element.get_description(), element))
+                role = element.get_role_name()
+                found.append((ROLES.get(role, role), element.get_name(), element.get_description(), element))
             for i in range(element.get_child_count()):
                 collect(element.get_child_at_index(i))
 
@@ -148,7 +152,7 @@ def check_setup(command):
     description, _ = screen.wait_for("check box", "Save a card image")
     assert "whole card" in description, description
     for name in ("Use a Folder…", "Remove", "Start Offload"):
-        screen.wait_for("push button", name)
+        screen.wait_for("button", name)
     screen.process.send_signal(signal.SIGTERM)
     assert screen.process.wait(10) in (0, -signal.SIGTERM)
 
@@ -165,7 +169,7 @@ def check_offload(command, drives):
             copies = list(drive.rglob(name))
             assert [copy.read_bytes() for copy in copies] == [content], copies
         assert list(drive.rglob("Offload Report*.html")) and list(drive.rglob("ascmhl/*.mhl"))
-    screen.press("push button", "Menu")
+    screen.press("button", "Menu")
     screen.press("menu item", "Quit")
     assert screen.process.wait(10) == 0
 

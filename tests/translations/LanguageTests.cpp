@@ -26,9 +26,9 @@ OffloadKit::OffloadResult resultOf(std::size_t failed) {
   result.plan.sourceName = "A001";
   result.plan.destinations = {"/one"};
   for (std::size_t i = 0; i < failed; ++i) {
-    result.files.push_back({{"clip", 1'234'567, {}, std::nullopt},
-                            std::nullopt,
-                            {OffloadKit::OffloadedFile::Outcome::failed("The drive is full")}});
+    OffloadKit::OffloadedFile& file = result.files.emplace_back();
+    file.file = {"clip", 1'234'567, {}, std::nullopt};
+    file.outcomes = {OffloadKit::OffloadedFile::Outcome::failed("The drive is full")};
   }
   result.destinationErrors[0] = "The drive is full";
   return result;
