@@ -18,13 +18,9 @@ build_packages=(
   "${window_packages[@]}" "${font_packages[@]}"
 )
 package_packages=(debhelper dpkg-dev)
-<<<<<<< HEAD
-package_test_packages=(lintian desktop-file-utils appstream mmdebstrap)
+package_test_packages=(lintian desktop-file-utils appstream)
 # QEMU, and what makes a Debian for it.
 lab_packages=(qemu-system-x86 mmdebstrap e2fsprogs cpio kmod openssh-client python3)
-=======
-package_test_packages=(lintian desktop-file-utils appstream)
->>>>>>> debian13
 test_packages=(
   libgtest-dev libgmock-dev
   # Benchmarks are built with the tests, so that they go on building.
