@@ -5,9 +5,9 @@
 #include "CommandLine/Table.h"
 #include "DeviceKit/VolumeLists.h"
 #include "DeviceKit/VolumeSpaces.h"
-#include "PlatformKit/ByteCount.h"
-#include "PlatformKit/Translation.h"
-#include "PlatformKit/Unicode.h"
+#include "TextKit/ByteCount.h"
+#include "TextKit/Translation.h"
+#include "TextKit/Unicode.h"
 
 #include <chrono>
 #include <string>
@@ -21,7 +21,7 @@ namespace {
 using namespace std::chrono_literals;
 using DeviceKit::Volume;
 using PlatformKit::MountedVolume;
-using PlatformKit::translate;
+using TextKit::translate;
 
 struct Entry {
   Volume row;
@@ -56,7 +56,7 @@ std::string kindOf(const Entry& entry) {
 }
 
 std::string sizeCell(const Entry& entry, std::int64_t bytes) {
-  return entry.isSizeKnown ? PlatformKit::shownByteCount(static_cast<std::uint64_t>(bytes)) : "?";
+  return entry.isSizeKnown ? TextKit::shownByteCount(static_cast<std::uint64_t>(bytes)) : "?";
 }
 
 void printTable(const std::vector<Entry>& entries) {
@@ -72,7 +72,7 @@ void printTable(const std::vector<Entry>& entries) {
   for (const Entry& entry : entries) {
     rows.push_back({nameCell(entry.row.name), sizeCell(entry, entry.row.available),
                     sizeCell(entry, entry.row.capacity), kindOf(entry),
-                    PlatformKit::singleLineText(entry.row.url.native())});
+                    TextKit::singleLineText(entry.row.url.native())});
   }
   print(forThisTerminal(tableText(rows, {1, 2})));
 }

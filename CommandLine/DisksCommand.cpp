@@ -4,8 +4,8 @@
 #include "CommandLine/Output.h"
 #include "CommandLine/Table.h"
 #include "DeviceKit/DiskEnumerator.h"
-#include "PlatformKit/Translation.h"
-#include "PlatformKit/Unicode.h"
+#include "TextKit/Translation.h"
+#include "TextKit/Unicode.h"
 
 #include <string>
 #include <vector>
@@ -18,8 +18,8 @@ namespace {
 using DeviceKit::DiskEnumerator;
 using DeviceKit::ExternalDisk;
 using PlatformKit::DiskFacts;
-using PlatformKit::translatable;
-using PlatformKit::translate;
+using TextKit::translatable;
+using TextKit::translate;
 
 std::vector<DiskFacts> disksToShow(bool all, PlatformKit::Disks& disks) {
   std::vector<DiskFacts> shown = disks.list();
@@ -47,7 +47,7 @@ std::string nameOf(const DiskFacts& disk) {
 TableRow rowOf(const DiskFacts& facts) {
   const ExternalDisk disk = DiskEnumerator::externalDisk(facts);
   return {nameCell(nameOf(facts)), facts.volumeNames.empty() ? "–" : nameCell(disk.displayName()),
-          disk.sizeDescription(), PlatformKit::singleLineText(disk.rawDevicePath()),
+          disk.sizeDescription(), TextKit::singleLineText(disk.rawDevicePath()),
           translate("Terminal", kindOf(facts))};
 }
 

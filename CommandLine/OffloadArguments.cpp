@@ -1,28 +1,30 @@
 #include "CommandLine/OffloadArguments.h"
 
-#include "OffloadKit/ErrorSentences.h"
-#include "OffloadKit/FolderPreset.h"
-#include "OffloadKit/Places.h"
-#include "OffloadKit/ShownReason.h"
-#include "PlatformKit/Translation.h"
-#include "PlatformKit/Unicode.h"
+#include "DeviceKit/Places.h"
+#include "OffloadKit/Card/CameraName.h"
+#include "OffloadKit/Records/FolderPreset.h"
+#include "OffloadKit/Wording/ErrorSentences.h"
+#include "OffloadKit/Wording/ShownReason.h"
+#include "PlatformKit/Paths.h"
+#include "TextKit/Translation.h"
+#include "TextKit/Unicode.h"
 
 #include <algorithm>
 
 namespace CommandLine {
 namespace {
 
-using PlatformKit::filled;
 using PlatformKit::Path;
-using PlatformKit::singleLineText;
-using PlatformKit::translate;
+using TextKit::filled;
+using TextKit::singleLineText;
+using TextKit::translate;
 
 // Absolute and without links, also where the last components do not exist yet: then two ways of
 // writing one folder are one path. ".." is taken as the kernel does, behind links.
 Path absolutePath(PlatformKit::FileSystem& fileSystem, const std::string& typed) {
   Path path = std::filesystem::absolute(typed);
   while (!path.has_filename() && path.has_relative_path()) path = path.parent_path();
-  const Path existing = OffloadKit::nearestExisting(fileSystem, path);
+  const Path existing = PlatformKit::nearestExisting(fileSystem, path);
   const auto resolved = fileSystem.resolve(existing);
   if (!resolved.ok()) return path.lexically_normal();
   Path rest;
@@ -54,18 +56,18 @@ Path sourcePath(PlatformKit::FileSystem& fileSystem, const std::string& typed) {
 }
 
 std::string sourceName(PlatformKit::System system, const Path& source) {
-  const std::string name = OffloadKit::sourceName(system, source);
+  const std::string name = DeviceKit::sourceName(system, source);
   return name.empty() ? "Card" : name;
 }
 
 std::uint64_t freeSpace(PlatformKit::System system, const Path& destination) {
-  return OffloadKit::freeSpace(system, OffloadKit::nearestExisting(system.fileSystem, destination));
+  return DeviceKit::freeSpace(system, PlatformKit::nearestExisting(system.fileSystem, destination));
 }
 
 OffloadKit::CardImageRequest imageRequest(PlatformKit::System system,
                                           const DeviceKit::DiskEnumerator& disks,
                                           const OffloadKit::OffloadPlan& plan) {
-  if (!OffloadKit::isVolumeRoot(system, plan.source)) {
+  if (!DeviceKit::isVolumeRoot(system, plan.source)) {
     throw ArgumentError(
         filled(translate("Terminal",
                          "\"%1\" is a folder, not a whole card. A card image needs a card as the "
@@ -100,7 +102,7 @@ std::vector<Path> destinationFolders(PlatformKit::FileSystem& fileSystem,
       throw ArgumentError(translate("Terminal", "A destination is empty. Name a folder."));
     }
     const Path folder = absolutePath(fileSystem, destination);
-    const Path existing = OffloadKit::nearestExisting(fileSystem, folder);
+    const Path existing = PlatformKit::nearestExisting(fileSystem, folder);
     const auto status = fileSystem.status(existing);
     if (status.ok() && !isFolder(fileSystem, existing)) {
       throw ArgumentError(
@@ -127,14 +129,14 @@ OffloadKit::OffloadPlan planFor(const OffloadArguments& arguments, PlatformKit::
   OffloadKit::OffloadPlan plan;
   // Before the card is looked at, which can take its time.
   for (const Path& destination : destinations) {
-    plan.chosen.push_back({destination, OffloadKit::volumeOf(system.fileSystem, destination)});
+    plan.chosen.push_back({destination, PlatformKit::volumeOf(system.fileSystem, destination)});
   }
   plan.source = sourcePath(system.fileSystem, arguments.source);
   plan.sourceName = sourceName(system, plan.source);
   const OffloadKit::FolderPreset preset{arguments.folderTemplate};
-  const std::string folder = preset.resolve(
-      {system.clock.now(), plan.sourceName,
-       OffloadKit::FolderPreset::cameraName(system.fileSystem, plan.source), arguments.project});
+  const std::string folder =
+      preset.resolve({system.clock.now(), plan.sourceName,
+                      OffloadKit::cameraName(system.fileSystem, plan.source), arguments.project});
   for (const Path& destination : destinations) plan.destinations.push_back(destination / folder);
   plan.algorithm = arguments.checksum;
   plan.verifySource = !arguments.readOnce;

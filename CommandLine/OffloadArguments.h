@@ -2,7 +2,7 @@
 
 #include "DeviceKit/DiskEnumerator.h"
 #include "HashKit/HashAlgorithm.h"
-#include "OffloadKit/OffloadPlan.h"
+#include "OffloadKit/Records/OffloadPlan.h"
 #include "PlatformKit/System.h"
 
 #include <stdexcept>

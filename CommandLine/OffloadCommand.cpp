@@ -5,13 +5,13 @@
 #include "CommandLine/ProgressDisplay.h"
 #include "CommandLine/ResultJson.h"
 #include "CommandLine/Verdict.h"
+#include "DeviceKit/Places.h"
 #include "OffloadKit/OffloadEngine.h"
-#include "OffloadKit/Places.h"
-#include "OffloadKit/ShownReason.h"
+#include "OffloadKit/Wording/ShownReason.h"
 #include "PlatformKit/Posix/Interrupts.h"
 #include "PlatformKit/Posix/Terminal.h"
-#include "PlatformKit/Translation.h"
-#include "PlatformKit/Unicode.h"
+#include "TextKit/Translation.h"
+#include "TextKit/Unicode.h"
 
 #include <atomic>
 #include <optional>
@@ -22,8 +22,8 @@
 namespace CommandLine {
 namespace {
 
-using PlatformKit::filled;
-using PlatformKit::translate;
+using TextKit::filled;
+using TextKit::translate;
 
 std::unique_ptr<ProgressDisplay> displayFor(const OffloadArguments& arguments,
                                             const OffloadKit::OffloadPlan& plan,
@@ -47,13 +47,13 @@ void tellResult(const OffloadArguments& arguments, const OffloadKit::OffloadResu
 }
 
 void tellError(const std::string& sentence) {
-  printError(forThisTerminal("zephrimark: " + PlatformKit::singleLineText(sentence)) + "\n");
+  printError(forThisTerminal("zephrimark: " + TextKit::singleLineText(sentence)) + "\n");
 }
 
 // Only a card can be ejected; to leave a folder's disk alone is no reason to stop.
 bool shallEject(const OffloadArguments& arguments, const OffloadKit::OffloadPlan& plan,
                 PlatformKit::System system) {
-  if (!arguments.eject || OffloadKit::isVolumeRoot(system, plan.source)) return arguments.eject;
+  if (!arguments.eject || DeviceKit::isVolumeRoot(system, plan.source)) return arguments.eject;
   tellError(
       filled(translate("Terminal", "\"%1\" is a folder, not a whole card. It will not be ejected."),
              {plan.source.native()}));
@@ -71,7 +71,7 @@ std::optional<std::string> ejectCard(const OffloadKit::OffloadResult& result,
   }
   const OffloadKit::OffloadPlan& plan = result.plan;
   // Once it is taken out, its folder may lie on another disk.
-  if (!OffloadKit::isVolumeRoot(services.system, plan.source)) {
+  if (!DeviceKit::isVolumeRoot(services.system, plan.source)) {
     return filled("%1 is not mounted any more, so it was not ejected.", {plan.sourceName});
   }
   return services.cardEjector.eject(plan.source, plan.sourceName);
@@ -88,7 +88,7 @@ void tellEjection(const OffloadArguments& arguments, const std::string& name,
     tellError(OffloadKit::shownReason(*problem));
   } else if (!arguments.quiet) {
     const std::string sentence =
-        filled(translate("Terminal", "Ejected %1."), {PlatformKit::singleLineText(name)});
+        filled(translate("Terminal", "Ejected %1."), {TextKit::singleLineText(name)});
     const std::string done = forThisTerminal("\n" + sentence + "\n");
     arguments.json ? printError(done) : print(done);
   }

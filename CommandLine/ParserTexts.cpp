@@ -1,6 +1,6 @@
 #include "CommandLine/ParserTexts.h"
 
-#include "PlatformKit/Translation.h"
+#include "TextKit/Translation.h"
 
 #include <array>
 
@@ -9,9 +9,9 @@
 namespace CommandLine {
 namespace {
 
-using PlatformKit::filled;
-using PlatformKit::translatable;
-using PlatformKit::translate;
+using TextKit::filled;
+using TextKit::translatable;
+using TextKit::translate;
 
 // What the parser says of the arguments that this program takes.
 constexpr std::array kParseErrors = {
@@ -45,7 +45,7 @@ void translateCommandHelp(CLI::App& command) {
 std::string parseErrorSentence(const CLI::ParseError& error) {
   std::string sentence = error.what();
   for (const char* text : kParseErrors) {
-    auto values = PlatformKit::valuesIn(sentence, text);
+    auto values = TextKit::valuesIn(sentence, text);
     if (!values) continue;
     values->resize(3);
     return filled(translate("Terminal", text), {values->at(0), values->at(1), values->at(2)});

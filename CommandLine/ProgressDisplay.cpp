@@ -1,11 +1,11 @@
 #include "CommandLine/ProgressDisplay.h"
 
 #include "CommandLine/Output.h"
-#include "OffloadKit/Format.h"
-#include "OffloadKit/ProgressTexts.h"
+#include "OffloadKit/Wording/Format.h"
+#include "OffloadKit/Wording/ProgressTexts.h"
 #include "PlatformKit/Posix/Terminal.h"
-#include "PlatformKit/Translation.h"
-#include "PlatformKit/Unicode.h"
+#include "TextKit/Translation.h"
+#include "TextKit/Unicode.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -19,8 +19,8 @@ namespace {
 
 using OffloadKit::OffloadProgress;
 using Phase = OffloadProgress::Phase;
-using PlatformKit::filled;
-using PlatformKit::translate;
+using TextKit::filled;
+using TextKit::translate;
 namespace ProgressTexts = OffloadKit::ProgressTexts;
 
 // For the redrawn line, where copying and verifying alternate with every file.
@@ -44,10 +44,10 @@ std::string phaseWord(Phase phase) {
 std::string paddedPhaseWord(Phase phase) {
   std::size_t width = 0;
   for (const Phase other : {Phase::scanning, Phase::copying, Phase::verifying, Phase::imaging}) {
-    width = std::max(width, PlatformKit::cellWidth(phaseWord(other)));
+    width = std::max(width, TextKit::cellWidth(phaseWord(other)));
   }
   std::string word = phaseWord(phase);
-  const std::size_t own = PlatformKit::cellWidth(word);
+  const std::size_t own = TextKit::cellWidth(word);
   return own < width ? word.append(width - own, ' ') : word;
 }
 
@@ -152,17 +152,16 @@ class TerminalDisplay final : public ProgressDisplay {
     std::string text = fmt::format(
         "{}  {} {:3} %", paddedPhaseWord(progress.phase),
         bar(progress.fraction, std::clamp<std::size_t>(width / 5, 5, 24)), percent(progress));
-    if (progress.filesTotal == 0) return PlatformKit::elidedInTheMiddle(text, width);
+    if (progress.filesTotal == 0) return TextKit::elidedInTheMiddle(text, width);
     text += fmt::format("  {}  {:>10}  {:<16}", filesOf(progress), ProgressTexts::speed(progress),
                         estimate_.text(progress));
-    const std::size_t used = PlatformKit::cellWidth(text) + 2;
+    const std::size_t used = TextKit::cellWidth(text) + 2;
     constexpr std::size_t kWorthShowing = 12;
     if (used + kWorthShowing <= width) {
-      text += "  " + PlatformKit::elidedInTheMiddle(
-                         PlatformKit::singleLineText(progress.currentFile), width - used);
+      text += "  " + TextKit::elidedInTheMiddle(TextKit::singleLineText(progress.currentFile),
+                                                width - used);
     }
-    return PlatformKit::cellWidth(text) <= width ? text
-                                                 : PlatformKit::elidedInTheMiddle(text, width);
+    return TextKit::cellWidth(text) <= width ? text : TextKit::elidedInTheMiddle(text, width);
   }
 
   Pace pace_;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "OffloadKit/OffloadPlan.h"
-#include "OffloadKit/OffloadProgress.h"
+#include "OffloadKit/Records/OffloadPlan.h"
+#include "OffloadKit/Records/OffloadProgress.h"
 #include "PlatformKit/Dates.h"
 
 #include <memory>

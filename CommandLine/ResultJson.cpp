@@ -1,5 +1,7 @@
 #include "CommandLine/ResultJson.h"
 
+#include "TextKit/DateText.h"
+
 #include <nlohmann/json.hpp>
 
 namespace CommandLine {
@@ -78,8 +80,8 @@ json resultJson(const OffloadKit::OffloadResult& result) {
           {"allVerified", result.allVerified()},
           {"files", result.files.size()},
           {"totalBytes", result.totalBytes()},
-          {"started", PlatformKit::internetDateText(result.started)},
-          {"finished", PlatformKit::internetDateText(result.finished)},
+          {"started", TextKit::internetDateText(result.started)},
+          {"finished", TextKit::internetDateText(result.finished)},
           {"destinations", destinations(result)},
           {"failed", failed(result)},
           {"unreadable", unreadable(result)},

@@ -1,6 +1,6 @@
 #include "CommandLine/Table.h"
 
-#include "PlatformKit/Unicode.h"
+#include "TextKit/Unicode.h"
 
 #include <algorithm>
 
@@ -12,14 +12,14 @@ std::string tableText(const std::vector<TableRow>& rows, const std::set<std::siz
   for (const TableRow& row : rows) {
     widths.resize(row.size());
     for (std::size_t i = 0; i < row.size(); ++i) {
-      widths[i] = std::max(widths[i], PlatformKit::cellWidth(row[i]));
+      widths[i] = std::max(widths[i], TextKit::cellWidth(row[i]));
     }
   }
   std::string text;
   for (const TableRow& row : rows) {
     text += indent;
     for (std::size_t i = 0; i + 1 < row.size(); ++i) {
-      const std::string filling(widths[i] - PlatformKit::cellWidth(row[i]), ' ');
+      const std::string filling(widths[i] - TextKit::cellWidth(row[i]), ' ');
       text += (numbers.contains(i) ? filling + row[i] : row[i] + filling) + "  ";
     }
     text += row.back() + "\n";
@@ -29,7 +29,7 @@ std::string tableText(const std::vector<TableRow>& rows, const std::set<std::siz
 
 std::string nameCell(const std::string& name) {
   constexpr std::size_t kLongest = 40;
-  return PlatformKit::elidedInTheMiddle(PlatformKit::singleLineText(name), kLongest);
+  return TextKit::elidedInTheMiddle(TextKit::singleLineText(name), kLongest);
 }
 
 }  // namespace CommandLine

@@ -2,10 +2,10 @@
 
 #include "CommandLine/Output.h"
 #include "CommandLine/Table.h"
-#include "OffloadKit/ResultTexts.h"
-#include "OffloadKit/ShownReason.h"
-#include "PlatformKit/Translation.h"
-#include "PlatformKit/Unicode.h"
+#include "OffloadKit/Wording/ResultTexts.h"
+#include "OffloadKit/Wording/ShownReason.h"
+#include "TextKit/Translation.h"
+#include "TextKit/Unicode.h"
 
 #include <algorithm>
 
@@ -15,9 +15,9 @@ namespace CommandLine {
 namespace {
 
 using OffloadKit::OffloadResult;
-using PlatformKit::filled;
-using PlatformKit::singleLineText;
-using PlatformKit::translate;
+using TextKit::filled;
+using TextKit::singleLineText;
+using TextKit::translate;
 namespace ResultTexts = OffloadKit::ResultTexts;
 
 std::string headline(const OffloadResult& result, bool onStandardError) {

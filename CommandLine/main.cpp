@@ -6,11 +6,11 @@
 #include "CommandLine/ParserTexts.h"
 #include "CommandLine/Services.h"
 #include "HashKit/HashAlgorithm.h"
-#include "OffloadKit/ShownReason.h"
+#include "OffloadKit/Wording/ShownReason.h"
 #include "PlatformKit/Posix/OpenFiles.h"
 #include "PlatformKit/Posix/SystemText.h"
 #include "PlatformKit/Posix/Terminal.h"
-#include "PlatformKit/Translation.h"
+#include "TextKit/Translation.h"
 #include "Translations/Language.h"
 
 #include <memory>
@@ -20,8 +20,8 @@
 
 namespace {
 
-using PlatformKit::filled;
-using PlatformKit::translate;
+using TextKit::filled;
+using TextKit::translate;
 
 // The parser's own line of usage has a notation of its own for lists.
 class OffloadHelp final : public CLI::Formatter {

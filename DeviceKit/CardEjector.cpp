@@ -1,12 +1,12 @@
 #include "DeviceKit/CardEjector.h"
 
 #include "DeviceKit/DiskEnumerator.h"
-#include "PlatformKit/Translation.h"
+#include "TextKit/Translation.h"
 
 namespace DeviceKit {
 namespace {
 
-using PlatformKit::filled;
+using TextKit::filled;
 using Answer = PlatformKit::Ejector::Answer;
 
 const char* sentenceFor(Answer answer) {

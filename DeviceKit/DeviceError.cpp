@@ -1,13 +1,13 @@
 #include "DeviceKit/DeviceError.h"
 
 #include "PlatformKit/Posix/SystemText.h"
-#include "PlatformKit/Translation.h"
+#include "TextKit/Translation.h"
 
 namespace DeviceKit {
 namespace {
 
-using PlatformKit::filled;
 using PlatformKit::systemText;
+using TextKit::filled;
 
 struct Describe {
   std::string operator()(const DeviceError::CannotOpen& error) const {

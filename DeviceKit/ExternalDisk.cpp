@@ -1,7 +1,7 @@
 #include "DeviceKit/ExternalDisk.h"
 
-#include "PlatformKit/ByteCount.h"
-#include "PlatformKit/Words.h"
+#include "TextKit/ByteCount.h"
+#include "TextKit/Words.h"
 
 #include <algorithm>
 #include <array>
@@ -17,14 +17,14 @@ std::string ExternalDisk::displayName() const {
 }
 
 std::string ExternalDisk::sizeDescription() const {
-  return PlatformKit::shownByteCount(sizeBytes);
+  return TextKit::shownByteCount(sizeBytes);
 }
 
 bool ExternalDisk::isMemoryCard() const {
   constexpr std::array<std::string_view, 13> kWordsOfCards = {
       "sd", "sdhc",  "sdxc",      "sduc", "microsd", "card", "reader",
       "cf", "cfast", "cfexpress", "xqd",  "mmc",     "sxs"};
-  const auto words = PlatformKit::lowerCaseWords(mediaName);
+  const auto words = TextKit::lowerCaseWords(mediaName);
   return std::find_first_of(words.begin(), words.end(), kWordsOfCards.begin(),
                             kWordsOfCards.end()) != words.end();
 }

@@ -1,6 +1,6 @@
 #include "OffloadKit/OffloadEngine.h"
 
-#include "OffloadKit/OffloadRun.h"
+#include "OffloadKit/Run/OffloadRun.h"
 
 #include <stdexcept>
 

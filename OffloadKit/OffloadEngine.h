@@ -1,19 +1,16 @@
 #pragma once
 
 #include "DeviceKit/RawDeviceAccess.h"
-#include "OffloadKit/OffloadError.h"
-#include "OffloadKit/OffloadPlan.h"
-#include "OffloadKit/OffloadProgress.h"
-#include "OffloadKit/OffloadResult.h"
+#include "OffloadKit/Records/OffloadError.h"
+#include "OffloadKit/Records/OffloadPlan.h"
+#include "OffloadKit/Records/OffloadProgress.h"
+#include "OffloadKit/Records/OffloadResult.h"
 #include "PlatformKit/System.h"
 
 #include <functional>
 #include <mutex>
 
 namespace OffloadKit {
-
-/// Receives the progress of a run, on the run's thread. Must be cheap, must not throw.
-using ProgressCallback = std::function<void(const OffloadProgress&)>;
 
 /// Carries out one offload. One engine, one run.
 class OffloadEngine {

@@ -1,6 +1,6 @@
 #include "Translations/Language.h"
 
-#include "PlatformKit/Translation.h"
+#include "TextKit/Translation.h"
 
 #include <memory>
 #include <vector>
@@ -21,7 +21,7 @@ QString fileOf(const QString& language) {
 }
 
 /// The texts of one language: ours, and what Qt's own dialogs say where that is installed.
-class Texts final : public PlatformKit::Translator {
+class Texts final : public TextKit::Translator {
  public:
   explicit Texts(const QString& language) {
     static_cast<void>(translators_[0].load(fileOf(language)));
@@ -86,12 +86,12 @@ std::string languageOfUser() {
 }
 
 void useLanguage(const std::string& language) {
-  PlatformKit::setTranslator(nullptr);
+  TextKit::setTranslator(nullptr);
   // A translator takes itself out of the application.
   current().reset();
   if (language == kEnglish || !isKnown(language)) return;
   current() = std::make_unique<Texts>(QString::fromStdString(language));
-  PlatformKit::setTranslator(current().get());
+  TextKit::setTranslator(current().get());
   if (QCoreApplication* application = QCoreApplication::instance()) {
     current()->installIn(*application);
   }

@@ -1,8 +1,8 @@
-#include "OffloadKit/Version.h"
+#include "OffloadKit/Records/Version.h"
 #include "PlatformKit/Posix/Interrupts.h"
 #include "PlatformKit/Posix/OpenFiles.h"
 #include "PlatformKit/Posix/Terminal.h"
-#include "PlatformKit/Translation.h"
+#include "TextKit/Translation.h"
 #include "Translations/Language.h"
 #include "Updates/AppUpdater.h"
 #include "ZephrimarkOffload/Desktop/DesktopServices.h"
@@ -35,7 +35,7 @@ using ZephrimarkOffload::OffloadModel;
 using ZephrimarkOffload::OffloadWindow;
 using ZephrimarkOffload::SingleInstance;
 
-using PlatformKit::translate;
+using TextKit::translate;
 
 std::string help() {
   return translate(

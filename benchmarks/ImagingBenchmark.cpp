@@ -3,7 +3,7 @@
 // medians are printed. Budget: at least 0.9 of dd's speed.
 //   ImagingBenchmark [MEBIBYTES [FOLDER]]
 #include "DeviceKit/BlockDeviceSource.h"
-#include "OffloadKit/CardImager.h"
+#include "OffloadKit/Copying/CardImager.h"
 #include "PlatformKit/Linux/LinuxFileSystem.h"
 #include "PlatformKit/Linux/LinuxRawDevices.h"
 #include "PlatformKit/Linux/LinuxVolumes.h"

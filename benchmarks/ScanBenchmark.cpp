@@ -1,7 +1,7 @@
 // Scans a card of many small files, next to a bare walk of the same folders that only adds up sizes
 // (opendir, readdir, lstat). Both run in turn; medians are printed. Budget: at most 1.5 times the
 // bare walk plus one second for 200,000 files.
-#include "OffloadKit/SourceScan.h"
+#include "OffloadKit/Card/SourceScan.h"
 #include "PlatformKit/Linux/LinuxFileSystem.h"
 #include "PlatformKit/Linux/LinuxVolumes.h"
 #include "PlatformKit/Testing/TempFolder.h"

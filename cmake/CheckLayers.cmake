@@ -1,41 +1,115 @@
-# cmake -P CheckLayers.cmake: fails when a source file includes what its layer may not know. Linking
-# is checked at configuration; a header of an upper layer could still be included without linking.
+# cmake -P CheckLayers.cmake [-DROOT=folder]: fails when a source file includes what its layer may
+# not know. Linking is checked at configuration; a header could still be included without linking.
+#
+# Three rules:
+#   1. A module includes headers of the modules in its list and its own; a folder of a module that is
+#      listed as a floor includes only floors below it.
+#   2. What lies in an internal folder of a module is included by that module alone.
+#   3. Headers of the operating system belong to the lowest layer's implementations, and what is made
+#      for tests belongs to tests.
 
 cmake_minimum_required(VERSION 3.25)
-get_filename_component(root ${CMAKE_CURRENT_LIST_DIR}/.. ABSOLUTE)
+if(NOT ROOT)
+  get_filename_component(ROOT ${CMAKE_CURRENT_LIST_DIR}/.. ABSOLUTE)
+endif()
 
-# Module: the modules whose headers it may include, beside its own.
-set(PlatformKit_may "")
-set(HashKit_may "")
-set(DeviceKit_may PlatformKit)
-set(OffloadKit_may HashKit PlatformKit DeviceKit)
-set(DiskServices_may PlatformKit)
-set(DeviceHelper_may PlatformKit)
-set(Translations_may PlatformKit)
-set(Updates_may "")
-set(ZephrimarkUI_may "")
-set(CommandLine_may HashKit PlatformKit DeviceKit OffloadKit DiskServices Translations)
-set(modules PlatformKit HashKit DeviceKit OffloadKit DiskServices DeviceHelper Translations Updates ZephrimarkUI
-    CommandLine)
+set(engine "HashKit PlatformKit TextKit DeviceKit OffloadKit")
+# Folder: what it may include, beside its own headers. The most exact folder of a file counts.
+set(rules
+  "PlatformKit:"
+  "TextKit:"
+  "HashKit:"
+  "DeviceKit:PlatformKit TextKit"
+  "DiskServices:PlatformKit"
+  "DeviceHelper:PlatformKit"
+  "Translations:TextKit"
+  "Updates:"
+  "ZephrimarkUI:"
+  "OffloadKit/Records:HashKit PlatformKit TextKit OffloadKit/Wording"
+  "OffloadKit/Card:PlatformKit TextKit OffloadKit/Records"
+  "OffloadKit/Wording:HashKit PlatformKit TextKit OffloadKit/Records"
+  "OffloadKit/Transfer:HashKit PlatformKit TextKit"
+  "OffloadKit/Copying:HashKit PlatformKit TextKit DeviceKit OffloadKit/Records OffloadKit/Transfer OffloadKit/Wording"
+  "OffloadKit/Proof:HashKit PlatformKit TextKit DeviceKit OffloadKit/Records OffloadKit/Transfer OffloadKit/Wording"
+  "OffloadKit/Run:HashKit PlatformKit TextKit DeviceKit OffloadKit/Records OffloadKit/Card OffloadKit/Wording OffloadKit/Transfer OffloadKit/Copying OffloadKit/Proof"
+  "OffloadKit:${engine}"
+  "ZephrimarkOffload/Model:${engine}"
+  "ZephrimarkOffload/Desktop:PlatformKit TextKit ZephrimarkOffload/Model"
+  "ZephrimarkOffload/Screens:${engine} ZephrimarkUI ZephrimarkOffload/Model"
+  "ZephrimarkOffload/Demo:${engine} Translations ZephrimarkUI ZephrimarkOffload/Model ZephrimarkOffload/Screens ZephrimarkOffload"
+  "ZephrimarkOffload:${engine} DiskServices Translations Updates ZephrimarkUI"
+  "CommandLine:${engine} DiskServices Translations")
+# Folders whose headers are their module's own. Programs put the system's implementations together,
+# so they name those of PlatformKit.
+set(internal PlatformKit/Linux OffloadKit/Transfer OffloadKit/Copying
+    OffloadKit/Proof OffloadKit/Run)
+set(composition_roots ZephrimarkOffload/main.cpp ZephrimarkOffload/Machine.h CommandLine/Services.h
+    CommandLine/main.cpp)
 
-# The operating system's own headers belong to the lowest layer's implementations.
 set(system_headers "<(unistd|fcntl|dirent|poll|pthread|sched|signal|termios|langinfo|locale)\\.h>|<sys/|<linux/|<csignal>")
 set(system_folders "^(PlatformKit/(Posix|Linux|Testing)|DiskServices|DeviceHelper)/")
 
-foreach(module IN LISTS modules)
-  file(GLOB_RECURSE sources RELATIVE ${root} ${root}/${module}/*.h ${root}/${module}/*.cpp)
+# The longest of the folders (in `folders`) that hold `file`, in `answer`; empty without one.
+function(folder_of file folders answer)
+  set(longest "")
+  string(LENGTH "${longest}" most)
+  foreach(folder IN LISTS folders)
+    string(LENGTH "${folder}" length)
+    string(FIND "${file}" "${folder}/" place)
+    if(place EQUAL 0 AND length GREATER most)
+      set(longest "${folder}")
+      set(most ${length})
+    endif()
+  endforeach()
+  set(${answer} "${longest}" PARENT_SCOPE)
+endfunction()
+
+set(folders "")
+foreach(rule IN LISTS rules)
+  string(REGEX MATCH "^([^:]*):(.*)$" ignored "${rule}")
+  set(folder ${CMAKE_MATCH_1})
+  string(REPLACE " " ";" may_${folder} "${CMAKE_MATCH_2}")
+  list(APPEND folders ${folder})
+endforeach()
+
+foreach(folder IN LISTS folders)
+  string(REGEX REPLACE "/.*" "" module ${folder})
+  file(GLOB_RECURSE sources RELATIVE ${ROOT} ${ROOT}/${folder}/*.h ${ROOT}/${folder}/*.cpp)
   if(NOT sources)
-    message(SEND_ERROR "${module} has no sources; correct the list of modules.")
+    message(SEND_ERROR "${folder} has no sources; correct the list of folders.")
   endif()
   foreach(source IN LISTS sources)
-    file(STRINGS ${root}/${source} includes REGEX "^#include")
+    folder_of(${source} "${folders}" own)
+    if(NOT own STREQUAL folder)
+      continue()
+    endif()
+    file(STRINGS ${ROOT}/${source} includes REGEX "^#include")
     foreach(include IN LISTS includes)
       if(include MATCHES "${system_headers}" AND NOT source MATCHES "${system_folders}")
         message(SEND_ERROR "${source}: ${include} belongs into PlatformKit/Posix or Linux.")
       endif()
-      if(include MATCHES "\"(ZephrimarkOffload/[A-Za-z]+|[A-Za-z]+)/"
-         AND NOT CMAKE_MATCH_1 STREQUAL module AND NOT CMAKE_MATCH_1 IN_LIST ${module}_may)
-        message(SEND_ERROR "${source}: ${include} is not below ${module}.")
+      if(NOT include MATCHES "\"([^\"]+)\"")
+        continue()
+      endif()
+      set(header ${CMAKE_MATCH_1})
+      if(header MATCHES "/Testing/" AND NOT source MATCHES "/Testing/")
+        message(SEND_ERROR "${source}: ${include} is for tests.")
+      endif()
+      folder_of(${header} "${folders}" target)
+      string(REGEX REPLACE "/.*" "" target_module "${target}")
+      if(target AND NOT target STREQUAL folder AND NOT target IN_LIST may_${folder}
+         AND NOT (target_module IN_LIST may_${folder} AND NOT target_module STREQUAL module)
+         AND NOT (folder STREQUAL module AND target_module STREQUAL module))
+        message(SEND_ERROR "${source}: ${include} is not below ${folder}.")
+      endif()
+      folder_of(${header} "${internal}" hidden)
+      string(REGEX REPLACE "/.*" "" hidden_module "${hidden}")
+      set(may_compose FALSE)
+      if(hidden_module STREQUAL "PlatformKit" AND source IN_LIST composition_roots)
+        set(may_compose TRUE)
+      endif()
+      if(hidden AND NOT hidden_module STREQUAL module AND NOT may_compose)
+        message(SEND_ERROR "${source}: ${include} is internal to ${hidden_module}.")
       endif()
     endforeach()
   endforeach()

@@ -4,7 +4,7 @@
 #include "PlatformKit/Testing/FakeDisks.h"
 #include "PlatformKit/Testing/ManualClock.h"
 #include "PlatformKit/Testing/TempFolder.h"
-#include "PlatformKit/Unicode.h"
+#include "TextKit/Unicode.h"
 #include "fuzz/Input.h"
 
 #include <filesystem>
@@ -31,7 +31,7 @@ class Place {
 
 void checkSentence(const std::string& sentence) {
   Fuzz::require(sentence.ends_with('.'), "an error is a sentence");
-  Fuzz::require(PlatformKit::singleLineText(sentence) == sentence, "an error fits on a line");
+  Fuzz::require(TextKit::singleLineText(sentence) == sentence, "an error fits on a line");
 }
 
 void checkPlan(const OffloadKit::OffloadPlan& plan, std::size_t destinations) {

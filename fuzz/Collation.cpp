@@ -1,10 +1,10 @@
-#include "PlatformKit/Collation.h"
+#include "TextKit/Collation.h"
 
 #include "fuzz/Input.h"
 
 #include <algorithm>
 
-using PlatformKit::fileBrowserOrder;
+using TextKit::fileBrowserOrder;
 
 /// Input: names, with zero bytes between.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

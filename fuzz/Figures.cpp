@@ -1,14 +1,14 @@
-#include "OffloadKit/Format.h"
-#include "PlatformKit/ByteCount.h"
-#include "PlatformKit/Dates.h"
-#include "PlatformKit/Unicode.h"
+#include "OffloadKit/Wording/Format.h"
+#include "TextKit/ByteCount.h"
+#include "TextKit/DateText.h"
+#include "TextKit/Unicode.h"
 #include "fuzz/Input.h"
 
 #include <algorithm>
 #include <cmath>
 #include <string>
 
-using namespace PlatformKit;
+using namespace TextKit;
 
 namespace {
 

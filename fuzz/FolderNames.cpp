@@ -1,7 +1,8 @@
-#include "OffloadKit/FolderPreset.h"
+#include "OffloadKit/Card/CameraName.h"
+#include "OffloadKit/Records/FolderPreset.h"
 #include "PlatformKit/Linux/LinuxFileSystem.h"
 #include "PlatformKit/Testing/TempFolder.h"
-#include "PlatformKit/Unicode.h"
+#include "TextKit/Unicode.h"
 #include "fuzz/Input.h"
 
 #include <filesystem>
@@ -16,7 +17,7 @@ void checkComponent(const std::string& name) {
   Fuzz::require(name.front() != '.' && name.back() != '.', "no component climbs or hides");
   Fuzz::require(name.find_first_of("/\\:*?\"<>|") == std::string::npos,
                 "every file system takes a component");
-  Fuzz::require(PlatformKit::singleLineText(name) == name, "a component is text of one line");
+  Fuzz::require(TextKit::singleLineText(name) == name, "a component is text of one line");
   Fuzz::require(FolderPreset::clean(name) == name, "what is clean stays as it is");
 }
 
@@ -36,7 +37,7 @@ void checkCamera(const std::string& folderName) {
   std::error_code tooLong;
   std::filesystem::create_directories(folder, tooLong);
   PlatformKit::LinuxFileSystem fileSystem;
-  checkComponent(FolderPreset::cameraName(fileSystem, card.path()));
+  checkComponent(OffloadKit::cameraName(fileSystem, card.path()));
   std::filesystem::remove(folder, tooLong);
 }
 

@@ -1,4 +1,4 @@
-#include "OffloadKit/MHLDocuments.h"
+#include "OffloadKit/Proof/MHLDocuments.h"
 #include "fuzz/Input.h"
 #include "fuzz/Xml.h"
 

@@ -1,5 +1,5 @@
-#include "OffloadKit/MHLDocuments.h"
-#include "PlatformKit/Unicode.h"
+#include "OffloadKit/Proof/MHLDocuments.h"
+#include "TextKit/Unicode.h"
 #include "fuzz/Input.h"
 #include "fuzz/Xml.h"
 
@@ -34,7 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::vector<std::string> expected;
   for (const std::string& path : whole.paths) {
     rows.push_back({path, size, {}, "00"});
-    expected.emplace_back(PlatformKit::trimmed(OffloadKit::MHL::carriedPath(path)));
+    expected.emplace_back(TextKit::trimmed(OffloadKit::MHL::carriedPath(path)));
   }
   const Reading again = read(
       generationDocument(rows, std::vector<bool>(rows.size()), HashKit::HashAlgorithm::xxh64, {}),

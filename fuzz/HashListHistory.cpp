@@ -1,4 +1,4 @@
-#include "OffloadKit/MHLHistory.h"
+#include "OffloadKit/Proof/MHLHistory.h"
 #include "PlatformKit/Linux/LinuxFileSystem.h"
 #include "PlatformKit/Linux/LinuxVolumes.h"
 #include "PlatformKit/Testing/ManualClock.h"

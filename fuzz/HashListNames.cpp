@@ -1,6 +1,6 @@
-#include "OffloadKit/MHLDocuments.h"
-#include "OffloadKit/Markup.h"
-#include "PlatformKit/Unicode.h"
+#include "OffloadKit/Proof/MHLDocuments.h"
+#include "OffloadKit/Proof/Markup.h"
+#include "TextKit/Unicode.h"
 #include "fuzz/Input.h"
 #include "fuzz/Markup.h"
 

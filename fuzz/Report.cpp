@@ -1,5 +1,5 @@
-#include "OffloadKit/OffloadReport.h"
-#include "PlatformKit/Unicode.h"
+#include "OffloadKit/Proof/OffloadReport.h"
+#include "TextKit/Unicode.h"
 #include "fuzz/Input.h"
 #include "fuzz/Markup.h"
 
@@ -31,7 +31,7 @@ std::string asXml(std::string page) {
 }
 
 std::string shown(std::string_view name) {
-  std::string text = PlatformKit::withoutControls(name);
+  std::string text = TextKit::withoutControls(name);
   replaceAll(text, "\xEF\xBF\xBE", "?");
   replaceAll(text, "\xEF\xBF\xBF", "?");
   return text;
@@ -62,7 +62,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                      OffloadedFile::Outcome::failed(reason)};
   }
   const std::string page = OffloadReport::html(result, 0);
-  Fuzz::require(PlatformKit::validUtf8(page) == page, "the page is UTF-8");
+  Fuzz::require(TextKit::validUtf8(page) == page, "the page is UTF-8");
   const auto elements = Fuzz::elementsOf(asXml(page));
   Fuzz::require(elements.has_value(), "the page is well-formed");
   std::size_t file = 0;

@@ -1,7 +1,7 @@
 #include "ZephrimarkOffload/Model/Settings.h"
 
 #include "PlatformKit/Testing/TempFolder.h"
-#include "PlatformKit/Unicode.h"
+#include "TextKit/Unicode.h"
 #include "fuzz/Input.h"
 
 #include <filesystem>
@@ -39,7 +39,7 @@ void checkChoices(const ZephrimarkOffload::Choices& choices) {
     Fuzz::require(destination.native().find('\0') == std::string::npos, "it can be a path");
   }
   for (const std::string& text : {choices.project, choices.preset.templateText}) {
-    Fuzz::require(PlatformKit::validUtf8(text) == text, "texts are UTF-8");
+    Fuzz::require(TextKit::validUtf8(text) == text, "texts are UTF-8");
   }
   const File copy;
   copy.settings().save(choices);

@@ -1,10 +1,10 @@
-#include "PlatformKit/Unicode.h"
-#include "PlatformKit/Words.h"
+#include "TextKit/Unicode.h"
+#include "TextKit/Words.h"
 #include "fuzz/Input.h"
 
 #include <string>
 
-using namespace PlatformKit;
+using namespace TextKit;
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OffloadKit/MHLParsers.h"
+#include "OffloadKit/Proof/MHLParsers.h"
 
 #include <algorithm>
 #include <string_view>

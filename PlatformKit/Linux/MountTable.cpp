@@ -1,5 +1,7 @@
 #include "PlatformKit/Linux/MountTable.h"
 
+#include "PlatformKit/Paths.h"
+
 #include <algorithm>
 #include <charconv>
 
@@ -64,11 +66,6 @@ std::optional<Mount> mountOf(std::string_view line) {
                isReadOnly};
 }
 
-bool holds(const Path& folder, const Path& path) {
-  return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first ==
-         folder.end();
-}
-
 }  // namespace
 
 std::optional<DeviceNumber> parseDeviceNumber(std::string_view text) {
@@ -94,7 +91,7 @@ std::vector<Mount> parseMountInfo(std::string_view text) {
 const Mount* mountHolding(const std::vector<Mount>& mounts, const Path& path) {
   const Mount* best = nullptr;
   for (const Mount& mount : mounts) {
-    if (!holds(mount.point, path)) continue;
+    if (!isInside(path, mount.point)) continue;
     if (best == nullptr || mount.point.native().size() >= best->point.native().size()) {
       best = &mount;
     }

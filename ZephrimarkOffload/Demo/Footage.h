@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OffloadKit/SourceFile.h"
+#include "OffloadKit/Records/SourceFile.h"
 #include "ZephrimarkOffload/Model/DiskQuestions.h"
 
 #include <vector>

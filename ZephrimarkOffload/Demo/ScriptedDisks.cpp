@@ -1,5 +1,7 @@
 #include "ZephrimarkOffload/Demo/ScriptedDisks.h"
 
+#include "PlatformKit/Paths.h"
+
 #include <algorithm>
 
 namespace ZephrimarkOffload::Demo {
@@ -13,10 +15,6 @@ constexpr SourceCount kFolderContent{240, 12'400'000'000};
 constexpr std::uint64_t kRoomOnThisComputer = 412'600'000'000;
 constexpr const char* kMediaFolder = "/media/";
 constexpr VolumeIdentifier kThisComputer{1};
-
-bool liesIn(const Path& path, const Path& root) {
-  return std::mismatch(root.begin(), root.end(), path.begin(), path.end()).first == root.end();
-}
 
 // Of drives that never change, so that their places tell them apart.
 VolumeIdentifier identifierOf(std::size_t drive) {
@@ -72,8 +70,9 @@ VolumeAnswers ScriptedDisks::volume(const Path& root) {
 bool ScriptedDisks::exists(const Path& path) {
   const std::lock_guard held(lock_);
   return card(path) != nullptr || path.native().rfind(kMediaFolder, 0) != 0 ||
-         std::any_of(drives_.begin(), drives_.end(),
-                     [&](const ScriptedDrive& drive) { return liesIn(path, drive.root); });
+         std::any_of(drives_.begin(), drives_.end(), [&](const ScriptedDrive& drive) {
+           return PlatformKit::isInside(path, drive.root);
+         });
 }
 
 SourceFacts ScriptedDisks::source(const Path& path) {
@@ -97,7 +96,7 @@ SourceCount ScriptedDisks::count(const Path& path) {
 DestinationFacts ScriptedDisks::destination(const Path& path) {
   for (std::size_t i = 0; i < drives_.size(); ++i) {
     const ScriptedDrive& drive = drives_[i];
-    if (!liesIn(path, drive.root)) continue;
+    if (!PlatformKit::isInside(path, drive.root)) continue;
     return {true, false, drive.name, drive.available, identifierOf(i), drive.root};
   }
   return {exists(path), true, path.filename().native(), kRoomOnThisComputer, kThisComputer, "/"};

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "HashKit/HashAlgorithm.h"
-#include "OffloadKit/FolderPreset.h"
+#include "OffloadKit/Records/FolderPreset.h"
 #include "PlatformKit/FileSystem.h"
 
 #include <string>

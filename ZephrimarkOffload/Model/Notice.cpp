@@ -1,20 +1,20 @@
 #include "ZephrimarkOffload/Model/Notice.h"
 
-#include "PlatformKit/ByteCount.h"
-#include "PlatformKit/Translation.h"
-#include "PlatformKit/Unicode.h"
+#include "TextKit/ByteCount.h"
+#include "TextKit/Translation.h"
+#include "TextKit/Unicode.h"
 
 namespace ZephrimarkOffload {
 
 namespace {
 
-using PlatformKit::filled;
-using PlatformKit::translate;
+using TextKit::filled;
+using TextKit::translate;
 
 }  // namespace
 
 Notice noticeOf(const OffloadKit::OffloadResult& result) {
-  const std::string name = PlatformKit::singleLineText(result.plan.sourceName);
+  const std::string name = TextKit::singleLineText(result.plan.sourceName);
   const std::size_t drives = result.plan.destinations.size();
   if (!result.allVerified()) {
     const std::size_t failed = result.failedFiles().size();
@@ -37,7 +37,7 @@ Notice noticeOf(const OffloadKit::OffloadResult& result) {
                        "%1: %2, %3, checked on %4 drive.", drives),
              {name,
               filled(translate("Notice", "%1 files", "%1 files", files), {std::to_string(files)}),
-              PlatformKit::shownByteCount(result.totalBytes()), std::to_string(drives)})};
+              TextKit::shownByteCount(result.totalBytes()), std::to_string(drives)})};
 }
 
 }  // namespace ZephrimarkOffload

@@ -1,8 +1,9 @@
 #include "ZephrimarkOffload/Model/OffloadModel.h"
 
-#include "OffloadKit/ErrorSentences.h"
-#include "PlatformKit/Translation.h"
-#include "PlatformKit/Unicode.h"
+#include "OffloadKit/Wording/ErrorSentences.h"
+#include "PlatformKit/Paths.h"
+#include "TextKit/Translation.h"
+#include "TextKit/Unicode.h"
 #include "ZephrimarkOffload/Model/StepTexts.h"
 
 #include <algorithm>
@@ -10,16 +11,6 @@
 namespace ZephrimarkOffload {
 
 using PlatformKit::Path;
-
-namespace {
-
-// Whether `path` is `folder` or lies in it, by their names.
-bool isWithin(const Path& path, const Path& folder) {
-  return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first ==
-         folder.end();
-}
-
-}  // namespace
 
 OffloadModel::OffloadModel(Services services)
     : services_(std::move(services)),
@@ -70,7 +61,7 @@ std::vector<DeviceKit::Volume> OffloadModel::suggestedDrives() const {
       const auto facts = destinationBoard_.facts(destination);
       if (facts && identifier) return facts->volume && *facts->volume == *identifier;
       // Not answered yet: judged by the path, so that no row comes and goes.
-      return isWithin(destination, drive.url);
+      return PlatformKit::isInside(destination, drive.url);
     };
     const auto& destinations = choices_.destinations;
     if (drive.url == source_) continue;
@@ -111,7 +102,7 @@ void OffloadModel::refreshSourceInfo() {
   sourceCount_ = {};
   if (source_) {
     const Path source = *source_;
-    sourceFacts_.name = OffloadKit::lastComponent(source);
+    sourceFacts_.name = PlatformKit::lastComponent(source);
     background_.ask(
         "source " + source.native(),
         [source](DiskQuestions& questions) { return questions.source(source); },
@@ -274,8 +265,8 @@ Readiness OffloadModel::readiness() const {
   readiness.sourceSize = sourceCount_.bytes;
   for (const Path& destination : choices_.destinations) {
     const auto facts = destinationBoard_.facts(destination);
-    Readiness::Room room{OffloadKit::lastComponent(destination), std::nullopt};
-    if (facts) room = {PlatformKit::singleLineText(facts->volumeName), facts->freeSpace};
+    Readiness::Room room{PlatformKit::lastComponent(destination), std::nullopt};
+    if (facts) room = {TextKit::singleLineText(facts->volumeName), facts->freeSpace};
     readiness.destinations.push_back(std::move(room));
   }
   if (choices_.saveCardImage && cardDisk()) readiness.cardImageSize = cardDisk()->size;
@@ -293,7 +284,7 @@ std::optional<OffloadKit::CardImageRequest> OffloadModel::imageRequest() const {
 }
 
 std::optional<std::string> OffloadModel::blocker() const {
-  if (isEjecting_) return PlatformKit::translate("Setup", "Ejecting the card…");
+  if (isEjecting_) return TextKit::translate("Setup", "Ejecting the card…");
   return ZephrimarkOffload::blocker(readiness());
 }
 

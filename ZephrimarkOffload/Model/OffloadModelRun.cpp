@@ -1,10 +1,11 @@
 // The model's part that carries out an offload.
 
-#include "OffloadKit/ErrorSentences.h"
-#include "OffloadKit/OffloadError.h"
-#include "OffloadKit/ShownReason.h"
-#include "PlatformKit/Translation.h"
-#include "PlatformKit/Unicode.h"
+#include "OffloadKit/Records/OffloadError.h"
+#include "OffloadKit/Wording/ErrorSentences.h"
+#include "OffloadKit/Wording/ShownReason.h"
+#include "PlatformKit/Paths.h"
+#include "TextKit/Translation.h"
+#include "TextKit/Unicode.h"
 #include "ZephrimarkOffload/Model/Notice.h"
 #include "ZephrimarkOffload/Model/OffloadModel.h"
 
@@ -44,9 +45,8 @@ void OffloadModel::start() {
   progress_.reset();
   ejectMessage_.clear();
   isStopping_ = false;
-  services_.desktop.holdAwake(
-      QString::fromStdString(PlatformKit::filled(PlatformKit::translate("Progress", "Copying %1"),
-                                                 {PlatformKit::singleLineText(plan.sourceName)})));
+  services_.desktop.holdAwake(QString::fromStdString(TextKit::filled(
+      TextKit::translate("Progress", "Copying %1"), {TextKit::singleLineText(plan.sourceName)})));
   setStage(Stage::running());
   services_.desktop.requestNotificationPermission();
   std::optional<Path> ejectTarget;
@@ -146,8 +146,8 @@ void OffloadModel::tryAgain() {
 
 void OffloadModel::eject(const Path& volume) {
   if (isEjecting_) return;
-  const std::string name = PlatformKit::singleLineText(
-      volume == source_ ? sourceName() : OffloadKit::lastComponent(volume));
+  const std::string name = TextKit::singleLineText(
+      volume == source_ ? sourceName() : PlatformKit::lastComponent(volume));
   isEjecting_ = true;
   ejectMessage_.clear();
   emit ejectChanged();
@@ -158,10 +158,10 @@ void OffloadModel::eject(const Path& volume) {
         isEjecting_ = false;
         isEjected_ = !failure;
         ejectMessage_ =
-            failure ? OffloadKit::shownReason(*failure)
-                    : PlatformKit::filled(
-                          PlatformKit::translate("Setup", "Ejected %1. You can take it out now."),
-                          {name});
+            failure
+                ? OffloadKit::shownReason(*failure)
+                : TextKit::filled(
+                      TextKit::translate("Setup", "Ejected %1. You can take it out now."), {name});
         emit ejectChanged();
         refreshVolumes();
       });

@@ -1,7 +1,7 @@
 #include "ZephrimarkOffload/Model/OffloadRunner.h"
 
 #include "DeviceKit/DiskEnumerator.h"
-#include "OffloadKit/OffloadError.h"
+#include "OffloadKit/Records/OffloadError.h"
 
 namespace ZephrimarkOffload {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PlatformKit/Translation.h"
+#include "TextKit/Translation.h"
 
 namespace ZephrimarkOffload {
 
@@ -14,24 +14,24 @@ struct PlatformWords {
 };
 
 inline constexpr PlatformWords kMacWords{
-    PlatformKit::translatable("Platform", "This Mac"),
-    PlatformKit::translatable("Platform",
-                              "Every copy is on this Mac's own disk. Add an external drive so the "
-                              "footage isn't on one disk only."),
-    PlatformKit::translatable("Platform", "Show in Finder"),
-    PlatformKit::translatable(
+    TextKit::translatable("Platform", "This Mac"),
+    TextKit::translatable("Platform",
+                          "Every copy is on this Mac's own disk. Add an external drive so the "
+                          "footage isn't on one disk only."),
+    TextKit::translatable("Platform", "Show in Finder"),
+    TextKit::translatable(
         "Platform",
         "A sector-by-sector copy of the whole card, including deleted space. If something turns "
         "out to be missing later, Zephrimark Kestrine can search the image, even after the card "
         "is reused. macOS asks for your password to read the card directly.")};
 
 inline constexpr PlatformWords kLinuxWords{
-    PlatformKit::translatable("Platform", "This Computer"),
-    PlatformKit::translatable("Platform",
-                              "Every copy is on this computer's own disk. Add an external drive so "
-                              "the footage isn't on one disk only."),
-    PlatformKit::translatable("Platform", "Show in Files"),
-    PlatformKit::translatable(
+    TextKit::translatable("Platform", "This Computer"),
+    TextKit::translatable("Platform",
+                          "Every copy is on this computer's own disk. Add an external drive so "
+                          "the footage isn't on one disk only."),
+    TextKit::translatable("Platform", "Show in Files"),
+    TextKit::translatable(
         "Platform",
         "A sector-by-sector copy of the whole card, including deleted space. If something turns "
         "out to be missing later, Zephrimark Kestrine can search the image, even after the card "

@@ -1,12 +1,12 @@
 #include "ZephrimarkOffload/Model/Readiness.h"
 
-#include "PlatformKit/Translation.h"
+#include "TextKit/Translation.h"
 
 namespace ZephrimarkOffload {
 namespace {
 
-using PlatformKit::filled;
-using PlatformKit::translate;
+using TextKit::filled;
+using TextKit::translate;
 
 std::optional<std::string> missingRoom(const Readiness& readiness) {
   const auto image = imageDestination(readiness.destinations);

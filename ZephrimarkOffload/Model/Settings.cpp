@@ -1,6 +1,6 @@
 #include "ZephrimarkOffload/Model/Settings.h"
 
-#include "PlatformKit/Unicode.h"
+#include "TextKit/Unicode.h"
 #include "ZephrimarkOffload/Model/SettingsFile.h"
 
 #include <chrono>
@@ -32,7 +32,7 @@ constexpr const char* kEncoded = "file:";
 
 QString settingOf(const Path& path) {
   const std::string& bytes = path.native();
-  if (PlatformKit::validUtf8(bytes) == bytes) return QString::fromStdString(bytes);
+  if (TextKit::validUtf8(bytes) == bytes) return QString::fromStdString(bytes);
   const QByteArray raw(bytes.data(), static_cast<qsizetype>(bytes.size()));
   return kEncoded + QString::fromLatin1(raw.toPercentEncoding("/"));
 }

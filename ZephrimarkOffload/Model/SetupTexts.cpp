@@ -1,9 +1,9 @@
 #include "ZephrimarkOffload/Model/SetupTexts.h"
 
-#include "OffloadKit/FolderPreset.h"
-#include "PlatformKit/ByteCount.h"
-#include "PlatformKit/Translation.h"
-#include "PlatformKit/Unicode.h"
+#include "OffloadKit/Records/FolderPreset.h"
+#include "TextKit/ByteCount.h"
+#include "TextKit/Translation.h"
+#include "TextKit/Unicode.h"
 #include "ZephrimarkOffload/Model/PlatformWords.h"
 
 #include <algorithm>
@@ -12,11 +12,11 @@
 namespace ZephrimarkOffload::SetupTexts {
 namespace {
 
-using PlatformKit::filled;
 using PlatformKit::Path;
-using PlatformKit::shownByteCount;
-using PlatformKit::singleLineText;
-using PlatformKit::translate;
+using TextKit::filled;
+using TextKit::shownByteCount;
+using TextKit::singleLineText;
+using TextKit::translate;
 
 // The rest of `path` below `folder`, with its leading slash; none when it lies elsewhere.
 std::optional<std::string_view> below(const Path& path, const Path& folder) {

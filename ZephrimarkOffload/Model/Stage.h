@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OffloadKit/OffloadResult.h"
+#include "OffloadKit/Records/OffloadResult.h"
 
 #include <memory>
 #include <string>

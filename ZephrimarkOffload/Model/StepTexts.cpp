@@ -1,13 +1,13 @@
 #include "ZephrimarkOffload/Model/StepTexts.h"
 
-#include "PlatformKit/Translation.h"
-#include "PlatformKit/Unicode.h"
+#include "TextKit/Translation.h"
+#include "TextKit/Unicode.h"
 
 namespace ZephrimarkOffload {
 namespace {
 
-using PlatformKit::filled;
-using PlatformKit::translate;
+using TextKit::filled;
+using TextKit::translate;
 using Phase = OffloadKit::OffloadProgress::Phase;
 
 std::string doneStatus(const OffloadKit::OffloadResult& result) {
@@ -35,7 +35,7 @@ std::string runningStatus(const StepFacts& facts) {
   const std::size_t drives = facts.destinations;
   return filled(translate("Steps", "Copying %1 to %2 drives. Keep everything connected.",
                           "Copying %1 to %2 drive. Keep everything connected.", drives),
-                {PlatformKit::singleLineText(facts.sourceName), std::to_string(drives)});
+                {TextKit::singleLineText(facts.sourceName), std::to_string(drives)});
 }
 
 std::string setupStatus(const StepFacts& facts) {

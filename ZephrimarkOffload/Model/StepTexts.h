@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OffloadKit/OffloadProgress.h"
+#include "OffloadKit/Records/OffloadProgress.h"
 #include "ZephrimarkOffload/Model/Stage.h"
 
 #include <cstddef>

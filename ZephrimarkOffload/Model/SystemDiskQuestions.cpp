@@ -1,10 +1,12 @@
 #include "ZephrimarkOffload/Model/SystemDiskQuestions.h"
 
-#include "OffloadKit/ErrorSentences.h"
-#include "OffloadKit/FolderPreset.h"
-#include "OffloadKit/Places.h"
-#include "OffloadKit/SourceScan.h"
-#include "PlatformKit/Translation.h"
+#include "DeviceKit/Places.h"
+#include "OffloadKit/Card/CameraName.h"
+#include "OffloadKit/Card/SourceScan.h"
+#include "OffloadKit/Records/FolderPreset.h"
+#include "OffloadKit/Wording/ErrorSentences.h"
+#include "PlatformKit/Paths.h"
+#include "TextKit/Translation.h"
 
 #include <exception>
 
@@ -34,9 +36,9 @@ bool SystemDiskQuestions::isFolder(const Path& path) {
 SourceFacts SystemDiskQuestions::source(const Path& path) {
   SourceFacts facts;
   facts.volume = system_.volumes.facts(path).identifier;
-  facts.name = OffloadKit::sourceName(system_, path);
-  facts.camera = OffloadKit::FolderPreset::cameraName(system_.fileSystem, path);
-  facts.isVolumeRoot = OffloadKit::isVolumeRoot(system_, path);
+  facts.name = DeviceKit::sourceName(system_, path);
+  facts.camera = OffloadKit::cameraName(system_.fileSystem, path);
+  facts.isVolumeRoot = DeviceKit::isVolumeRoot(system_, path);
   if (!facts.isVolumeRoot) return facts;
   facts.space = mounted_.space(path);
   facts.disk = DeviceKit::DiskEnumerator(disks_, nullptr).wholeDisk(path);
@@ -60,10 +62,10 @@ SourceCount SystemDiskQuestions::count(const Path& path) {
 DestinationFacts SystemDiskQuestions::destination(const Path& path) {
   DestinationFacts facts;
   facts.exists = exists(path);
-  facts.volumeName = OffloadKit::volumeName(system_, path);
-  facts.freeSpace = OffloadKit::freeSpace(system_, path);
+  facts.volumeName = DeviceKit::volumeName(system_, path);
+  facts.freeSpace = DeviceKit::freeSpace(system_, path);
   facts.volume = system_.volumes.facts(path).identifier;
-  const Path existing = OffloadKit::nearestExisting(system_.fileSystem, path);
+  const Path existing = PlatformKit::nearestExisting(system_.fileSystem, path);
   facts.volumeRoot = system_.volumes.facts(existing).root.value_or("/");
   const auto volume = mounted_.holding(existing);
   facts.isInternal = volume && (volume->isRootFileSystem || volume->isInternal);
@@ -72,8 +74,8 @@ DestinationFacts SystemDiskQuestions::destination(const Path& path) {
 
 std::optional<std::string> SystemDiskQuestions::eject(const Path& volume, const std::string& name) {
   // Once a card is taken out, its folder may lie on another disk.
-  if (!OffloadKit::isVolumeRoot(system_, volume)) {
-    return PlatformKit::filled("%1 is not mounted any more, so it was not ejected.", {name});
+  if (!DeviceKit::isVolumeRoot(system_, volume)) {
+    return TextKit::filled("%1 is not mounted any more, so it was not ejected.", {name});
   }
   return ejector_.eject(volume, name);
 }

@@ -1,7 +1,8 @@
 #include "ZephrimarkOffload/Screens/DonePresenter.h"
 
-#include "OffloadKit/ErrorSentences.h"
-#include "OffloadKit/ResultTexts.h"
+#include "OffloadKit/Wording/ErrorSentences.h"
+#include "OffloadKit/Wording/ResultTexts.h"
+#include "PlatformKit/Paths.h"
 #include "ZephrimarkOffload/Screens/Text.h"
 
 #include <algorithm>
@@ -46,7 +47,7 @@ std::vector<QVariantMap> DonePresenter::driveRows() const {
   const auto& folders = result_->plan.destinations;
   const auto& names = model_.driveNames();
   for (std::size_t i = 0; i < folders.size(); ++i) {
-    const std::string name = i < names.size() ? names[i] : OffloadKit::lastComponent(folders[i]);
+    const std::string name = i < names.size() ? names[i] : PlatformKit::lastComponent(folders[i]);
     rows.push_back({{"key", static_cast<int>(i)},
                     {"name", lineText(name)},
                     {"detail", lineText(ResultTexts::drive(*result_, i))},

@@ -1,17 +1,17 @@
 #include "ZephrimarkOffload/Screens/RunLog.h"
 
-#include "OffloadKit/ShownReason.h"
-#include "PlatformKit/ByteCount.h"
-#include "PlatformKit/Translation.h"
-#include "PlatformKit/Unicode.h"
+#include "OffloadKit/Wording/ShownReason.h"
+#include "TextKit/ByteCount.h"
+#include "TextKit/Translation.h"
+#include "TextKit/Unicode.h"
 
 #include <algorithm>
 
 namespace ZephrimarkOffload {
 namespace {
 
-using PlatformKit::filled;
-using PlatformKit::translate;
+using TextKit::filled;
+using TextKit::translate;
 using Phase = OffloadKit::OffloadProgress::Phase;
 
 // A drive whose every file fails in a way of its own must not fill the memory.
@@ -29,7 +29,7 @@ bool RunLog::add(const OffloadKit::OffloadProgress& progress, PlatformKit::Date 
     const std::size_t files = progress.filesTotal;
     lines_.push_back(
         {time, filled(translate("Progress", "Found %1 files, %2", "Found %1 files, %2", files),
-                      {std::to_string(files), PlatformKit::shownByteCount(progress.bytesTotal)})});
+                      {std::to_string(files), TextKit::shownByteCount(progress.bytesTotal)})});
   }
   addProblems(progress, time);
   if (progress.phase != phase_) {
@@ -57,8 +57,7 @@ void RunLog::addProblems(const OffloadKit::OffloadProgress& progress, PlatformKi
     if (failure.empty() || failure == lastFailures_[i] || lines_.size() >= kMostLines) continue;
     lastFailures_[i] = failure;
     lines_.push_back(
-        {time,
-         driveNames_[i] + ": " + PlatformKit::singleLineText(OffloadKit::shownReason(failure)),
+        {time, driveNames_[i] + ": " + TextKit::singleLineText(OffloadKit::shownReason(failure)),
          true});
   }
 }

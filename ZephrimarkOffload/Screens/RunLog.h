@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OffloadKit/OffloadProgress.h"
+#include "OffloadKit/Records/OffloadProgress.h"
 #include "PlatformKit/Dates.h"
 
 #include <cstddef>

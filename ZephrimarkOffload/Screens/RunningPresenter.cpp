@@ -1,6 +1,7 @@
 #include "ZephrimarkOffload/Screens/RunningPresenter.h"
 
-#include "OffloadKit/ProgressTexts.h"
+#include "OffloadKit/Wording/ProgressTexts.h"
+#include "TextKit/DateText.h"
 #include "ZephrimarkOffload/Screens/Text.h"
 
 #include <algorithm>
@@ -85,11 +86,10 @@ void RunningPresenter::showDrives() {
 void RunningPresenter::showLog() {
   std::vector<QVariantMap> rows;
   for (const RunLog::Line& line : events_.lines()) {
-    rows.push_back(
-        {{"key", static_cast<int>(rows.size())},
-         {"time", QString::fromStdString(PlatformKit::localDateText(line.time, "%H:%M"))},
-         {"text", lineText(line.text)},
-         {"isProblem", line.isProblem}});
+    rows.push_back({{"key", static_cast<int>(rows.size())},
+                    {"time", QString::fromStdString(TextKit::localDateText(line.time, "%H:%M"))},
+                    {"text", lineText(line.text)},
+                    {"isProblem", line.isProblem}});
   }
   logRows_.setRows(rows);
 }

@@ -1,6 +1,6 @@
 #include "ZephrimarkOffload/Screens/SetupPresenter.h"
 
-#include "PlatformKit/Translation.h"
+#include "TextKit/Translation.h"
 #include "ZephrimarkOffload/Model/PlatformWords.h"
 #include "ZephrimarkOffload/Model/SetupTexts.h"
 #include "ZephrimarkOffload/Screens/Text.h"
@@ -157,7 +157,7 @@ QString SetupPresenter::drivesHint() const {
 
 QString SetupPresenter::internalWarning() const {
   if (!model_.onlyInternalCopies()) return {};
-  return toText(PlatformKit::translate("Platform", kWords.onlyThisComputer));
+  return toText(TextKit::translate("Platform", kWords.onlyThisComputer));
 }
 
 QString SetupPresenter::ejectMessage() const {

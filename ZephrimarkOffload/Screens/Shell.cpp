@@ -1,7 +1,7 @@
 #include "ZephrimarkOffload/Screens/Shell.h"
 
-#include "OffloadKit/Version.h"
-#include "PlatformKit/Translation.h"
+#include "OffloadKit/Records/Version.h"
+#include "TextKit/Translation.h"
 #include "ZephrimarkOffload/Model/PlatformWords.h"
 #include "ZephrimarkOffload/Screens/Text.h"
 
@@ -59,7 +59,7 @@ QString Shell::failedMessage() const {
 }
 
 QString Shell::showInFileBrowser() {
-  return QString::fromStdString(PlatformKit::translate("Platform", kWords.showInFileBrowser));
+  return QString::fromStdString(TextKit::translate("Platform", kWords.showInFileBrowser));
 }
 
 QString Shell::version() {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "PlatformKit/FileSystem.h"
-#include "PlatformKit/Unicode.h"
+#include "TextKit/Unicode.h"
 
 #include <string_view>
 #include <vector>
@@ -14,7 +14,7 @@ namespace ZephrimarkOffload {
 
 /// Bytes of a name as one line of a screen.
 inline QString lineText(std::string_view bytes) {
-  return QString::fromStdString(PlatformKit::singleLineText(bytes));
+  return QString::fromStdString(TextKit::singleLineText(bytes));
 }
 
 inline QStringList lineTexts(const std::vector<std::string>& lines) {

@@ -1,7 +1,7 @@
 // Whole offloads through the model: the real engine on real folders, with an event loop and no
 // window.
 
-#include "OffloadKit/OffloadError.h"
+#include "OffloadKit/Records/OffloadError.h"
 #include "PlatformKit/Linux/LinuxDisks.h"
 #include "tests/Model/ModelFixture.h"
 

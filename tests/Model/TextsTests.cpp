@@ -1,5 +1,5 @@
-#include "OffloadKit/ProgressTexts.h"
-#include "OffloadKit/ResultTexts.h"
+#include "OffloadKit/Wording/ProgressTexts.h"
+#include "OffloadKit/Wording/ResultTexts.h"
 #include "ZephrimarkOffload/Model/Notice.h"
 #include "ZephrimarkOffload/Model/Readiness.h"
 #include "ZephrimarkOffload/Model/SetupTexts.h"

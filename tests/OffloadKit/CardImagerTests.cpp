@@ -1,6 +1,6 @@
 #include "DeviceKit/BlockDeviceSource.h"
 #include "DeviceKit/MemorySource.h"
-#include "OffloadKit/CardImager.h"
+#include "OffloadKit/Copying/CardImager.h"
 #include "tests/OffloadKit/OffloadFixture.h"
 
 #include <cerrno>

@@ -1,4 +1,4 @@
-#include "OffloadKit/CopyTargets.h"
+#include "OffloadKit/Copying/CopyTargets.h"
 #include "tests/OffloadKit/OffloadFixture.h"
 
 namespace OffloadKit {

@@ -1,5 +1,5 @@
-#include "OffloadKit/ErrorSentences.h"
-#include "OffloadKit/OffloadError.h"
+#include "OffloadKit/Records/OffloadError.h"
+#include "OffloadKit/Wording/ErrorSentences.h"
 #include "PlatformKit/Testing/ManualClock.h"
 #include "tests/OffloadKit/OffloadFixture.h"
 #include "tests/torture/PassThrough.h"

@@ -1,4 +1,4 @@
-#include "OffloadKit/FileDigest.h"
+#include "OffloadKit/Transfer/FileDigest.h"
 #include "PlatformKit/AlignedBuffer.h"
 #include "tests/OffloadKit/OffloadFixture.h"
 

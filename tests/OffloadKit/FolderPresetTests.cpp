@@ -1,4 +1,5 @@
-#include "OffloadKit/FolderPreset.h"
+#include "OffloadKit/Card/CameraName.h"
+#include "OffloadKit/Records/FolderPreset.h"
 #include "PlatformKit/Linux/LinuxFileSystem.h"
 #include "PlatformKit/Testing/TempFolder.h"
 
@@ -74,12 +75,12 @@ TEST(FolderPreset, knowsCamerasByTheirFolders) {
   for (const auto& [file, brand] : cards) {
     const TempFolder card;
     writeFile(card.path() / file, "");
-    EXPECT_EQ(FolderPreset::cameraName(fileSystem, card.path()), brand) << file;
+    EXPECT_EQ(cameraName(fileSystem, card.path()), brand) << file;
   }
   const TempFolder mixed;
   writeFile(mixed.path() / "DCIM/MISC/x", "");
   writeFile(mixed.path() / "PRIVATE/M4ROOT/x", "");
-  EXPECT_EQ(FolderPreset::cameraName(fileSystem, mixed.path()), "Sony");
+  EXPECT_EQ(cameraName(fileSystem, mixed.path()), "Sony");
 }
 
 }  // namespace

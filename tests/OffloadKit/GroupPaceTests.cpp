@@ -1,4 +1,4 @@
-#include "OffloadKit/GroupPace.h"
+#include "OffloadKit/Copying/GroupPace.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "OffloadKit/MHLDocuments.h"
-#include "OffloadKit/MHLHistory.h"
+#include "OffloadKit/Proof/MHLDocuments.h"
+#include "OffloadKit/Proof/MHLHistory.h"
 #include "tests/OffloadKit/OffloadFixture.h"
 
 #include <random>

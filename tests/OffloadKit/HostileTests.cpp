@@ -1,4 +1,4 @@
-#include "OffloadKit/CardImager.h"
+#include "OffloadKit/Copying/CardImager.h"
 #include "PlatformKit/Testing/ManualClock.h"
 #include "tests/OffloadKit/OffloadFixture.h"
 #include "tests/torture/PassThrough.h"

@@ -1,8 +1,8 @@
-#include "OffloadKit/C4.h"
-#include "OffloadKit/MHL.h"
-#include "OffloadKit/MHLHistory.h"
-#include "OffloadKit/Markup.h"
-#include "OffloadKit/Version.h"
+#include "OffloadKit/Proof/C4.h"
+#include "OffloadKit/Proof/MHL.h"
+#include "OffloadKit/Proof/MHLHistory.h"
+#include "OffloadKit/Proof/Markup.h"
+#include "OffloadKit/Records/Version.h"
 #include "PlatformKit/Posix/HostName.h"
 #include "tests/OffloadKit/OffloadFixture.h"
 

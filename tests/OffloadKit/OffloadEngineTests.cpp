@@ -1,5 +1,5 @@
 #include "OffloadKit/OffloadEngine.h"
-#include "PlatformKit/Unicode.h"
+#include "TextKit/Unicode.h"
 #include "tests/OffloadKit/OffloadFixture.h"
 
 #include <atomic>
@@ -390,7 +390,7 @@ TEST_F(Offload, stopsWhileTheNextGroupHasBegun) {
 TEST_F(Offload, hasNoTwoCopiesOnTheirWayWhoseNamesDifferInCaseOnly) {
   for (const std::string name : {"a", "b", "c", "d", "e", "f", "g", "h"}) {
     addFile(name, pattern(1000));
-    addFile(PlatformKit::upperCase(name), pattern(1000));
+    addFile(TextKit::upperCase(name), pattern(1000));
   }
   std::atomic<int> both = 0;
   fileSystem_.setScript([&](const CallInfo& info) {

@@ -1,4 +1,4 @@
-#include "OffloadKit/Preflight.h"
+#include "OffloadKit/Run/Preflight.h"
 #include "tests/OffloadKit/OffloadFixture.h"
 
 #include <cerrno>

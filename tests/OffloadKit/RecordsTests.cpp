@@ -1,5 +1,5 @@
-#include "OffloadKit/OffloadError.h"
-#include "OffloadKit/OffloadResult.h"
+#include "OffloadKit/Records/OffloadError.h"
+#include "OffloadKit/Records/OffloadResult.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,5 @@
-#include "OffloadKit/OffloadReport.h"
+#include "OffloadKit/Proof/OffloadReport.h"
+#include "TextKit/DateText.h"
 #include "tests/OffloadKit/OffloadFixture.h"
 
 #include <cerrno>
@@ -44,7 +45,7 @@ TEST_F(Report, isExactlyThisPage) {
       "<p class=verdict>Every file was copied and verified on every drive.</p>\n"
       "<dl>\n"
       "  <dt>Started</dt><dd>" +
-          PlatformKit::longDateText(page.started) +
+          TextKit::longDateText(page.started) +
           "</dd>\n"
           "  <dt>Took</dt><dd>12 min 5 s · 2 MB/s</dd>\n"
           "  <dt>Files</dt><dd>1 · 1.45 GB</dd>\n"

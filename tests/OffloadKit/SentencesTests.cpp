@@ -1,5 +1,7 @@
-#include "OffloadKit/ErrorSentences.h"
-#include "OffloadKit/Format.h"
+#include "DeviceKit/Places.h"
+#include "OffloadKit/Wording/ErrorSentences.h"
+#include "OffloadKit/Wording/Format.h"
+#include "PlatformKit/Paths.h"
 #include "tests/OffloadKit/OffloadFixture.h"
 
 #include <cerrno>
@@ -44,21 +46,21 @@ TEST(Format, writesSpansOfTimeAndNumbersForPeople) {
 using Names = OffloadFixture;
 
 TEST_F(Names, destinationsAreKnownByTheirVolumeAndFolder) {
-  EXPECT_EQ(displayName(system_, copies(1)), "T1 (A001)");
+  EXPECT_EQ(DeviceKit::destinationName(system_, copies(1)), "T1 (A001)");
   PlatformKit::VolumeFacts nameless;
   volumes_.lay(drive(2), nameless);
-  EXPECT_EQ(displayName(system_, copies(2)), copies(2).native());
+  EXPECT_EQ(DeviceKit::destinationName(system_, copies(2)), copies(2).native());
 }
 
 TEST_F(Names, theNearestExistingFolderIsFoundAboveWhatIsMissing) {
-  EXPECT_EQ(nearestExisting(fileSystem_, copies(1)), drive(1));
-  EXPECT_EQ(nearestExisting(fileSystem_, drive(1)), drive(1));
-  EXPECT_EQ(nearestExisting(fileSystem_, "/no-such-folder/a/b"), "/");
+  EXPECT_EQ(PlatformKit::nearestExisting(fileSystem_, copies(1)), drive(1));
+  EXPECT_EQ(PlatformKit::nearestExisting(fileSystem_, drive(1)), drive(1));
+  EXPECT_EQ(PlatformKit::nearestExisting(fileSystem_, "/no-such-folder/a/b"), "/");
   std::string longest = drive(1).native() + "//no-such-folder";
   for (int i = 0; i < 60'000; ++i) longest += "/a";
-  EXPECT_EQ(nearestExisting(fileSystem_, longest), drive(1));
+  EXPECT_EQ(PlatformKit::nearestExisting(fileSystem_, longest), drive(1));
   addFile("IMG.CR3", "x");
-  EXPECT_EQ(nearestExisting(fileSystem_, card_ / "IMG.CR3" / "below" / "a" / "file"),
+  EXPECT_EQ(PlatformKit::nearestExisting(fileSystem_, card_ / "IMG.CR3" / "below" / "a" / "file"),
             card_ / "IMG.CR3");
 }
 

@@ -1,4 +1,4 @@
-#include "OffloadKit/SourceScan.h"
+#include "OffloadKit/Card/SourceScan.h"
 #include "tests/OffloadKit/OffloadFixture.h"
 
 #include <cerrno>

@@ -1,7 +1,7 @@
 #include "tests/torture/Bench.h"
 
-#include "OffloadKit/C4.h"
-#include "OffloadKit/MHLHistory.h"
+#include "OffloadKit/Proof/C4.h"
+#include "OffloadKit/Proof/MHLHistory.h"
 #include "PlatformKit/Testing/ManualClock.h"
 
 #include <algorithm>

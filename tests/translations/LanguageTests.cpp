@@ -1,9 +1,9 @@
-#include "OffloadKit/Format.h"
-#include "OffloadKit/OffloadReport.h"
-#include "OffloadKit/ProgressTexts.h"
-#include "OffloadKit/ResultTexts.h"
-#include "PlatformKit/ByteCount.h"
-#include "PlatformKit/Translation.h"
+#include "OffloadKit/Proof/OffloadReport.h"
+#include "OffloadKit/Wording/Format.h"
+#include "OffloadKit/Wording/ProgressTexts.h"
+#include "OffloadKit/Wording/ResultTexts.h"
+#include "TextKit/ByteCount.h"
+#include "TextKit/Translation.h"
 #include "tests/translations/InLanguage.h"
 
 #include <cstdlib>
@@ -15,10 +15,10 @@
 
 namespace {
 
-using PlatformKit::byteCountText;
-using PlatformKit::filled;
-using PlatformKit::shownByteCount;
-using PlatformKit::valuesIn;
+using TextKit::byteCountText;
+using TextKit::filled;
+using TextKit::shownByteCount;
+using TextKit::valuesIn;
 using Words = std::vector<std::string>;
 
 OffloadKit::OffloadResult resultOf(std::size_t failed) {

@@ -1,8 +1,8 @@
 // What the engine keeps in English is known where it is shown.
 
-#include "OffloadKit/ErrorSentences.h"
-#include "OffloadKit/OffloadError.h"
-#include "OffloadKit/ShownReason.h"
+#include "OffloadKit/Records/OffloadError.h"
+#include "OffloadKit/Wording/ErrorSentences.h"
+#include "OffloadKit/Wording/ShownReason.h"
 #include "PlatformKit/FileSystem.h"
 #include "tests/translations/InLanguage.h"
 
@@ -44,7 +44,7 @@ std::set<std::string> sentencesIn(const fs::path& folder) {
   static const std::regex literal("\"((?:[^\"\\\\\n]|\\\\.)*)\"");
   static const std::regex words("[A-Za-z'%1]+ [a-z%].*");
   std::set<std::string> found;
-  for (const auto& entry : fs::directory_iterator(folder)) {
+  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
     const fs::path file = entry.path();
     if (file.extension() != ".cpp" || kNoReasons.contains(file.filename().string())) continue;
     const std::string source = sourceOf(file);

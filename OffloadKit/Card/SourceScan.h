@@ -1,0 +1,30 @@
+#pragma once
+
+#include "OffloadKit/Records/SourceFile.h"
+#include "PlatformKit/System.h"
+
+#include <string_view>
+#include <vector>
+
+namespace OffloadKit {
+
+/// What a source holds.
+struct SourceScan {
+  std::vector<SourceFile> files;           ///< in the order of a file browser
+  std::vector<UnreadableItem> unreadable;  ///< what could not be read, in the order it was met
+};
+
+/// Lists the regular files below the folder `source`, hidden ones included. Links are not followed;
+/// what is a card's own housekeeping (see `isIgnoredName`) is left out with everything below it.
+/// Items that cannot be read do not stop the scan; they are named in `unreadable`. Throws
+/// OffloadError::sourceUnreadable when the folder itself cannot be listed. Any thread.
+SourceScan scan(PlatformKit::System system, const PlatformKit::Path& source);
+
+/// The relative paths of the files, which they refer to.
+std::vector<std::string_view> relativePathsOf(const std::vector<SourceFile>& files);
+
+/// Whether an item of this name is skipped: what operating systems keep for themselves on a card,
+/// the folder of hash lists, and names that begin with "._". Exact, case-sensitive.
+bool isIgnoredName(std::string_view name);
+
+}  // namespace OffloadKit

@@ -1,0 +1,223 @@
+#include "OffloadKit/Run/OffloadRun.h"
+
+#include "DeviceKit/Places.h"
+#include "OffloadKit/Card/SourceScan.h"
+#include "OffloadKit/Copying/CopyBatch.h"
+#include "OffloadKit/Copying/ReadBack.h"
+#include "OffloadKit/Records/OffloadError.h"
+#include "OffloadKit/Run/Preflight.h"
+#include "OffloadKit/Wording/ErrorSentences.h"
+
+#include <algorithm>
+#include <cerrno>
+
+namespace OffloadKit {
+
+using PlatformKit::Path;
+using Outcome = OffloadedFile::Outcome;
+using Phase = OffloadProgress::Phase;
+
+OffloadRun::OffloadRun(const OffloadPlan& plan, PlatformKit::System system,
+                       const DeviceKit::RawDeviceAccess& rawDevices,
+                       const ProgressCallback& progress, const std::function<bool()>& isCancelled,
+                       const std::function<void(const Path&)>& afterWrite)
+    : plan_(plan),
+      system_(system),
+      progress_(progress),
+      isCancelled_(isCancelled),
+      afterWrite_(afterWrite),
+      health_(system, plan),
+      closing_(plan, system, rawDevices, health_) {
+  result_.plan = plan;
+}
+
+OffloadResult OffloadRun::execute(bool checkSpace) {
+  result_.started = now();
+  progress_({});
+  scanSource();
+  requirePlaces();
+  preflight(system_, plan_, checkSpace ? files_ : std::vector<SourceFile>{});
+  createDestinations();
+  lockDestinations();
+  // Nobody is to be asked for a password after Stop.
+  if (plan_.cardImage && isCancelled_()) throw OffloadError::cancelled();
+  closing_.openCardDevice();
+  countWork();
+  copyFiles();
+  writeCardImage();
+  OffloadProgress finishing;
+  finishing.phase = Phase::finishing;
+  finishing.filesDone = finishing.filesTotal = files_.size();
+  finishing.bytesTotal = totalBytes_;
+  finishing.fraction = 1;
+  finishing.drives = drives_;
+  progress_(finishing);
+  result_.finished = now();
+  closing_.writeRecords(result_);
+  return std::move(result_);
+}
+
+// A drive that was unmounted leaves a folder behind, on the computer's own disk.
+void OffloadRun::requirePlaces() const {
+  for (std::size_t i = 0; i < plan_.destinations.size(); ++i) {
+    if (health_.isInPlace(i)) continue;
+    throw OffloadError::destinationUnavailable(
+        DeviceKit::destinationName(system_, plan_.destinations[i]));
+  }
+}
+
+void OffloadRun::scanSource() {
+  SourceScan found = scan(system_, plan_.source);
+  if (found.files.empty() && !found.unreadable.empty()) {
+    // A card that refuses everything must not look like one that may be erased.
+    const UnreadableItem& first = found.unreadable.front();
+    throw OffloadError::sourceUnreadable(first.relativePath + ": " + first.reason);
+  }
+  if (found.files.empty()) throw OffloadError::noFiles();
+  files_ = std::move(found.files);
+  result_.unreadable = std::move(found.unreadable);
+}
+
+void OffloadRun::createDestinations() {
+  for (std::size_t i = 0; i < plan_.destinations.size(); ++i) {
+    const Path& destination = plan_.destinations[i];
+    if (createFolders(system_.fileSystem, destination) != 0) {
+      throw OffloadError::destinationUnavailable(DeviceKit::destinationName(system_, destination));
+    }
+    if (system_.volumes.facts(destination).readsThroughCache) result_.readThroughCache.insert(i);
+  }
+  requirePlaces();
+  health_.settle();
+}
+
+// Two runs into one folder would take each other's temporary copies, and two destinations that are one
+// folder would be one copy counted twice.
+void OffloadRun::lockDestinations() {
+  for (const Path& destination : plan_.destinations) {
+    auto lock = system_.fileSystem.lockFolder(destination);
+    if (lock.error() == EWOULDBLOCK) {
+      throw OffloadError::destinationInUse(DeviceKit::destinationName(system_, destination));
+    }
+    // Ignored on purpose: some file systems know no locks.
+    if (lock.ok()) locks_.push_back(std::move(lock.value()));
+  }
+}
+
+void OffloadRun::countWork() {
+  for (const SourceFile& file : files_) totalBytes_ += file.size;
+  workWeight_ = static_cast<double>(plan_.destinations.size() + (plan_.verifySource ? 2 : 1));
+  totalWork_ = std::max(1.0, workWeight_ * static_cast<double>(totalBytes_) +
+                                 static_cast<double>(closing_.imageWork()));
+}
+
+void OffloadRun::copyFiles() {
+  const auto paths = relativePathsOf(files_);
+  const TemporaryNames temporaryNames(paths);
+  FolderFlush folders(system_, plan_.destinations, temporaryNames.forFile("Offload"), health_);
+  const std::size_t destinations = plan_.destinations.size();
+  // A read-back reads every copy and the card at once.
+  PlatformKit::WorkerPool workers(
+      std::max(kThreadsPerDrive * (destinations + 1), kFlushesPerDrive * destinations));
+  PlatformKit::WorkerPool originalReaders(kThreadsPerDrive);
+  GroupPace pace(plan_.chunkSize);
+  PlatformKit::AlignedBuffer transferBuffer(plan_.chunkSize);
+  std::vector<PlatformKit::AlignedBuffer> readBackBuffers;
+  for (std::size_t i = 0; i <= destinations; ++i) readBackBuffers.emplace_back(plan_.chunkSize);
+  CopyResources resources{
+      plan_,      system_,        temporaryNames,  temporaryNames.areDistinct(paths),
+      health_,    folders,        workers,         originalReaders,
+      pace,       transferBuffer, readBackBuffers, isCancelled_,
+      afterWrite_};
+
+  result_.files.reserve(files_.size());
+  drives_.resize(plan_.destinations.size());
+  std::span<const SourceFile> left(files_);
+  const auto takeNext = [&] {
+    NextBatch next = nextBatch(left, resources);
+    left = left.subspan(next.files.size());
+    return next;
+  };
+  for (NextBatch current = takeNext(); current.batch;) {
+    NextBatch next = takeNext();
+    for (std::size_t i = 0; i < current.files.size(); ++i) {
+      copyFile(current.files[i], [&](const CopyProgress& progress) {
+        return current.batch->finish(i, progress, next.batch.get());
+      });
+    }
+    current = std::move(next);
+  }
+  folders.flushAll(result_.files);
+  result_.destinationErrors = health_.errors();
+  // What the last flush took back.
+  drives_.assign(drives_.size(), {});
+  for (const OffloadedFile& file : result_.files) countOutcomes(file);
+}
+
+void OffloadRun::copyFile(const SourceFile& file, const CopyStep& copy) {
+  if (isCancelled_()) throw OffloadError::cancelled();
+  report(Phase::copying, file.relativePath);
+  const auto advance = [&](Phase phase) {
+    return [this, phase, &file](std::uint64_t bytes) {
+      done_ += static_cast<double>(bytes);
+      report(phase, file.relativePath);
+    };
+  };
+  const CopyProgress progress{advance(Phase::copying), advance(Phase::verifying)};
+  std::optional<std::string> failure;
+  try {
+    result_.files.push_back(copy(progress));
+  } catch (const OffloadError& error) {
+    if (error.isCancelled()) throw;
+    failure = error.errorDescription();
+  } catch (const std::exception& error) {
+    failure = error.what();
+  }
+  if (failure) {
+    done_ += workWeight_ * static_cast<double>(file.size);
+    result_.files.push_back(
+        {file, std::nullopt,
+         std::vector<Outcome>(plan_.destinations.size(), Outcome::failed(*failure))});
+  }
+  countOutcomes(result_.files.back());
+}
+
+void OffloadRun::countOutcomes(const OffloadedFile& file) {
+  for (std::size_t i = 0; i < drives_.size(); ++i) {
+    OffloadProgress::Drive& drive = drives_[i];
+    if (file.outcomes[i].isVerified()) {
+      ++drive.verified;
+    } else {
+      ++drive.failed;
+      drive.lastFailure = file.outcomes[i].reason();
+    }
+  }
+}
+
+void OffloadRun::writeCardImage() {
+  result_.cardImage = closing_.writeCardImage(result_.started, isCancelled_,
+                                              [this](const std::string& name, double bytes) {
+                                                done_ += bytes;
+                                                report(Phase::imaging, name);
+                                              });
+}
+
+void OffloadRun::report(Phase phase, const std::string& currentFile) const {
+  OffloadProgress progress;
+  progress.phase = phase;
+  progress.filesDone = result_.files.size();
+  progress.filesTotal = files_.size();
+  progress.bytesTotal = totalBytes_;
+  progress.fraction = done_ / totalWork_;
+  if (phase == Phase::imaging) progress.fraction = std::min(progress.fraction, 1.0);
+  progress.currentFile = currentFile;
+  progress.bytesPerSecond = bytesPerSecond();
+  progress.drives = drives_;
+  progress_(progress);
+}
+
+double OffloadRun::bytesPerSecond() const {
+  const double elapsed = std::chrono::duration<double>(now() - result_.started).count();
+  return elapsed > 0 ? done_ / workWeight_ / elapsed : 0;
+}
+
+}  // namespace OffloadKit

@@ -1,9 +1,0 @@
-#include "OffloadKit/Version.h"
-
-namespace OffloadKit {
-
-std::string_view productVersion() {
-  return ZEPHRIMARK_VERSION;
-}
-
-}  // namespace OffloadKit
