@@ -11,20 +11,33 @@ Result<ItemStatus> statusThroughLinks(FileSystem& fileSystem, const Path& path) 
   return fileSystem.status(resolved.value());
 }
 
+int errorOfWhatIsThere(const Result<ItemStatus>& there) {
+  // A link that leads nowhere; anything else is why it is not known what has the name.
+  if (!there.ok()) return there.error() == ENOENT ? EEXIST : there.error();
+  if (there.value().kind == ItemKind::folder) return 0;
+  return there.value().kind == ItemKind::symbolicLink ? ELOOP : EEXIST;
+}
+
+template <class StatusOf>
+int createAll(Folder& within, const Path& path, const StatusOf& statusOf) {
+  int error = within.createFolder(path);
+  if (error == ENOENT && path.has_relative_path() && path.has_parent_path()) {
+    error = createAll(within, path.parent_path(), statusOf);
+    if (error != 0) return error;
+    error = within.createFolder(path);
+  }
+  return error == EEXIST ? errorOfWhatIsThere(statusOf(path)) : error;
+}
+
 }  // namespace
 
-int createFolders(FileSystem& fileSystem, const Path& folder) {
-  int error = fileSystem.createFolder(folder);
-  if (error == ENOENT && folder.has_relative_path() && folder.has_parent_path()) {
-    error = createFolders(fileSystem, folder.parent_path());
-    if (error != 0) return error;
-    error = fileSystem.createFolder(folder);
-  }
-  if (error != EEXIST) return error;
-  const auto there = statusThroughLinks(fileSystem, folder);
-  if (there.ok()) return there.value().kind == ItemKind::folder ? 0 : EEXIST;
-  // A link that leads nowhere; anything else is why it is not known what has the name.
-  return there.error() == ENOENT ? EEXIST : there.error();
+int createFolders(Folder& within, const Path& path) {
+  return createAll(within, path, [&](const Path& there) { return within.status(there); });
+}
+
+int createFolders(FileSystem& fileSystem, const Path& path) {
+  return createAll(fileSystem, path,
+                   [&](const Path& there) { return statusThroughLinks(fileSystem, there); });
 }
 
 bool isFolder(FileSystem& fileSystem, const Path& path) {

@@ -111,31 +111,30 @@ class FolderLock {
   virtual ~FolderLock() = default;
 };
 
-/// The file system, in steps the size of system calls and without any policy: loops, retries and
-/// sentences belong to its callers. Calls answer 0 or a value, or the system's error number. Any
-/// thread.
-class FileSystem {
+/// A folder that is held open, and what lies in it, in steps the size of system calls and without
+/// any policy: loops, retries and sentences belong to its callers. Paths are relative to it ("" is
+/// the folder itself) and lead nowhere else: not through "..", not through a link in any place
+/// (ELOOP), and, where it was opened so, not into another volume (EXDEV). Whoever moves the folder,
+/// unmounts its volume or puts another folder in its place does not change what this object means.
+/// Calls answer 0 or a value, or the system's error number. Any thread.
+class Folder {
  public:
-  virtual ~FileSystem() = default;
+  virtual ~Folder() = default;
 
-  /// About the item at `path` itself (a link, not what it points to).
+  /// About the item itself (a link, not what it points to).
   [[nodiscard]] virtual Result<ItemStatus> status(const Path& path) = 0;
 
-  /// The absolute path without ".", "..", doubled slashes and symbolic links. ENOENT when nothing
-  /// is there.
-  [[nodiscard]] virtual Result<Path> resolve(const Path& path) = 0;
-
   /// The items of a folder. The folder's access date stays as it is where the system allows that.
-  [[nodiscard]] virtual Result<FolderListing> list(const Path& folder) = 0;
+  [[nodiscard]] virtual Result<FolderListing> list(const Path& path) = 0;
 
-  /// Opens a regular file for reading. Refused are a symbolic link in the last place (ELOOP), a folder
-  /// (EISDIR), a pipe or a device (EOPNOTSUPP; never blocks) and a socket (ENXIO). The file's access
-  /// date stays as it is where the system allows that.
+  /// Opens a regular file for reading. Refused are a symbolic link (ELOOP), a folder (EISDIR), a
+  /// pipe or a device (EOPNOTSUPP; never blocks) and a socket (ENXIO). The file's access date stays
+  /// as it is where the system allows that.
   [[nodiscard]] virtual Result<std::unique_ptr<ReadableFile>> openForReading(const Path& path,
                                                                              ReadMode mode) = 0;
 
-  /// Makes a new, empty file with permissions 0644, less what the process's umask takes away. EEXIST when anything has that name, a dangling
-  /// link included.
+  /// Makes a new, empty file with permissions 0644, less what the process's umask takes away.
+  /// EEXIST when anything has that name, a dangling link included.
   [[nodiscard]] virtual Result<std::unique_ptr<WritableFile>> createFile(const Path& path) = 0;
 
   /// Makes one folder; its parent must exist. EEXIST when anything has that name.
@@ -150,29 +149,52 @@ class FileSystem {
   /// Removes a file (not a folder).
   [[nodiscard]] virtual int removeFile(const Path& path) = 0;
 
-  /// Sets the dates of the item at `path` itself; `created` as in WritableFile::setDates.
+  /// Sets the dates of the item itself; `created` as in WritableFile::setDates.
   [[nodiscard]] virtual int setDates(const Path& path, Date modified,
                                      std::optional<Date> created) = 0;
 
-  /// Locks the folder against others that lock it, in this process too. EWOULDBLOCK when it is locked;
-  /// other errors where the file system knows no locks.
-  [[nodiscard]] virtual Result<std::unique_ptr<FolderLock>> lockFolder(const Path& folder) = 0;
+  /// Locks the folder against others that lock it, in this process too. EWOULDBLOCK when it is
+  /// locked; other errors where the file system knows no locks.
+  [[nodiscard]] virtual Result<std::unique_ptr<FolderLock>> lockFolder(const Path& path) = 0;
 
   /// Returns when the folder's names are on the drive, so that a power cut does not undo a move. 0
   /// also where the file system has no such operation for folders.
-  [[nodiscard]] virtual int flushFolder(const Path& folder) = 0;
+  [[nodiscard]] virtual int flushFolder(const Path& path) = 0;
 
-  /// Returns when everything written so far to the volume that holds `folder` is on the drive, also
-  /// what other programs wrote.
-  [[nodiscard]] virtual int flushVolume(const Path& folder) = 0;
+  /// Returns when everything written so far to the volume that holds the folder is on the drive,
+  /// also what other programs wrote.
+  [[nodiscard]] virtual int flushVolume(const Path& path) = 0;
+};
+
+/// What a held folder does where another volume is mounted below it.
+enum class Mounts {
+  crossed,  ///< what is mounted there belongs to it
+  refused,  ///< EXDEV
+};
+
+/// The whole file system: the same calls for any path, as the process's working folder and links
+/// have it, and those that only make sense for such paths. Any thread.
+class FileSystem : public Folder {
+ public:
+  /// The absolute path without ".", "..", doubled slashes and symbolic links. ENOENT when nothing
+  /// is there.
+  [[nodiscard]] virtual Result<Path> resolve(const Path& path) = 0;
+
+  /// Opens the folder and holds it, as long as the answer lives; its volume cannot be unmounted
+  /// meanwhile (but for a lazy unmount, which takes it away from paths only). `path` may lead
+  /// through links. ENOTDIR when it is no folder.
+  [[nodiscard]] virtual Result<std::unique_ptr<Folder>> openFolder(const Path& path,
+                                                                   Mounts mounts) = 0;
 
   /// 0 when this process may write to the item at `path`.
   [[nodiscard]] virtual int checkWritable(const Path& path) = 0;
 };
 
-/// Makes the folder and its missing ancestors. 0 when the folder exists at the end, through a link
-/// too; else the error number. Any thread.
-[[nodiscard]] int createFolders(FileSystem& fileSystem, const Path& folder);
+/// Makes the folder and its missing ancestors. 0 when the folder exists at the end, else the error
+/// number; ELOOP where a link is in its way. Any thread.
+[[nodiscard]] int createFolders(Folder& within, const Path& path);
+/// The same for any path: 0 also where the folder is reached through a link.
+[[nodiscard]] int createFolders(FileSystem& fileSystem, const Path& path);
 
 /// Whether there is a folder at `path`, through a link too. Any thread.
 [[nodiscard]] bool isFolder(FileSystem& fileSystem, const Path& path);

@@ -3,6 +3,7 @@
 #include "PlatformKit/Posix/SignalMask.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 namespace PlatformKit {
@@ -35,6 +36,7 @@ void WorkerPool::stopAndJoin() {
 WorkerPool::Batch WorkerPool::startJob(std::size_t count, Job job) {
   {
     const std::lock_guard lock(mutex_);
+    if (unfinished_ != 0) throw std::logic_error("the batch before is still running");
     job_ = job;
     thrown_ = nullptr;
     next_ = 0;

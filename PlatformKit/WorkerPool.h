@@ -49,8 +49,8 @@ class WorkerPool {
     WorkerPool* pool_;  // null once moved away
   };
 
-  /// As `parallelFor`, but returns at once. `job` must live until the batch is joined, and no other
-  /// batch may be started before.
+  /// As `parallelFor`, but returns at once. `job` must live until the batch is joined; another batch
+  /// cannot be started before: that throws std::logic_error.
   template <class Callable>
   Batch start(std::size_t count, const Callable& job) {
     return startJob(count, Job(job));

@@ -4,9 +4,9 @@
 //   ImagingBenchmark [MEBIBYTES [FOLDER]]
 #include "DeviceKit/BlockDeviceSource.h"
 #include "OffloadKit/Copying/CardImager.h"
+#include "OffloadKit/Records/OffloadPlan.h"
 #include "PlatformKit/Linux/LinuxFileSystem.h"
 #include "PlatformKit/Linux/LinuxRawDevices.h"
-#include "PlatformKit/Linux/LinuxVolumes.h"
 #include "PlatformKit/Posix/UniqueFd.h"
 #include "PlatformKit/Testing/TempFolder.h"
 #include "benchmarks/Timing.h"
@@ -66,15 +66,15 @@ void writeRandom(const Path& path, std::size_t mebibytes) {
 
 void imageWithOurs(const std::string& device, const Path& folder, std::uint64_t size) {
   PlatformKit::LinuxFileSystem fileSystem;
-  PlatformKit::LinuxVolumes volumes;
-  const PlatformKit::SystemClock clock;
   PlatformKit::LinuxRawDevices devices;
   auto opened = devices.open(device);
   if (!opened.ok()) std::abort();
   DeviceKit::BlockDeviceSource source(std::move(opened.value()), device);
-  const auto result = OffloadKit::CardImager::write(
-      {fileSystem, volumes, clock}, source, folder, "ours.img", HashKit::HashAlgorithm::xxh64,
-      OffloadKit::kUsualChunkSize, {[] { return false; }}, [](double) {});
+  const auto held = fileSystem.openFolder(folder, PlatformKit::Mounts::refused);
+  OffloadKit::Pipeline pipeline(1, OffloadKit::kUsualChunkSize);
+  const auto result = OffloadKit::CardImager::write(source, *held.value(), folder, "ours.img",
+                                                    HashKit::HashAlgorithm::xxh64, pipeline,
+                                                    {[] { return false; }, {}, [](double) {}});
   if (!result.outcome.isVerified() || result.size != size) std::abort();
 }
 

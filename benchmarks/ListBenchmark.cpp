@@ -63,7 +63,10 @@ bool writesWithinBudget(PlatformKit::System system) {
   int round = 0;
   const double seconds = medianSeconds([&] {
     const auto landing = folder.path() / std::to_string(++round);
-    OffloadKit::MHL::writeGeneration(system, files, 0, landing, {}, kAlgorithm, system.clock.now());
+    if (createFolders(system.fileSystem, landing) != 0) std::abort();
+    const auto held = system.fileSystem.openFolder(landing, PlatformKit::Mounts::refused);
+    OffloadKit::MHL::writeGeneration(*held.value(), "A001", files, 0, {}, kAlgorithm,
+                                     system.clock.now());
   });
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);

@@ -1,7 +1,5 @@
 #include "OffloadKit/Proof/MHLHistory.h"
 #include "PlatformKit/Linux/LinuxFileSystem.h"
-#include "PlatformKit/Linux/LinuxVolumes.h"
-#include "PlatformKit/Testing/ManualClock.h"
 #include "PlatformKit/Testing/TempFolder.h"
 #include "fuzz/Input.h"
 #include "fuzz/Xml.h"
@@ -25,26 +23,26 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   auto parts = Fuzz::partsOf(Fuzz::textOf(data, size), 3);
   parts.resize(3);
   const PlatformKit::Testing::TempFolder folder;
-  const PlatformKit::Path lists = folder.path() / "ascmhl";
-  writeFile(lists / MHL::kChainName, parts[0]);
-  writeFile(lists / "1.mhl", parts[1]);
+  const PlatformKit::Path lists = "ascmhl";
+  writeFile(folder.path() / lists / MHL::kChainName, parts[0]);
+  writeFile(folder.path() / lists / "1.mhl", parts[1]);
 
   PlatformKit::LinuxFileSystem fileSystem;
-  PlatformKit::LinuxVolumes volumes;
-  const PlatformKit::Testing::ManualClock clock(kNow);
-  const auto before = MHL::readChain(fileSystem, lists);
+  const auto held = fileSystem.openFolder(folder.path(), PlatformKit::Mounts::refused);
+  PlatformKit::Folder& within = *held.value();
+  const auto before = MHL::readChain(within, lists);
   OffloadedFile file;
   file.file = {std::string(parts[2]), size, kNow, {}};
   file.hash = "00";
   file.outcomes = {OffloadedFile::Outcome::verified(false)};
   PlatformKit::Path written;
   try {
-    written = MHL::writeGeneration({fileSystem, volumes, clock}, {file}, 0, folder.path(), {},
-                                   HashKit::HashAlgorithm::xxh64, kNow);
+    written =
+        MHL::writeGeneration(within, "A001", {file}, 0, {}, HashKit::HashAlgorithm::xxh64, kNow);
   } catch (const std::system_error&) {
     return 0;  // Such as a generation of that name that is there already.
   }
-  const auto after = MHL::readChain(fileSystem, lists);
+  const auto after = MHL::readChain(within, lists);
   Fuzz::require(after.size() == before.size() + 1, "the chain has one generation more");
   for (const MHL::ChainEntry& entry : before) {
     Fuzz::require(std::find(after.begin(), after.end(), entry) != after.end(),
@@ -53,8 +51,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Fuzz::require(after.back().path == written.filename().native(), "the newest generation is last");
   Fuzz::require(written.parent_path() == lists, "it lies in the folder of lists");
   Fuzz::require(
-      MHL::knownRows(fileSystem, lists, {after.back()}, {{file.file.relativePath, 0, {}, ""}})
-          .front(),
+      MHL::knownRows(within, lists, {after.back()}, {{file.file.relativePath, 0, {}, ""}}).front(),
       "its paths are known from then on");
   return 0;
 }

@@ -32,8 +32,7 @@ bool isPlainName(std::string_view name) {
 // Walks depth-first with a stack of its own: a card decides how deep its folders go.
 class Walk {
  public:
-  Walk(PlatformKit::System system, const PlatformKit::Path& source)
-      : system_(system), source_(source) {}
+  explicit Walk(PlatformKit::Folder& card) : card_(card) {}
 
   SourceScan run() {
     if (!enter("")) {
@@ -79,7 +78,7 @@ class Walk {
 
   // False when nothing of the folder could be listed.
   bool enter(const std::string& relativePath) {
-    auto listed = system_.fileSystem.list(relativePath.empty() ? source_ : source_ / relativePath);
+    auto listed = card_.list(relativePath);
     if (!listed.ok()) {
       unreadable(relativePath, listed.error());
       return false;
@@ -94,8 +93,7 @@ class Walk {
     result_.unreadable.push_back({std::move(relativePath), PlatformKit::systemText(error)});
   }
 
-  PlatformKit::System system_;
-  const PlatformKit::Path& source_;
+  PlatformKit::Folder& card_;
   std::vector<Folder> open_;
   SourceScan result_;
 };
@@ -123,7 +121,13 @@ bool isIgnoredName(std::string_view name) {
 }
 
 SourceScan scan(PlatformKit::System system, const PlatformKit::Path& source) {
-  SourceScan result = Walk(system, source).run();
+  const auto held = system.fileSystem.openFolder(source, PlatformKit::Mounts::crossed);
+  if (!held.ok()) throw OffloadError::sourceUnreadable("couldn't list its files");
+  return scan(*held.value());
+}
+
+SourceScan scan(PlatformKit::Folder& card) {
+  SourceScan result = Walk(card).run();
   result.files = inFileBrowserOrder(std::move(result.files));
   return result;
 }

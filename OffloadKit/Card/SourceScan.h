@@ -14,11 +14,13 @@ struct SourceScan {
   std::vector<UnreadableItem> unreadable;  ///< what could not be read, in the order it was met
 };
 
-/// Lists the regular files below the folder `source`, hidden ones included. Links are not followed;
+/// Lists the regular files below the folder `card`, hidden ones included. Links are not followed;
 /// what is a card's own housekeeping (see `isIgnoredName`) is left out with everything below it.
 /// Items that cannot be read do not stop the scan; they are named in `unreadable`. Throws
 /// OffloadError::sourceUnreadable when the folder itself cannot be listed. Any thread.
-SourceScan scan(PlatformKit::System system, const PlatformKit::Path& source);
+[[nodiscard]] SourceScan scan(PlatformKit::Folder& card);
+/// The same of a folder that nobody holds.
+[[nodiscard]] SourceScan scan(PlatformKit::System system, const PlatformKit::Path& source);
 
 /// The relative paths of the files, which they refer to.
 std::vector<std::string_view> relativePathsOf(const std::vector<SourceFile>& files);

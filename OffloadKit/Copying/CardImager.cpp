@@ -3,15 +3,10 @@
 #include "DeviceKit/DeviceError.h"
 #include "OffloadKit/Records/FolderPreset.h"
 #include "OffloadKit/Records/OffloadError.h"
+#include "OffloadKit/Transfer/CopySteps.h"
 #include "OffloadKit/Transfer/DurableNames.h"
-#include "OffloadKit/Transfer/FileDigest.h"
-#include "OffloadKit/Transfer/Links.h"
-#include "OffloadKit/Transfer/PendingCopy.h"
 #include "OffloadKit/Transfer/TemporaryNames.h"
 #include "OffloadKit/Transfer/Transfer.h"
-#include "OffloadKit/Wording/ErrorSentences.h"
-#include "PlatformKit/AlignedBuffer.h"
-#include "PlatformKit/WorkerPool.h"
 #include "TextKit/DateText.h"
 #include "TextKit/Unicode.h"
 
@@ -20,129 +15,152 @@
 namespace OffloadKit::CardImager {
 namespace {
 
-using PlatformKit::AlignedBuffer;
+using PlatformKit::Folder;
 using PlatformKit::Path;
+using Kind = Reason::Kind;
 
 /// Why there is no image; becomes the result's failure.
 struct Failure {
-  std::string sentence;
+  Reason reason;
+};
+
+void check(int error) {
+  if (error == ELOOP || error == EXDEV) throw Failure{Reason(Kind::linkLeadsOut)};
+  if (error != 0) throw Failure{Reason::ofDrive(error)};
+}
+
+/// A device on its way into one file: a chunk for each round.
+class Device final : public Load {
+ public:
+  Device(DeviceKit::ByteSource& source, PlatformKit::WritableFile& file, std::size_t chunkSize,
+         HashKit::HashAlgorithm algorithm, const Caller& caller)
+      : source_(source),
+        file_(file),
+        chunkSize_(chunkSize),
+        hasher_(makeHasher(algorithm)),
+        caller_(caller) {}
+
+  [[nodiscard]] std::uint64_t written() const { return written_; }
+  [[nodiscard]] std::string hash() const { return hasher_->finalize(); }
+
+  std::size_t layOut(std::size_t round, std::span<std::byte> memory) override {
+    const std::uint64_t offset = round * chunkSize_;
+    if (offset >= source_.size()) return 0;
+    if (caller_.isCancelled()) throw OffloadError::cancelled();
+    chunks_[round % 2] = {offset, memory, 0, false};
+    return 1;
+  }
+  void read(std::size_t round, std::size_t /*part*/) override {
+    Chunk& chunk = chunks_[round % 2];
+    try {
+      chunk.length = source_.read(chunk.offset, chunk.memory);
+    } catch (const DeviceKit::DeviceError&) {
+      chunk.hasFailed = true;
+    }
+  }
+  void accept(std::size_t round) override {
+    if (chunks_[round % 2].hasFailed) throw Failure{Reason(Kind::cardStopped)};
+  }
+  [[nodiscard]] bool isWriting() const override { return true; }
+  void write(std::size_t round, std::size_t lane) override {
+    const Chunk& chunk = chunks_[round % 2];
+    if (lane != 0) return;
+    error_ = writeBehind(file_, chunk.content(), chunk.offset, chunkSize_, source_.size());
+  }
+  void meanwhile(std::size_t round) override { hasher_->update(chunks_[round % 2].content()); }
+  void done(std::size_t round) override {
+    check(error_);
+    written_ += chunks_[round % 2].length;
+    caller_.progress(static_cast<double>(chunks_[round % 2].length));
+  }
+
+ private:
+  struct Chunk {
+    std::uint64_t offset = 0;
+    std::span<std::byte> memory;
+    std::size_t length = 0;
+    bool hasFailed = false;
+    [[nodiscard]] std::span<const std::byte> content() const { return memory.first(length); }
+  };
+
+  DeviceKit::ByteSource& source_;
+  PlatformKit::WritableFile& file_;
+  const std::size_t chunkSize_;
+  const std::unique_ptr<HashKit::StreamingHasher> hasher_;
+  const Caller& caller_;
+  Chunk chunks_[2];
+  int error_ = 0;
+  std::uint64_t written_ = 0;
 };
 
 class Imaging {
  public:
-  Imaging(PlatformKit::System system, DeviceKit::ByteSource& source,
-          HashKit::HashAlgorithm algorithm, std::size_t chunkSize, const Questions& ask,
-          const std::function<void(double)>& progress)
-      : system_(system),
-        source_(source),
+  Imaging(DeviceKit::ByteSource& source, Folder& folder, HashKit::HashAlgorithm algorithm,
+          Pipeline& pipeline, const Caller& caller)
+      : source_(source),
+        folder_(folder),
         algorithm_(algorithm),
-        chunkSize_(chunkSize),
-        ask_(ask),
-        progress_(progress) {}
+        pipeline_(pipeline),
+        caller_(caller) {}
 
-  /// Writes, checks and names the image. Answers its checksum; `written()` is its size.
-  std::string save(const Path& folder, const Path& temporary, const Path& final) {
+  /// Writes, checks and names the image.
+  void save(const Path& final, CardImageResult& result) {
     checkFolder();
-    if (leadsOut(system_.fileSystem, final, folder.parent_path())) {
-      throw Failure{"A link in the destination folder leads to another place"};
-    }
-    check(createFolders(system_.fileSystem, folder));
-    if (system_.fileSystem.status(final).ok()) {
-      throw Failure{"An image with this name is already there"};
-    }
-    auto created = PendingCopy::create(system_.fileSystem, temporary, final);
+    const Path images = final.parent_path();
+    check(createFolders(folder_, images));
+    const auto there = folder_.status(final);
+    if (there.ok()) throw Failure{Reason(Kind::imageThere)};
+    auto created = WritableCopy::create(
+        folder_, images / TemporaryNames::of(final.filename().native()), final);
     check(created.error());
-    PendingCopy& image = created.value();
-    const std::string hash = copyDevice(*image.file());
-    check(image.file()->flush());
-    image.close();
-    // Keeps the file open until it has its name, so that no other gets its identity.
-    FileDigest digest(system_.fileSystem, temporary, algorithm_);
-    compare(digest, hash);
+    Device device(source_, created.value().file(), pipeline_.chunkSize(), algorithm_, caller_);
+    pipeline_.prime(device);
+    pipeline_.transfer(device);
+    auto flushed = std::move(created.value()).flush();
+    check(flushed.error());
+    const std::string hash = device.hash();
+    ProvenCopy proven = prove(std::move(flushed.value()), device.written(), hash);
     checkFolder();
-    check(image.commit());
-    settle(digest, folder, final);
-    return hash;
+    check(proven.giveFinalName());
+    makeDurable(proven, images);
+    result.hash = hash;
+    result.size = device.written();
   }
-
-  [[nodiscard]] std::uint64_t written() const { return done_; }
 
  private:
-  static void check(int error) {
-    if (error != 0) throw Failure{describe(error)};
+  void checkFolder() {
+    if (!caller_.whyNot) return;
+    if (auto reason = caller_.whyNot()) throw Failure{std::move(*reason)};
   }
 
-  void checkFolder() {
-    if (!ask_.whyNot) return;
-    if (auto reason = ask_.whyNot()) throw Failure{std::move(*reason)};
+  ProvenCopy prove(FlushedCopy copy, std::uint64_t size, const std::string& hash) {
+    FileDigest& digest = copy.readBack(algorithm_, size);
+    const ReadBackLane lane{{&digest}};
+    pipeline_.readBack({&lane, 1}, size);
+    caller_.progress(static_cast<double>(size));
+    if (!digest.result().ok()) throw Failure{Reason(Kind::imageUnreadable)};
+    auto proven = std::move(copy).prove(hash);
+    if (!proven) throw Failure{Reason(Kind::imageDiffers)};
+    return std::move(*proven);
   }
 
   // What a power cut could take away under its name is not a saved image.
-  void settle(FileDigest& digest, const Path& folder, const Path& final) {
+  void makeDurable(ProvenCopy& image, const Path& images) {
     // Some file systems write a moved file's size only now; see VolumeFacts::moveKeepsContent.
-    int error = digest.flush();
-    for (const Path& above : {folder, folder.parent_path()}) {
-      if (error == 0) error = flushNames(system_.fileSystem, above);
+    int error = image.flushAgain();
+    for (const Path& above : {images, Path()}) {
+      if (error == 0) error = flushNames(folder_, above);
     }
     if (error == 0) return;
-    static_cast<void>(system_.fileSystem.removeFile(final));
-    throw Failure{describe(error)};
+    static_cast<void>(folder_.removeFile(image.final()));
+    throw Failure{Reason::ofDrive(error)};
   }
 
-  // While one chunk is written and hashed, the next one is read: card and drive work at once. What
-  // a read throws waits for the chunk before it, whose batch is joined on the way out.
-  std::string copyDevice(PlatformKit::WritableFile& file) {
-    const auto hasher = makeHasher(algorithm_);
-    AlignedBuffer buffers[] = {AlignedBuffer(chunkSize_), AlignedBuffer(chunkSize_)};
-    std::size_t current = 0;
-    std::size_t count = readChunk(buffers[0].bytes(), 0);
-    while (count > 0) {
-      const std::span<const std::byte> chunk = buffers[current].bytes().first(count);
-      int error = 0;
-      const auto handle = [&](std::size_t job) {
-        if (job == 0) error = writeBehind(file, chunk, done_, chunkSize_, source_.size());
-        if (job == 1) hasher->update(chunk);
-      };
-      auto handling = workers_.start(2, handle);
-      current = 1 - current;
-      count = readChunk(buffers[current].bytes(), done_ + chunk.size());
-      handling.wait();
-      check(error);
-      done_ += chunk.size();
-      progress_(static_cast<double>(chunk.size()));
-    }
-    return hasher->finalize();
-  }
-
-  std::size_t readChunk(std::span<std::byte> buffer, std::uint64_t offset) {
-    if (offset >= source_.size()) return 0;
-    if (ask_.isCancelled()) throw OffloadError::cancelled();
-    try {
-      return source_.read(offset, buffer);
-    } catch (const DeviceKit::DeviceError&) {
-      throw Failure{"The card stopped responding"};
-    }
-  }
-
-  void compare(FileDigest& digest, const std::string& hash) {
-    AlignedBuffer pieces[] = {AlignedBuffer(chunkSize_), AlignedBuffer(chunkSize_)};
-    workers_.parallelFor(2, [&](std::size_t job) { digest.work(pieces[job].bytes()); });
-    progress_(static_cast<double>(done_));
-    const auto readBack = digest.result();
-    if (!readBack.ok()) throw Failure{"The image couldn't be read back"};
-    if (readBack.value() != hash) {
-      throw Failure{"The image didn't match what was read from the card"};
-    }
-  }
-
-  PlatformKit::System system_;
   DeviceKit::ByteSource& source_;
+  Folder& folder_;
   HashKit::HashAlgorithm algorithm_;
-  std::size_t chunkSize_;
-  const Questions& ask_;
-  const std::function<void(double)>& progress_;
-  PlatformKit::WorkerPool workers_{2};
-  std::uint64_t done_ = 0;
+  Pipeline& pipeline_;
+  const Caller& caller_;
 };
 
 }  // namespace
@@ -155,22 +173,18 @@ std::string fileName(const std::string& card, PlatformKit::Date date) {
          TextKit::localDateText(date, "%Y-%m-%d_%H%M") + ".img";
 }
 
-CardImageResult write(PlatformKit::System system, DeviceKit::ByteSource& source, const Path& folder,
-                      const std::string& name, HashKit::HashAlgorithm algorithm,
-                      std::size_t chunkSize, const Questions& ask,
-                      const std::function<void(double)>& progress) {
-  const Path images = folder / CardImageRequest::folderName;
+CardImageResult write(DeviceKit::ByteSource& source, Folder& folder, const Path& path,
+                      const std::string& name, HashKit::HashAlgorithm algorithm, Pipeline& pipeline,
+                      const Caller& caller) {
   CardImageResult result;
-  result.url = images / name;
   result.relativePath = std::string(CardImageRequest::folderName) + "/" + name;
-  Imaging imaging(system, source, algorithm, chunkSize, ask, progress);
+  result.url = path / result.relativePath;
   try {
-    result.hash = imaging.save(images, images / TemporaryNames::of(name), result.url);
-    result.size = imaging.written();
+    Imaging(source, folder, algorithm, pipeline, caller).save(result.relativePath, result);
     result.outcome = CardImageResult::Outcome::verified();
   } catch (const Failure& failure) {
     result.size = source.size();
-    result.outcome = CardImageResult::Outcome::failed(failure.sentence);
+    result.outcome = CardImageResult::Outcome::failed(failure.reason.english());
   }
   result.unreadableBlocks = source.badReads();
   return result;

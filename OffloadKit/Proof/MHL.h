@@ -32,14 +32,14 @@ inline constexpr std::array<std::string_view, 3> ignorePatterns = {".DS_Store", 
 /// generation that can be read has its path, else "original". Then adds it to the chain. Damaged
 /// chains and generations are used as far as they are complete.
 ///
-/// Answers the path of the generation. Throws std::system_error when the "ascmhl" folder, the
+/// `folderName`: what people call the folder; becomes part of the generation's name. Answers the
+/// generation's path below the folder. Throws std::system_error when the "ascmhl" folder, the
 /// generation or the chain cannot be written; a generation that was written stays. Any thread, but
 /// for one folder only one at a time.
-PlatformKit::Path writeGeneration(PlatformKit::System system,
+PlatformKit::Path writeGeneration(PlatformKit::Folder& folder, const std::string& folderName,
                                   const std::vector<OffloadedFile>& files,
-                                  std::size_t destinationIndex, const PlatformKit::Path& folder,
-                                  const std::vector<Entry>& extra, HashKit::HashAlgorithm algorithm,
-                                  PlatformKit::Date now);
+                                  std::size_t destinationIndex, const std::vector<Entry>& extra,
+                                  HashKit::HashAlgorithm algorithm, PlatformKit::Date now);
 
 /// The path as a hash list carries it. XML cannot hold control characters and bytes that are not
 /// UTF-8, and readers turn a carriage return into a line feed; in a path with any of these, their

@@ -19,17 +19,16 @@ bool isPlainName(const std::string& path) {
 
 }  // namespace
 
-std::vector<ChainEntry> readChain(PlatformKit::FileSystem& fileSystem,
-                                  const PlatformKit::Path& lists) {
+std::vector<ChainEntry> readChain(PlatformKit::Folder& folder, const PlatformKit::Path& lists) {
   ChainParser parser;
   // Ignored on purpose: what cannot be read is a chain that ends there.
   static_cast<void>(
-      readWholeFile(fileSystem, lists / kChainName, kLongestChain,
+      readWholeFile(folder, lists / kChainName, kLongestChain,
                     [&](std::string_view bytes, bool last) { return parser.feed(bytes, last); }));
   return parser.entries();
 }
 
-std::vector<bool> knownRows(PlatformKit::FileSystem& fileSystem, const PlatformKit::Path& lists,
+std::vector<bool> knownRows(PlatformKit::Folder& folder, const PlatformKit::Path& lists,
                             const std::vector<ChainEntry>& chain, const std::vector<Entry>& rows) {
   std::vector<bool> known(rows.size(), false);
   if (chain.empty()) return known;
@@ -51,11 +50,11 @@ std::vector<bool> knownRows(PlatformKit::FileSystem& fileSystem, const PlatformK
       for (auto row = first; row != last; ++row) known[row->second] = true;
     });
     // Ignored on purpose: what cannot be read is a generation that ends there.
-    static_cast<void>(readWholeFile(fileSystem, lists / entry.path, budget,
-                                    [&](std::string_view bytes, bool last) {
-                                      budget -= bytes.size();
-                                      return parser.feed(bytes, last) && budget > 0;
-                                    }));
+    static_cast<void>(
+        readWholeFile(folder, lists / entry.path, budget, [&](std::string_view bytes, bool last) {
+          budget -= bytes.size();
+          return parser.feed(bytes, last) && budget > 0;
+        }));
   }
   return known;
 }

@@ -169,21 +169,20 @@ void appendRewrittenNames(std::string& page, const OffloadResult& result) {
 
 }  // namespace
 
-Path write(PlatformKit::System system, const OffloadResult& result, std::size_t destinationIndex) {
-  const Path& folder = result.plan.destinations.at(destinationIndex);
+std::string write(PlatformKit::Folder& folder, const OffloadResult& result,
+                  std::size_t destinationIndex) {
   const std::string start =
       "Offload Report " + TextKit::localDateText(result.started, "%Y-%m-%d %H%M");
   const std::string page = html(result, destinationIndex);
   std::vector<std::string_view> copied;
   for (const OffloadedFile& file : result.files) copied.emplace_back(file.file.relativePath);
   // Beside the copies, so it must not be the name of one of them.
-  const Path temporary = folder / TemporaryNames(copied).forFile("Offload Report");
+  const Path temporary = TemporaryNames(copied).forFile("Offload Report");
   for (int number = 1;; ++number) {
-    const Path path =
-        folder / (start + (number == 1 ? "" : " (" + std::to_string(number) + ")") + ".html");
-    if (system.fileSystem.status(path).ok()) continue;
-    const int error = writeWholeFile(system.fileSystem, path, temporary, page, Existing::keep);
-    if (error == 0) return path;
+    std::string name = start + (number == 1 ? "" : " (" + std::to_string(number) + ")") + ".html";
+    if (folder.status(name).ok()) continue;
+    const int error = writeWholeFile(folder, name, temporary, page, Existing::keep);
+    if (error == 0) return name;
     if (error != EEXIST) throw std::system_error(error, std::generic_category());
   }
 }

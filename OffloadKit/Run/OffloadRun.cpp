@@ -2,11 +2,8 @@
 
 #include "DeviceKit/Places.h"
 #include "OffloadKit/Card/SourceScan.h"
-#include "OffloadKit/Copying/CopyBatch.h"
-#include "OffloadKit/Copying/ReadBack.h"
 #include "OffloadKit/Records/OffloadError.h"
 #include "OffloadKit/Run/Preflight.h"
-#include "OffloadKit/Wording/ErrorSentences.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -26,9 +23,9 @@ OffloadRun::OffloadRun(const OffloadPlan& plan, PlatformKit::System system,
       progress_(progress),
       isCancelled_(isCancelled),
       afterWrite_(afterWrite),
-      health_(system, plan),
-      closing_(plan, system, rawDevices, health_) {
+      closing_(plan, system, rawDevices, lanes_) {
   result_.plan = plan;
+  for (std::size_t i = 0; i < plan.destinations.size(); ++i) lanes_.emplace_back(system, plan, i);
 }
 
 OffloadResult OffloadRun::execute(bool checkSpace) {
@@ -37,14 +34,15 @@ OffloadResult OffloadRun::execute(bool checkSpace) {
   scanSource();
   requirePlaces();
   preflight(system_, plan_, checkSpace ? files_ : std::vector<SourceFile>{});
-  createDestinations();
+  openDestinations();
   lockDestinations();
   // Nobody is to be asked for a password after Stop.
   if (plan_.cardImage && isCancelled_()) throw OffloadError::cancelled();
   closing_.openCardDevice();
   countWork();
-  copyFiles();
-  writeCardImage();
+  Pipeline pipeline(lanes_.size(), plan_.chunkSize);
+  copyFiles(pipeline);
+  writeCardImage(pipeline);
   OffloadProgress finishing;
   finishing.phase = Phase::finishing;
   finishing.filesDone = finishing.filesTotal = files_.size();
@@ -59,15 +57,17 @@ OffloadResult OffloadRun::execute(bool checkSpace) {
 
 // A drive that was unmounted leaves a folder behind, on the computer's own disk.
 void OffloadRun::requirePlaces() const {
-  for (std::size_t i = 0; i < plan_.destinations.size(); ++i) {
-    if (health_.isInPlace(i)) continue;
-    throw OffloadError::destinationUnavailable(
-        DeviceKit::destinationName(system_, plan_.destinations[i]));
+  for (const Lane& lane : lanes_) {
+    if (lane.isInPlace()) continue;
+    throw OffloadError::destinationUnavailable(DeviceKit::destinationName(system_, lane.path()));
   }
 }
 
 void OffloadRun::scanSource() {
-  SourceScan found = scan(system_, plan_.source);
+  auto held = system_.fileSystem.openFolder(plan_.source, PlatformKit::Mounts::crossed);
+  if (!held.ok()) throw OffloadError::sourceUnreadable("couldn't list its files");
+  card_ = std::move(held.value());
+  SourceScan found = scan(*card_);
   if (found.files.empty() && !found.unreadable.empty()) {
     // A card that refuses everything must not look like one that may be erased.
     const UnreadableItem& first = found.unreadable.front();
@@ -78,25 +78,20 @@ void OffloadRun::scanSource() {
   result_.unreadable = std::move(found.unreadable);
 }
 
-void OffloadRun::createDestinations() {
-  for (std::size_t i = 0; i < plan_.destinations.size(); ++i) {
-    const Path& destination = plan_.destinations[i];
-    if (createFolders(system_.fileSystem, destination) != 0) {
-      throw OffloadError::destinationUnavailable(DeviceKit::destinationName(system_, destination));
-    }
-    if (system_.volumes.facts(destination).readsThroughCache) result_.readThroughCache.insert(i);
+void OffloadRun::openDestinations() {
+  for (std::size_t i = 0; i < lanes_.size(); ++i) {
+    lanes_[i].open();
+    if (lanes_[i].readsThroughCache()) result_.readThroughCache.insert(i);
   }
-  requirePlaces();
-  health_.settle();
 }
 
 // Two runs into one folder would take each other's temporary copies, and two destinations that are one
 // folder would be one copy counted twice.
 void OffloadRun::lockDestinations() {
-  for (const Path& destination : plan_.destinations) {
-    auto lock = system_.fileSystem.lockFolder(destination);
+  for (const Lane& lane : lanes_) {
+    auto lock = lane.folder().lockFolder({});
     if (lock.error() == EWOULDBLOCK) {
-      throw OffloadError::destinationInUse(DeviceKit::destinationName(system_, destination));
+      throw OffloadError::destinationInUse(DeviceKit::destinationName(system_, lane.path()));
     }
     // Ignored on purpose: some file systems know no locks.
     if (lock.ok()) locks_.push_back(std::move(lock.value()));
@@ -110,45 +105,42 @@ void OffloadRun::countWork() {
                                  static_cast<double>(closing_.imageWork()));
 }
 
-void OffloadRun::copyFiles() {
+void OffloadRun::copyFiles(Pipeline& pipeline) {
   const auto paths = relativePathsOf(files_);
-  const TemporaryNames temporaryNames(paths);
-  FolderFlush folders(system_, plan_.destinations, temporaryNames.forFile("Offload"), health_);
-  const std::size_t destinations = plan_.destinations.size();
-  // A read-back reads every copy and the card at once.
-  PlatformKit::WorkerPool workers(
-      std::max(kThreadsPerDrive * (destinations + 1), kFlushesPerDrive * destinations));
-  PlatformKit::WorkerPool originalReaders(kThreadsPerDrive);
-  GroupPace pace(plan_.chunkSize);
-  PlatformKit::AlignedBuffer transferBuffer(plan_.chunkSize);
-  std::vector<PlatformKit::AlignedBuffer> readBackBuffers;
-  for (std::size_t i = 0; i <= destinations; ++i) readBackBuffers.emplace_back(plan_.chunkSize);
-  CopyResources resources{
-      plan_,      system_,        temporaryNames,  temporaryNames.areDistinct(paths),
-      health_,    folders,        workers,         originalReaders,
-      pace,       transferBuffer, readBackBuffers, isCancelled_,
-      afterWrite_};
-
+  const TemporaryNames names(paths);
+  const bool areDistinct = names.areDistinct(paths);
+  BatchLength length(plan_.chunkSize, lanes_.size(), pipeline.takesGroups(), names, areDistinct);
   result_.files.reserve(files_.size());
-  drives_.resize(plan_.destinations.size());
+  drives_.resize(lanes_.size());
+  copyBatches({plan_, system_.clock, *card_, lanes_, names, areDistinct, length, pipeline,
+               isCancelled_, afterWrite_});
+  settleNames(names);
+}
+
+void OffloadRun::copyBatches(const CopyContext& context) {
   std::span<const SourceFile> left(files_);
-  const auto takeNext = [&] {
-    NextBatch next = nextBatch(left, resources);
-    left = left.subspan(next.files.size());
-    return next;
+  const auto takeNext = [&]() -> std::unique_ptr<Batch> {
+    if (left.empty()) return nullptr;
+    const auto files = left.first(context.length.of(left));
+    left = left.subspan(files.size());
+    return std::make_unique<Batch>(files, context);
   };
-  for (NextBatch current = takeNext(); current.batch;) {
-    NextBatch next = takeNext();
-    for (std::size_t i = 0; i < current.files.size(); ++i) {
-      copyFile(current.files[i], [&](const CopyProgress& progress) {
-        return current.batch->finish(i, progress, next.batch.get());
+  for (auto current = takeNext(); current;) {
+    auto next = takeNext();
+    for (std::size_t i = 0; i < current->files().size(); ++i) {
+      copyFile(current->files()[i], [&](const CopyProgress& progress) {
+        return current->finish(i, progress, next.get());
       });
     }
     current = std::move(next);
   }
-  folders.flushAll(result_.files);
-  result_.destinationErrors = health_.errors();
-  // What the last flush took back.
+}
+
+// Names that are not on a drive for certain are taken back.
+void OffloadRun::settleNames(const TemporaryNames& names) {
+  for (std::size_t i = 0; i < lanes_.size(); ++i) {
+    lanes_[i].names().flushAll(result_.files, i, names.forFile("Offload"));
+  }
   drives_.assign(drives_.size(), {});
   for (const OffloadedFile& file : result_.files) countOutcomes(file);
 }
@@ -193,8 +185,8 @@ void OffloadRun::countOutcomes(const OffloadedFile& file) {
   }
 }
 
-void OffloadRun::writeCardImage() {
-  result_.cardImage = closing_.writeCardImage(result_.started, isCancelled_,
+void OffloadRun::writeCardImage(Pipeline& pipeline) {
+  result_.cardImage = closing_.writeCardImage(result_.started, pipeline, isCancelled_,
                                               [this](const std::string& name, double bytes) {
                                                 done_ += bytes;
                                                 report(Phase::imaging, name);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OffloadKit/Copying/CopyResources.h"
+#include "OffloadKit/Copying/Batch.h"
 #include "OffloadKit/Records/OffloadError.h"
 #include "OffloadKit/Records/OffloadProgress.h"
 #include "OffloadKit/Run/RunClosing.h"
@@ -27,14 +27,16 @@ class OffloadRun {
  private:
   void scanSource();
   void requirePlaces() const;
-  void createDestinations();
+  void openDestinations();
   void lockDestinations();
   void countWork();
-  void copyFiles();
+  void copyFiles(Pipeline& pipeline);
+  void copyBatches(const CopyContext& context);
+  void settleNames(const TemporaryNames& names);
   using CopyStep = std::function<OffloadedFile(const CopyProgress&)>;
   void copyFile(const SourceFile& file, const CopyStep& copy);
   void countOutcomes(const OffloadedFile& file);
-  void writeCardImage();
+  void writeCardImage(Pipeline& pipeline);
   void report(OffloadProgress::Phase phase, const std::string& currentFile = {}) const;
   [[nodiscard]] double bytesPerSecond() const;
   [[nodiscard]] PlatformKit::Date now() const { return system_.clock.now(); }
@@ -45,7 +47,8 @@ class OffloadRun {
   const std::function<bool()>& isCancelled_;
   const std::function<void(const PlatformKit::Path&)>& afterWrite_;
 
-  DestinationHealth health_;
+  std::unique_ptr<PlatformKit::Folder> card_;
+  Lanes lanes_;
   RunClosing closing_;
   std::vector<std::unique_ptr<PlatformKit::FolderLock>> locks_;
   std::vector<SourceFile> files_;

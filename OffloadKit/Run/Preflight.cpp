@@ -1,7 +1,7 @@
 #include "OffloadKit/Run/Preflight.h"
 
 #include "DeviceKit/Places.h"
-#include "OffloadKit/Copying/CopyTargets.h"
+#include "OffloadKit/Copying/LaneCopy.h"
 #include "OffloadKit/Records/OffloadError.h"
 #include "OffloadKit/Wording/ErrorSentences.h"
 #include "PlatformKit/Paths.h"
@@ -68,7 +68,7 @@ void preflight(PlatformKit::System system, const OffloadPlan& plan,
     if (fits(bytesNeeded(plan, destination, files, all), available)) continue;
     const bool isNew = existing != destination;
     const std::uint64_t needed = bytesNeeded(plan, destination, files, [&](const SourceFile& file) {
-      return isNew || !alreadyThere(system.fileSystem, file, destination);
+      return isNew || !isThere(system.fileSystem, destination / file.relativePath, file);
     });
     if (!fits(needed, available)) throw OffloadError::notEnoughSpace(name, needed, available);
   }

@@ -5,12 +5,12 @@
 #include "OffloadKit/Proof/MHL.h"
 #include "OffloadKit/Proof/OffloadReport.h"
 #include "OffloadKit/Records/OffloadError.h"
-#include "OffloadKit/Wording/ErrorSentences.h"
+#include "PlatformKit/Paths.h"
 
-#include <cerrno>
 #include <system_error>
 
 namespace OffloadKit {
+
 void RunClosing::openCardDevice() {
   if (!plan_.cardImage) return;
   const std::string& path = plan_.cardImage->devicePath;
@@ -26,54 +26,58 @@ std::uint64_t RunClosing::imageWork() const {
 }
 
 std::optional<CardImageResult> RunClosing::writeCardImage(
-    PlatformKit::Date started, const std::function<bool()>& isCancelled,
+    PlatformKit::Date started, Pipeline& pipeline, const std::function<bool()>& isCancelled,
     const std::function<void(const std::string&, double)>& progress) {
-  if (!card_ || plan_.cardImage->destinationIndex >= plan_.destinations.size()) {
-    return std::nullopt;
-  }
-  const std::size_t destination = plan_.cardImage->destinationIndex;
-  const auto whyNot = [this, destination]() -> std::optional<std::string> {
-    health_.checkPlace(destination);
-    const std::string* givenUp = health_.givenUp(destination);
+  if (!card_ || plan_.cardImage->destinationIndex >= lanes_.size()) return std::nullopt;
+  Lane& lane = lanes_[plan_.cardImage->destinationIndex];
+  const auto whyNot = [&lane]() -> std::optional<Reason> {
+    lane.checkPlace();
+    const Reason* givenUp = lane.givenUp();
     return givenUp != nullptr ? std::optional(*givenUp) : std::nullopt;
   };
   const std::string name = CardImager::fileName(plan_.sourceName, started);
-  return CardImager::write(system_, *card_, plan_.destinations[destination], name, plan_.algorithm,
-                           plan_.chunkSize, {isCancelled, whyNot},
-                           [&](double bytes) { progress(name, bytes); });
+  return CardImager::write(*card_, lane.folder(), lane.path(), name, plan_.algorithm, pipeline,
+                           {isCancelled, whyNot, [&](double bytes) { progress(name, bytes); }});
 }
 
 void RunClosing::writeRecords(OffloadResult& result) const {
   // All of them first: what became of one drive stands in the reports of the others.
-  for (std::size_t i = 0; i < plan_.destinations.size(); ++i) health_.checkPlace(i);
-  result.destinationErrors = health_.errors();
-  for (std::size_t i = 0; i < plan_.destinations.size(); ++i) {
+  for (Lane& lane : lanes_) lane.checkPlace();
+  tellGivenUp(result);
+  for (std::size_t i = 0; i < lanes_.size(); ++i) {
     if (result.verifiedCount(i) == 0) continue;
     writeRecord(result, {MissingRecord::Kind::report, i, {}});
     writeRecord(result, {MissingRecord::Kind::hashList, i, {}});
   }
-  result.destinationErrors = health_.errors();
+  tellGivenUp(result);
+}
+
+void RunClosing::tellGivenUp(OffloadResult& result) const {
+  for (std::size_t i = 0; i < lanes_.size(); ++i) {
+    if (const Reason* reason = lanes_[i].givenUp()) result.destinationErrors[i] = reason->english();
+  }
 }
 
 // A record that cannot be written must not spoil a verified offload; the result tells it.
 void RunClosing::writeRecord(OffloadResult& result, MissingRecord missing) const {
   const bool isReport = missing.kind == MissingRecord::Kind::report;
-  const std::size_t i = missing.destination;
-  health_.checkPlace(i);
+  Lane& lane = lanes_[missing.destination];
+  lane.checkPlace();
   try {
-    // Where a drive was mounted that is gone, a folder of the computer's own disk comes to light.
-    if (!health_.isDisconnected(i)) {
-      const auto path =
-          isReport ? OffloadReport::write(system_, result, i) : writeHashList(result, i);
-      health_.checkPlace(i);
-      if (!health_.isDisconnected(i)) {
-        (isReport ? result.reports : result.mhlFiles).push_back(path);
+    if (!lane.isDisconnected()) {
+      const PlatformKit::Path path =
+          isReport
+              ? PlatformKit::Path(OffloadReport::write(lane.folder(), result, missing.destination))
+              : writeHashList(result, missing.destination);
+      lane.checkPlace();
+      if (!lane.isDisconnected()) {
+        (isReport ? result.reports : result.mhlFiles).push_back(lane.path() / path);
         return;
       }
     }
-    missing.reason = describe(ENODEV);
+    missing.reason = Reason(Reason::Kind::disconnected).english();
   } catch (const std::system_error& error) {
-    missing.reason = health_.otherError(i, error.code().value());
+    missing.reason = lane.otherError(error.code().value()).english();
   } catch (const std::exception& error) {
     missing.reason = error.what();
   }
@@ -88,8 +92,9 @@ PlatformKit::Path RunClosing::writeHashList(const OffloadResult& result,
       plan_.cardImage->destinationIndex == destination) {
     extra.push_back({image->relativePath, image->size, result.finished, *image->hash});
   }
-  return MHL::writeGeneration(system_, result.files, destination, plan_.destinations[destination],
-                              extra, plan_.algorithm, system_.clock.now());
+  const Lane& lane = lanes_[destination];
+  return MHL::writeGeneration(lane.folder(), PlatformKit::lastComponent(lane.path()), result.files,
+                              destination, extra, plan_.algorithm, clock_.now());
 }
 
 }  // namespace OffloadKit

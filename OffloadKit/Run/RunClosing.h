@@ -2,7 +2,8 @@
 
 #include "DeviceKit/BlockDeviceSource.h"
 #include "DeviceKit/RawDeviceAccess.h"
-#include "OffloadKit/Copying/DestinationHealth.h"
+#include "OffloadKit/Copying/Lane.h"
+#include "OffloadKit/Copying/Pipeline.h"
 #include "OffloadKit/Records/OffloadPlan.h"
 #include "OffloadKit/Records/OffloadResult.h"
 #include "PlatformKit/System.h"
@@ -21,8 +22,8 @@ class RunClosing {
  public:
   /// The arguments outlive this object.
   RunClosing(const OffloadPlan& plan, PlatformKit::System system,
-             const DeviceKit::RawDeviceAccess& rawDevices, DestinationHealth& health)
-      : plan_(plan), system_(system), rawDevices_(rawDevices), health_(health) {}
+             const DeviceKit::RawDeviceAccess& rawDevices, Lanes& lanes)
+      : plan_(plan), clock_(system.clock), rawDevices_(rawDevices), lanes_(lanes) {}
 
   /// Opens the card's device when the plan wants an image. Done before any file is copied, so that
   /// a system's question for a password comes at the start. Throws
@@ -33,10 +34,11 @@ class RunClosing {
   [[nodiscard]] std::uint64_t imageWork() const;
 
   /// Writes and checks the image, if the device was opened and its destination exists. One on a
-  /// destination that was given up fails with that sentence. `progress` gets the image's name and the bytes just handled. Failures are in the result. Throws
+  /// destination that was given up fails with that sentence. `progress` gets the image's name and the
+  /// bytes just handled. Failures are in the result. Throws
   /// OffloadError::cancelled.
   std::optional<CardImageResult> writeCardImage(
-      PlatformKit::Date started, const std::function<bool()>& isCancelled,
+      PlatformKit::Date started, Pipeline& pipeline, const std::function<bool()>& isCancelled,
       const std::function<void(const std::string&, double)>& progress);
 
   /// Writes the report and then the hash list, which lists the report, on every destination with a
@@ -47,11 +49,12 @@ class RunClosing {
   void writeRecord(OffloadResult& result, MissingRecord missing) const;
   [[nodiscard]] PlatformKit::Path writeHashList(const OffloadResult& result,
                                                 std::size_t destination) const;
+  void tellGivenUp(OffloadResult& result) const;
 
   const OffloadPlan& plan_;
-  PlatformKit::System system_;
+  const PlatformKit::Clock& clock_;
   const DeviceKit::RawDeviceAccess& rawDevices_;
-  DestinationHealth& health_;
+  Lanes& lanes_;
   std::unique_ptr<DeviceKit::ByteSource> card_;
 };
 

@@ -8,8 +8,8 @@ bool isLoss(int error) {
   return error != 0 && error != EACCES && error != EPERM;
 }
 
-int flushNames(PlatformKit::FileSystem& fileSystem, const PlatformKit::Path& folder) {
-  const int error = fileSystem.flushFolder(folder);
+int flushNames(PlatformKit::Folder& within, const PlatformKit::Path& folder) {
+  const int error = within.flushFolder(folder);
   return isLoss(error) ? error : 0;
 }
 

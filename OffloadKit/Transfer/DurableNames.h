@@ -10,6 +10,6 @@ namespace OffloadKit {
 
 /// Returns when the names in a folder are on the drive. Answers 0, also where that is not for this
 /// user to do, or the error number. Any thread.
-[[nodiscard]] int flushNames(PlatformKit::FileSystem& fileSystem, const PlatformKit::Path& folder);
+[[nodiscard]] int flushNames(PlatformKit::Folder& within, const PlatformKit::Path& folder);
 
 }  // namespace OffloadKit

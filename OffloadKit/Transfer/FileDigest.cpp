@@ -10,9 +10,9 @@ namespace OffloadKit {
 using PlatformKit::ErrorNumber;
 using PlatformKit::Result;
 
-FileDigest::FileDigest(PlatformKit::FileSystem& fileSystem, PlatformKit::Path path,
+FileDigest::FileDigest(PlatformKit::Folder& within, PlatformKit::Path path,
                        HashKit::HashAlgorithm algorithm, std::uint64_t expectedSize)
-    : fileSystem_(fileSystem),
+    : within_(within),
       path_(std::move(path)),
       expectedSize_(expectedSize),
       hasher_(HashKit::makeHasher(algorithm)) {}
@@ -57,7 +57,7 @@ void FileDigest::open() {
   opened_ = true;
   ended_ = true;
   try {
-    auto opened = fileSystem_.openForReading(path_, PlatformKit::ReadMode::pastCache);
+    auto opened = within_.openForReading(path_, PlatformKit::ReadMode::pastCache);
     error_ = opened.error();
     ended_ = !opened.ok();
     if (opened.ok()) file_ = std::move(opened.value());
@@ -83,10 +83,10 @@ Result<std::string> FileDigest::result() const {
   return hasher_->finalize();
 }
 
-Result<std::string> hashFile(PlatformKit::FileSystem& fileSystem, const PlatformKit::Path& path,
+Result<std::string> hashFile(PlatformKit::Folder& within, const PlatformKit::Path& path,
                              HashKit::HashAlgorithm algorithm, std::size_t chunkSize) {
   PlatformKit::AlignedBuffer buffer(chunkSize);
-  FileDigest digest(fileSystem, path, algorithm);
+  FileDigest digest(within, path, algorithm);
   digest.work(buffer.bytes());
   return digest.result();
 }

@@ -29,8 +29,8 @@ class FileDigest {
   /// `expectedSize` (bytes): what the file should have. Reads ask for little more than is left of
   /// it, because the kernel fills with zeros what a direct read asks for behind the end. A file of
   /// another size still gets a checksum other than that of the expected content.
-  FileDigest(PlatformKit::FileSystem& fileSystem, PlatformKit::Path path,
-             HashKit::HashAlgorithm algorithm, std::uint64_t expectedSize = unknownSize);
+  FileDigest(PlatformKit::Folder& within, PlatformKit::Path path, HashKit::HashAlgorithm algorithm,
+             std::uint64_t expectedSize = unknownSize);
 
   /// Works until the file is hashed or has failed. `piece`: this thread's own buffer, not empty, of
   /// the same size for every thread of one file.
@@ -52,7 +52,7 @@ class FileDigest {
   void open();
   void absorb(const PlatformKit::Result<std::size_t>& read, std::span<const std::byte> piece);
 
-  PlatformKit::FileSystem& fileSystem_;
+  PlatformKit::Folder& within_;
   const PlatformKit::Path path_;
   const std::uint64_t expectedSize_;
   std::mutex mutex_;
@@ -71,7 +71,7 @@ class FileDigest {
 
 /// The checksum of the whole file by `algorithm`, read in chunks of `chunkSize` bytes (at least 1)
 /// past the cache, in lowercase hexadecimal; or the error that opening or reading met. Any thread.
-PlatformKit::Result<std::string> hashFile(PlatformKit::FileSystem& fileSystem,
+PlatformKit::Result<std::string> hashFile(PlatformKit::Folder& within,
                                           const PlatformKit::Path& path,
                                           HashKit::HashAlgorithm algorithm, std::size_t chunkSize);
 

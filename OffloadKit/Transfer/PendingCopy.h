@@ -7,13 +7,13 @@
 
 namespace OffloadKit {
 
-/// A copy under its temporary name. Removes its file unless it was committed, on every way out.
+/// A copy under its temporary name in a held folder. Removes its file unless it was committed, on every way out.
 /// Move-only; one thread at a time.
 class PendingCopy {
  public:
-  /// Makes the temporary file, in place of a leftover of that name. `temporary` and `final` lie in
-  /// the same folder, which exists.
-  static PlatformKit::Result<PendingCopy> create(PlatformKit::FileSystem& fileSystem,
+  /// Makes the temporary file, in place of a leftover of that name. `temporary` and `final` are
+  /// below `folder`, which outlives this object, in the same folder, which exists.
+  static PlatformKit::Result<PendingCopy> create(PlatformKit::Folder& folder,
                                                  PlatformKit::Path temporary,
                                                  PlatformKit::Path final);
 
@@ -22,6 +22,8 @@ class PendingCopy {
   /// A failure to remove the file is ignored: what is left is hidden, and the next run clears it.
   ~PendingCopy();
 
+  /// Where it lies; not behind `commit`.
+  [[nodiscard]] PlatformKit::Folder& folder() const { return *folder_; }
   /// Null once it was closed.
   [[nodiscard]] PlatformKit::WritableFile* file() { return file_.get(); }
   [[nodiscard]] const PlatformKit::Path& temporary() const { return temporary_; }
@@ -42,12 +44,12 @@ class PendingCopy {
  private:
   [[nodiscard]] int checkIdentity();
   int committed(int error);
-  PendingCopy(PlatformKit::FileSystem& fileSystem, std::unique_ptr<PlatformKit::WritableFile> file,
+  PendingCopy(PlatformKit::Folder& folder, std::unique_ptr<PlatformKit::WritableFile> file,
               PlatformKit::ItemIdentity identity, PlatformKit::Path temporary,
               PlatformKit::Path final);
 
   // Null once the copy was committed or moved away: nothing is left to remove.
-  PlatformKit::FileSystem* fileSystem_;
+  PlatformKit::Folder* folder_;
   std::unique_ptr<PlatformKit::WritableFile> file_;
   PlatformKit::ItemIdentity identity_;
   PlatformKit::Path temporary_;

@@ -10,12 +10,12 @@
 
 namespace OffloadKit {
 
-using PlatformKit::FileSystem;
+using PlatformKit::Folder;
 using PlatformKit::Path;
 
-int writeWholeFile(FileSystem& fileSystem, const Path& path, const Path& temporary,
+int writeWholeFile(Folder& within, const Path& path, const Path& temporary,
                    std::string_view content, Existing existing) {
-  auto created = PendingCopy::create(fileSystem, temporary, path);
+  auto created = PendingCopy::create(within, temporary, path);
   if (!created.ok()) return created.error();
   PendingCopy& pending = created.value();
   int error = writeFully(*pending.file(), std::as_bytes(std::span(content)));
@@ -25,17 +25,17 @@ int writeWholeFile(FileSystem& fileSystem, const Path& path, const Path& tempora
   }
   // Some file systems write a moved file's size only now; see VolumeFacts::moveKeepsContent.
   if (error == 0) error = pending.file()->flush();
-  if (error == 0) error = flushNames(fileSystem, path.parent_path());
+  if (error == 0) error = flushNames(within, path.parent_path());
   return error;
 }
 
-int readWholeFile(FileSystem& fileSystem, const Path& path, std::uint64_t limit,
+int readWholeFile(Folder& within, const Path& path, std::uint64_t limit,
                   const std::function<bool(std::string_view, bool)>& take) {
-  const auto status = fileSystem.status(path);
+  const auto status = within.status(path);
   if (!status.ok()) return status.error();
   // A list may name anything; a pipe or a device must not be waited for.
   if (status.value().kind != PlatformKit::ItemKind::regularFile) return ENOENT;
-  auto opened = fileSystem.openForReading(path, PlatformKit::ReadMode::streamed);
+  auto opened = within.openForReading(path, PlatformKit::ReadMode::streamed);
   if (!opened.ok()) return opened.error();
   std::vector<std::byte> piece(std::size_t{256} * 1024);
   std::uint64_t offset = 0;

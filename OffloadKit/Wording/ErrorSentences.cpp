@@ -28,8 +28,4 @@ std::string describe(int error) {
   }
 }
 
-bool endsTheDrive(int error) {
-  return error == EIO || error == ENXIO || error == ENODEV || error == ENOSPC;
-}
-
 }  // namespace OffloadKit

@@ -14,8 +14,4 @@ using PlatformKit::systemText;
 /// results keep it. Any thread.
 std::string describe(int error);
 
-/// Whether an error means that the drive itself is of no more use in this run: EIO, ENXIO, ENODEV
-/// or ENOSPC.
-bool endsTheDrive(int error);
-
 }  // namespace OffloadKit

@@ -49,15 +49,6 @@ int syncRange(int fd, std::uint64_t offset, std::uint64_t length, unsigned flags
 
 }  // namespace
 
-Result<UniqueFd> openKeepingAccessDate(const Path& path, int flags) {
-  const int base = O_RDONLY | O_CLOEXEC | flags;
-  UniqueFd fd(::open(path.c_str(), base | O_NOATIME));
-  // Only the owner of a file may keep its access date.
-  if (!fd.valid() && errno == EPERM) fd = UniqueFd(::open(path.c_str(), base));
-  if (!fd.valid()) return ErrorNumber{errno};
-  return fd;
-}
-
 LinuxReadableFile::LinuxReadableFile(UniqueFd fd, bool direct)
     : fd_(std::move(fd)), direct_(direct) {
   // Also for direct reads: some file systems quietly answer those from the cache.

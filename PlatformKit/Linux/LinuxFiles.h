@@ -7,10 +7,6 @@
 
 namespace PlatformKit {
 
-/// Opens for reading without changing the item's access date where the kernel allows that to this
-/// user. `flags` are added to O_RDONLY and O_CLOEXEC.
-Result<UniqueFd> openKeepingAccessDate(const Path& path, int flags);
-
 /// A regular file read with positioned reads.
 ///
 /// Past the cache means O_DIRECT. File systems differ in what they accept: some refuse it at open,

@@ -13,15 +13,13 @@ void intervene(const Intervention& intervention, std::span<std::byte> bytes) {
   bytes[bit / 8] ^= static_cast<std::byte>(1U << (bit % 8));
 }
 
-}  // namespace
-
 class FaultyReadableFile final : public ReadableFile {
  public:
-  FaultyReadableFile(FaultyFileSystem& owner, Path path, std::unique_ptr<ReadableFile> below)
+  FaultyReadableFile(Faults& owner, Path path, std::unique_ptr<ReadableFile> below)
       : owner_(owner), path_(std::move(path)), below_(std::move(below)) {
-    ++owner_.openFiles_;
+    ++owner_.openFiles;
   }
-  ~FaultyReadableFile() override { --owner_.openFiles_; }
+  ~FaultyReadableFile() override { --owner_.openFiles; }
 
   Result<std::size_t> readAt(std::span<std::byte> buffer, std::uint64_t offset) override {
     const Intervention intervention = owner_.ask(Call::read, path_, offset);
@@ -42,18 +40,18 @@ class FaultyReadableFile final : public ReadableFile {
   }
 
  private:
-  FaultyFileSystem& owner_;
+  Faults& owner_;
   const Path path_;
   std::unique_ptr<ReadableFile> below_;
 };
 
 class FaultyWritableFile final : public WritableFile {
  public:
-  FaultyWritableFile(FaultyFileSystem& owner, Path path, std::unique_ptr<WritableFile> below)
+  FaultyWritableFile(Faults& owner, Path path, std::unique_ptr<WritableFile> below)
       : owner_(owner), path_(std::move(path)), below_(std::move(below)) {
-    ++owner_.openFiles_;
+    ++owner_.openFiles;
   }
-  ~FaultyWritableFile() override { --owner_.openFiles_; }
+  ~FaultyWritableFile() override { --owner_.openFiles; }
 
   Result<std::size_t> write(std::span<const std::byte> bytes) override {
     const Intervention intervention = owner_.ask(Call::write, path_, written_);
@@ -88,31 +86,132 @@ class FaultyWritableFile final : public WritableFile {
   }
 
  private:
-  FaultyFileSystem& owner_;
+  Faults& owner_;
   const Path path_;
   std::unique_ptr<WritableFile> below_;
   std::uint64_t written_ = 0;
 };
 
-FaultyFileSystem::Script FaultyFileSystem::failing(Call call, std::string part, int error) {
-  return [call, part = std::move(part), error](const CallInfo& info) {
-    const bool hit = info.call == call && info.path.native().find(part) != std::string::npos;
-    return Intervention{hit ? error : 0};
-  };
-}
+class FaultyFolder final : public FaultyItems<Folder> {
+ public:
+  FaultyFolder(Faults& faults, std::unique_ptr<Folder> below, Path base)
+      : FaultyItems(faults, *below, std::move(base)), held_(std::move(below)) {}
 
-Intervention FaultyFileSystem::ask(Call call, const Path& path, std::uint64_t offset,
-                                   ReadMode mode) {
+ private:
+  const std::unique_ptr<Folder> held_;
+};
+
+}  // namespace
+
+Intervention Faults::ask(Call call, const Path& path, std::uint64_t offset, ReadMode mode) {
   const std::lock_guard lock(mutex_);
-  return script_ ? script_({call, path, offset, mode}) : Intervention{};
+  return script ? script({call, path, offset, mode}) : Intervention{};
 }
 
-Result<ItemStatus> FaultyFileSystem::status(const Path& path) {
-  const Intervention intervention = ask(Call::status, path);
+template <class Interface>
+Result<ItemStatus> FaultyItems<Interface>::status(const Path& path) {
+  const Intervention intervention = faults_.ask(Call::status, at(path));
   if (intervention.error != 0) return ErrorNumber{intervention.error};
   auto status = below_.status(path);
   if (status.ok() && intervention.otherVolume) ++status.value().identity.volume;
   return status;
+}
+
+template <class Interface>
+Result<FolderListing> FaultyItems<Interface>::list(const Path& path) {
+  const Intervention intervention = faults_.ask(Call::list, at(path));
+  if (intervention.error != 0) return ErrorNumber{intervention.error};
+  auto listed = below_.list(path);
+  if (!listed.ok()) return listed;
+  auto& entries = listed.value().entries;
+  if (entries.size() > intervention.limit) {
+    entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(intervention.limit), entries.end());
+    listed.value().error = EIO;
+  }
+  for (FolderEntry& entry : entries) {
+    const int error = faults_.ask(Call::entryStatus, at(path) / entry.name).error;
+    if (error != 0) entry.status = ErrorNumber{error};
+  }
+  return listed;
+}
+
+template <class Interface>
+Result<std::unique_ptr<ReadableFile>> FaultyItems<Interface>::openForReading(const Path& path,
+                                                                             ReadMode mode) {
+  const int error = faults_.ask(Call::openForReading, at(path), 0, mode).error;
+  if (error != 0) return ErrorNumber{error};
+  auto opened = below_.openForReading(path, mode);
+  if (!opened.ok()) return opened;
+  return std::unique_ptr<ReadableFile>(
+      std::make_unique<FaultyReadableFile>(faults_, at(path), std::move(opened.value())));
+}
+
+template <class Interface>
+Result<std::unique_ptr<WritableFile>> FaultyItems<Interface>::createFile(const Path& path) {
+  const int error = errorOf(Call::createFile, path);
+  if (error != 0) return ErrorNumber{error};
+  auto created = below_.createFile(path);
+  if (!created.ok()) return created;
+  return std::unique_ptr<WritableFile>(
+      std::make_unique<FaultyWritableFile>(faults_, at(path), std::move(created.value())));
+}
+
+template <class Interface>
+int FaultyItems<Interface>::createFolder(const Path& path) {
+  const int error = errorOf(Call::createFolder, path);
+  return error != 0 ? error : below_.createFolder(path);
+}
+
+template <class Interface>
+int FaultyItems<Interface>::moveWithoutReplacing(const Path& from, const Path& to) {
+  const int error = errorOf(Call::move, to);
+  return error != 0 ? error : below_.moveWithoutReplacing(from, to);
+}
+
+template <class Interface>
+int FaultyItems<Interface>::moveReplacing(const Path& from, const Path& to) {
+  const int error = errorOf(Call::moveReplacing, to);
+  return error != 0 ? error : below_.moveReplacing(from, to);
+}
+
+template <class Interface>
+int FaultyItems<Interface>::removeFile(const Path& path) {
+  const int error = errorOf(Call::remove, path);
+  return error != 0 ? error : below_.removeFile(path);
+}
+
+template <class Interface>
+int FaultyItems<Interface>::setDates(const Path& path, Date modified, std::optional<Date> created) {
+  const int error = errorOf(Call::setDates, path);
+  return error != 0 ? error : below_.setDates(path, modified, created);
+}
+
+template <class Interface>
+Result<std::unique_ptr<FolderLock>> FaultyItems<Interface>::lockFolder(const Path& path) {
+  const int error = errorOf(Call::lockFolder, path);
+  if (error != 0) return ErrorNumber{error};
+  return below_.lockFolder(path);
+}
+
+template <class Interface>
+int FaultyItems<Interface>::flushFolder(const Path& path) {
+  const int error = errorOf(Call::flushFolder, path);
+  return error != 0 ? error : below_.flushFolder(path);
+}
+
+template <class Interface>
+int FaultyItems<Interface>::flushVolume(const Path& path) {
+  const int error = errorOf(Call::flushVolume, path);
+  return error != 0 ? error : below_.flushVolume(path);
+}
+
+template class FaultyItems<FileSystem>;
+
+Faults::Script FaultyFileSystem::failing(Call call, std::string part, int error) {
+  return [call, part = std::move(part), error](const CallInfo& info) {
+    const bool hit = info.call == call && info.path.native().find(part) != std::string::npos;
+    return Intervention{hit ? error : 0};
+  };
 }
 
 Result<Path> FaultyFileSystem::resolve(const Path& path) {
@@ -121,81 +220,13 @@ Result<Path> FaultyFileSystem::resolve(const Path& path) {
   return below_.resolve(path);
 }
 
-Result<FolderListing> FaultyFileSystem::list(const Path& folder) {
-  const Intervention intervention = ask(Call::list, folder);
-  if (intervention.error != 0) return ErrorNumber{intervention.error};
-  auto listed = below_.list(folder);
-  if (!listed.ok()) return listed;
-  auto& entries = listed.value().entries;
-  if (entries.size() > intervention.limit) {
-    entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(intervention.limit), entries.end());
-    listed.value().error = EIO;
-  }
-  for (FolderEntry& entry : entries) {
-    const int error = ask(Call::entryStatus, folder / entry.name).error;
-    if (error != 0) entry.status = ErrorNumber{error};
-  }
-  return listed;
-}
-
-Result<std::unique_ptr<ReadableFile>> FaultyFileSystem::openForReading(const Path& path,
-                                                                       ReadMode mode) {
-  const int error = ask(Call::openForReading, path, 0, mode).error;
+Result<std::unique_ptr<Folder>> FaultyFileSystem::openFolder(const Path& path, Mounts mounts) {
+  const int error = ask(Call::openFolder, path).error;
   if (error != 0) return ErrorNumber{error};
-  auto opened = below_.openForReading(path, mode);
+  auto opened = below_.openFolder(path, mounts);
   if (!opened.ok()) return opened;
-  return std::unique_ptr<ReadableFile>(
-      std::make_unique<FaultyReadableFile>(*this, path, std::move(opened.value())));
-}
-
-Result<std::unique_ptr<WritableFile>> FaultyFileSystem::createFile(const Path& path) {
-  const int error = ask(Call::createFile, path).error;
-  if (error != 0) return ErrorNumber{error};
-  auto created = below_.createFile(path);
-  if (!created.ok()) return created;
-  return std::unique_ptr<WritableFile>(
-      std::make_unique<FaultyWritableFile>(*this, path, std::move(created.value())));
-}
-
-int FaultyFileSystem::createFolder(const Path& path) {
-  const int error = ask(Call::createFolder, path).error;
-  return error != 0 ? error : below_.createFolder(path);
-}
-
-int FaultyFileSystem::moveWithoutReplacing(const Path& from, const Path& to) {
-  const int error = ask(Call::move, to).error;
-  return error != 0 ? error : below_.moveWithoutReplacing(from, to);
-}
-
-int FaultyFileSystem::moveReplacing(const Path& from, const Path& to) {
-  const int error = ask(Call::moveReplacing, to).error;
-  return error != 0 ? error : below_.moveReplacing(from, to);
-}
-
-int FaultyFileSystem::removeFile(const Path& path) {
-  const int error = ask(Call::remove, path).error;
-  return error != 0 ? error : below_.removeFile(path);
-}
-
-int FaultyFileSystem::setDates(const Path& path, Date modified, std::optional<Date> created) {
-  const int error = ask(Call::setDates, path).error;
-  return error != 0 ? error : below_.setDates(path, modified, created);
-}
-
-Result<std::unique_ptr<FolderLock>> FaultyFileSystem::lockFolder(const Path& folder) {
-  const int error = ask(Call::lockFolder, folder).error;
-  if (error != 0) return ErrorNumber{error};
-  return below_.lockFolder(folder);
-}
-
-int FaultyFileSystem::flushFolder(const Path& folder) {
-  const int error = ask(Call::flushFolder, folder).error;
-  return error != 0 ? error : below_.flushFolder(folder);
-}
-
-int FaultyFileSystem::flushVolume(const Path& folder) {
-  const int error = ask(Call::flushVolume, folder).error;
-  return error != 0 ? error : below_.flushVolume(folder);
+  return std::unique_ptr<Folder>(
+      std::make_unique<FaultyFolder>(static_cast<Faults&>(*this), std::move(opened.value()), path));
 }
 
 int FaultyFileSystem::checkWritable(const Path& path) {

@@ -16,6 +16,7 @@ namespace PlatformKit::Testing {
 enum class Call {
   status,
   resolve,
+  openFolder,
   list,
   entryStatus,
   openForReading,
@@ -58,27 +59,32 @@ struct CallInfo {
   ReadMode mode = ReadMode::streamed;  ///< of opening for reading
 };
 
-/// Passes every call to another file system, unless the test intervenes. The tests' way to drives
-/// that fill up, fail, lie or vanish.
-class FaultyFileSystem final : public FileSystem {
+/// The script of a test, and how many files are open. Any thread.
+class Faults {
  public:
   /// Asked before every call, one call at a time, on the calling thread.
   using Script = std::function<Intervention(const CallInfo&)>;
 
-  explicit FaultyFileSystem(FileSystem& below) : below_(below) {}
+  [[nodiscard]] Intervention ask(Call call, const Path& path, std::uint64_t offset = 0,
+                                 ReadMode mode = ReadMode::streamed);
 
-  /// Replaces the script. Not while calls are being made.
-  void setScript(Script script) { script_ = std::move(script); }
+  Script script;
+  std::atomic<int> openFiles = 0;
 
-  /// A script that answers `error` to every such call whose path contains `part`.
-  static Script failing(Call call, std::string part, int error);
+ private:
+  std::mutex mutex_;
+};
 
-  /// How many files and folders opened through this object are open now.
-  [[nodiscard]] int openFiles() const { return openFiles_; }
+/// The calls of Folder, each of them asked about with its whole path.
+template <class Interface>
+class FaultyItems : public Interface {
+ public:
+  /// `base`: what paths are below of; empty for a whole file system.
+  FaultyItems(Faults& faults, Folder& below, Path base)
+      : faults_(faults), below_(below), base_(std::move(base)) {}
 
   [[nodiscard]] Result<ItemStatus> status(const Path& path) override;
-  [[nodiscard]] Result<Path> resolve(const Path& path) override;
-  [[nodiscard]] Result<FolderListing> list(const Path& folder) override;
+  [[nodiscard]] Result<FolderListing> list(const Path& path) override;
   [[nodiscard]] Result<std::unique_ptr<ReadableFile>> openForReading(const Path& path,
                                                                      ReadMode mode) override;
   [[nodiscard]] Result<std::unique_ptr<WritableFile>> createFile(const Path& path) override;
@@ -87,21 +93,47 @@ class FaultyFileSystem final : public FileSystem {
   [[nodiscard]] int moveReplacing(const Path& from, const Path& to) override;
   [[nodiscard]] int removeFile(const Path& path) override;
   [[nodiscard]] int setDates(const Path& path, Date modified, std::optional<Date> created) override;
-  [[nodiscard]] Result<std::unique_ptr<FolderLock>> lockFolder(const Path& folder) override;
-  [[nodiscard]] int flushFolder(const Path& folder) override;
-  [[nodiscard]] int flushVolume(const Path& folder) override;
+  [[nodiscard]] Result<std::unique_ptr<FolderLock>> lockFolder(const Path& path) override;
+  [[nodiscard]] int flushFolder(const Path& path) override;
+  [[nodiscard]] int flushVolume(const Path& path) override;
+
+ private:
+  [[nodiscard]] Path at(const Path& path) const { return path.empty() ? base_ : base_ / path; }
+  [[nodiscard]] int errorOf(Call call, const Path& path) {
+    return faults_.ask(call, at(path)).error;
+  }
+
+  Faults& faults_;
+  Folder& below_;
+  const Path base_;
+};
+
+/// Passes every call to another file system, unless the test intervenes. The tests' way to drives
+/// that fill up, fail, lie or vanish. Folders opened through it are held by the file system below,
+/// so they keep what held folders promise.
+class FaultyFileSystem final : private Faults, public FaultyItems<FileSystem> {
+ public:
+  using Script = Faults::Script;
+
+  explicit FaultyFileSystem(FileSystem& below)
+      : FaultyItems(static_cast<Faults&>(*this), below, {}), below_(below) {}
+
+  /// Replaces the script. Not while calls are being made.
+  void setScript(Script replacement) { script = std::move(replacement); }
+
+  /// A script that answers `error` to every such call whose path contains `part`.
+  static Script failing(Call call, std::string part, int error);
+
+  /// How many files opened through this object are open now.
+  [[nodiscard]] int openFiles() const { return Faults::openFiles; }
+
+  [[nodiscard]] Result<Path> resolve(const Path& path) override;
+  [[nodiscard]] Result<std::unique_ptr<Folder>> openFolder(const Path& path,
+                                                           Mounts mounts) override;
   [[nodiscard]] int checkWritable(const Path& path) override;
 
  private:
-  friend class FaultyReadableFile;
-  friend class FaultyWritableFile;
-  Intervention ask(Call call, const Path& path, std::uint64_t offset = 0,
-                   ReadMode mode = ReadMode::streamed);
-
   FileSystem& below_;
-  std::mutex mutex_;
-  Script script_;
-  std::atomic<int> openFiles_ = 0;
 };
 
 }  // namespace PlatformKit::Testing

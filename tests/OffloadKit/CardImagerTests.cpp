@@ -17,9 +17,12 @@ class Imager : public OffloadFixture {
  protected:
   CardImageResult imageOf(DeviceKit::ByteSource& source) {
     progress_.clear();
-    return CardImager::write(system_, source, drive(1), "card.img", HashKit::HashAlgorithm::md5,
-                             kChunk, {[this] { return polls_++ == cancelAt_; }},
-                             [this](double bytes) { progress_.push_back(bytes); });
+    Pipeline pipeline(1, kChunk);
+    return CardImager::write(source, *held(drive(1)), drive(1), "card.img",
+                             HashKit::HashAlgorithm::md5, pipeline,
+                             {[this] { return polls_++ == cancelAt_; },
+                              {},
+                              [this](double bytes) { progress_.push_back(bytes); }});
   }
   CardImageResult imageOf(const std::string& device) {
     DeviceKit::BlockDeviceSource source(std::move(rawDevices_.open(device).value()), device);

@@ -60,7 +60,8 @@ class HashLists : public OffloadFixture {
   }
   std::string write(const std::vector<OffloadedFile>& files, const std::vector<Entry>& extra = {},
                     HashKit::HashAlgorithm algorithm = HashKit::HashAlgorithm::xxh64) {
-    return writeGeneration(system_, files, 0, copies(1), extra, algorithm, kNow);
+    const Path list = writeGeneration(*held(copies(1)), "A001", files, 0, extra, algorithm, kNow);
+    return copies(1) / list;
   }
   std::string chain() { return readFile(copies(1) / "ascmhl/ascmhl_chain.xml"); }
   void writeChain(const std::string& text) {
@@ -175,16 +176,16 @@ TEST_F(HashLists, continueAfterTheHighestNumberThatTheChainHas) {
 }
 
 TEST_F(HashLists, keepNumberAndTimeOfAFolderWithALongName) {
-  const Path folder = drive(1) / (std::string(253, 'n') + "\xC3\xA9");
+  const std::string folder = std::string(253, 'n') + "\xC3\xA9";
   const Path list =
-      writeGeneration(system_, {}, 0, folder, {}, HashKit::HashAlgorithm::xxh64, kNow);
+      writeGeneration(*held(drive(1)), folder, {}, 0, {}, HashKit::HashAlgorithm::xxh64, kNow);
   const std::string name = list.filename();
   EXPECT_EQ(name.size(), 255U);
   EXPECT_TRUE(name.starts_with("0001_nnn") && name.ends_with("n_2026-10-07_123205Z.mhl"));
-  const Path odd = drive(1) / "odd\x01\xFF";
-  EXPECT_THAT(
-      writeGeneration(system_, {}, 0, odd, {}, HashKit::HashAlgorithm::xxh64, kNow).native(),
-      HasSubstr("/0001_odd%01%FF_2026"));
+  EXPECT_THAT(writeGeneration(*held(drive(2)), "odd\x01\xFF", {}, 0, {},
+                              HashKit::HashAlgorithm::xxh64, kNow)
+                  .native(),
+              HasSubstr("/0001_odd%01%FF_2026"));
 }
 
 TEST_F(HashLists, tellWhyTheyCouldNotBeWrittenAndLeaveTheChainAlone) {
@@ -192,8 +193,8 @@ TEST_F(HashLists, tellWhyTheyCouldNotBeWrittenAndLeaveTheChainAlone) {
   const std::string before = chain();
   const auto errorOf = [&] {
     try {
-      writeGeneration(system_, {verified("a")}, 0, copies(1), {}, HashKit::HashAlgorithm::xxh64,
-                      kNow + std::chrono::seconds(1));
+      writeGeneration(*held(copies(1)), "A001", {verified("a")}, 0, {},
+                      HashKit::HashAlgorithm::xxh64, kNow + std::chrono::seconds(1));
     } catch (const std::system_error& error) {
       return error.code().value();
     }

@@ -49,6 +49,11 @@ void OffloadFixture::addFile(const std::string& relativePath, const std::string&
   ASSERT_EQ(linux_.setDates(card_ / relativePath, modified, std::nullopt), 0);
 }
 
+std::unique_ptr<PlatformKit::Folder> OffloadFixture::held(const Path& folder) {
+  std::filesystem::create_directories(folder);
+  return std::move(fileSystem_.openFolder(folder, PlatformKit::Mounts::refused).value());
+}
+
 OffloadPlan OffloadFixture::plan(int drives) const {
   OffloadPlan plan;
   plan.source = card_;

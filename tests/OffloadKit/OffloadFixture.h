@@ -40,6 +40,9 @@ class OffloadFixture : public ::testing::Test {
   /// Whether the drive is one that writes a moved file's size only when it is flushed again.
   void setFat(int number, bool isFat);
 
+  /// A folder held open, as a run holds it, made if it is not there.
+  std::unique_ptr<PlatformKit::Folder> held(const Path& folder);
+
   /// Puts a file on the card, modified at a date with a fraction of a second.
   void addFile(const std::string& relativePath, const std::string& content);
   [[nodiscard]] OffloadPlan plan(int drives = 2) const;

@@ -165,7 +165,7 @@ TEST_F(Report, takesTheFirstFreeNameOfItsMinuteAndLeavesNothingPartial) {
   page.files = {file(".Offload Report.zmpart", {Outcome::verified(false)})};
   writeFile(copies(1) / ".Offload Report.zmpart", "footage");
   std::vector<std::string> names;
-  for (int i = 0; i < 3; ++i) names.push_back(OffloadReport::write(system_, page, 0).filename());
+  for (int i = 0; i < 3; ++i) names.push_back(OffloadReport::write(*held(copies(1)), page, 0));
   EXPECT_THAT(names, ::testing::ElementsAre("Offload Report 2026-10-07 1432.html",
                                             "Offload Report 2026-10-07 1432 (2).html",
                                             "Offload Report 2026-10-07 1432 (3).html"));
@@ -173,7 +173,8 @@ TEST_F(Report, takesTheFirstFreeNameOfItsMinuteAndLeavesNothingPartial) {
   const auto before = tree(copies(1));
   for (const Call call : {Call::createFile, Call::write, Call::flush, Call::move}) {
     fileSystem_.setScript(FaultyFileSystem::failing(call, "Offload Report", ENOSPC));
-    EXPECT_THROW(static_cast<void>(OffloadReport::write(system_, page, 0)), std::system_error);
+    EXPECT_THROW(static_cast<void>(OffloadReport::write(*held(copies(1)), page, 0)),
+                 std::system_error);
     EXPECT_EQ(tree(copies(1)), before);
   }
 }

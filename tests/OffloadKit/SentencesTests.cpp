@@ -25,9 +25,6 @@ TEST(describe, givesDriveSentencesForDriveErrorsAndTheSystemsTextForTheRest) {
       {9999, "The drive reported a write error"},
   };
   for (const auto& [error, sentence] : sentences) EXPECT_EQ(describe(error), sentence) << error;
-  EXPECT_TRUE(endsTheDrive(ENOSPC));
-  EXPECT_FALSE(endsTheDrive(EACCES));
-  EXPECT_FALSE(endsTheDrive(EROFS));
 }
 
 TEST(Format, writesSpansOfTimeAndNumbersForPeople) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "PlatformKit/FileSystem.h"
+#include "PlatformKit/Testing/FolderByPath.h"
 
 namespace Torture {
 
@@ -63,6 +64,13 @@ class PassThrough : public PlatformKit::FileSystem {
 
   Result<PlatformKit::ItemStatus> status(const Path& path) override { return below_.status(path); }
   Result<Path> resolve(const Path& path) override { return below_.resolve(path); }
+  Result<std::unique_ptr<PlatformKit::Folder>> openFolder(const Path& path,
+                                                          PlatformKit::Mounts mounts) override {
+    const auto held = below_.openFolder(path, mounts);
+    if (!held.ok()) return PlatformKit::ErrorNumber{held.error()};
+    return std::unique_ptr<PlatformKit::Folder>(
+        std::make_unique<PlatformKit::Testing::FolderByPath>(*this, path));
+  }
   Result<PlatformKit::FolderListing> list(const Path& folder) override {
     return below_.list(folder);
   }

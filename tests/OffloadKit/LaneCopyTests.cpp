@@ -1,4 +1,5 @@
-#include "OffloadKit/Copying/CopyTargets.h"
+#include "OffloadKit/Copying/LaneCopy.h"
+#include "OffloadKit/Transfer/TemporaryNames.h"
 #include "tests/OffloadKit/OffloadFixture.h"
 
 namespace OffloadKit {
@@ -19,7 +20,9 @@ class Resume : public OffloadFixture {
     EXPECT_EQ(linux_.setDates(path, file.modified + difference, std::nullopt), 0);
     return file;
   }
-  bool isThere(const SourceFile& file) { return alreadyThere(fileSystem_, file, drive(1)); }
+  bool isThere(const SourceFile& file) {
+    return OffloadKit::isThere(*held(drive(1)), file.relativePath, file);
+  }
 };
 
 TEST_F(Resume, knowsACopyByItsSizeAndItsDateWithinTwoSeconds) {
@@ -61,27 +64,6 @@ TEST(TemporaryNames, areHiddenNeighboursThatFitAndThatNoFileOfTheCardHas) {
   EXPECT_EQ(named({".img.ZMPART", ".IMG~1.zmpart"}, "IMG"), ".IMG~2.zmpart");
   EXPECT_EQ(named({"other/.IMG.zmpart"}, "IMG"), ".IMG.zmpart");
   EXPECT_EQ(named({".IMG.zmpart/inside"}, "IMG"), ".IMG~1.zmpart");
-}
-
-class Targets : public OffloadFixture {
- protected:
-  TargetChoice choose(int number, const SourceFile& file) {
-    KnownFolder folder;
-    return chooseTarget(fileSystem_, file, card_ / file.relativePath, drive(number),
-                        TemporaryNames({file.relativePath}).forFile(file.relativePath), folder);
-  }
-};
-
-TEST_F(Targets, leaveATakenNameAloneEvenADanglingLink) {
-  const SourceFile file{"IMG", 5, {}, {}};
-  writeFile(drive(1) / "IMG", "other");
-  std::filesystem::create_symlink("nowhere", drive(2) / "IMG");
-  for (const int number : {1, 2}) {
-    EXPECT_EQ(choose(number, file).refusal,
-              "A different file with this name is already in the destination folder");
-  }
-  EXPECT_EQ(readFile(drive(1) / "IMG"), "other");
-  EXPECT_TRUE(std::filesystem::is_symlink(drive(2) / "IMG"));
 }
 
 }  // namespace

@@ -1,0 +1,129 @@
+#include "OffloadKit/Copying/LaneNames.h"
+
+#include "OffloadKit/Copying/Lane.h"
+#include "OffloadKit/Transfer/DurableNames.h"
+#include "OffloadKit/Transfer/PendingCopy.h"
+#include "PlatformKit/Paths.h"
+
+#include <cerrno>
+
+namespace OffloadKit {
+namespace {
+
+using PlatformKit::Path;
+using Outcome = OffloadedFile::Outcome;
+
+// The folders above a destination, up to its volume's root.
+std::vector<Path> foldersAbove(PlatformKit::System system, const Path& destination) {
+  const auto resolved = system.fileSystem.resolve(destination);
+  // Ignored on purpose: a destination that is not there is told by `isPresent`.
+  if (!resolved.ok()) return {};
+  std::vector<Path> above;
+  const auto volume = system.volumes.facts(resolved.value()).identifier;
+  for (Path folder = resolved.value(); folder.has_relative_path();) {
+    folder = folder.parent_path();
+    if (system.volumes.facts(folder).identifier != volume) break;
+    above.push_back(folder);
+  }
+  return above;
+}
+
+}  // namespace
+
+LaneNames::~LaneNames() {
+  if (verified_ > flushed_) flush();
+}
+
+void LaneNames::verified(const Path& final, bool resumed) {
+  ++verified_;
+  if (resumed) holdsResumed_ = true;
+  const std::string& name = final.native();
+  const std::size_t slash = name.rfind('/');
+  const std::string_view parent =
+      std::string_view(name).substr(0, slash == std::string::npos ? 0 : slash);
+  // Files of one folder come one after the other.
+  if (!unflushed_.empty() && parent == lastFolder_) return;
+  lastFolder_ = parent;
+  // The name of a folder is in the one above it.
+  for (Path folder = parent; unflushed_.insert(folder).second; folder = folder.parent_path()) {
+    if (folder.empty() || reachable_.contains(folder)) return;
+  }
+}
+
+void LaneNames::flushNow() {
+  if (durable_ == verified_) return;
+  // A file was flushed since: the flush before was no empty yes. Some file systems have no flush for
+  // folders that could fail.
+  if (failures_.empty() && lane_.isPresent()) durable_ = flushed_;
+  flush();
+}
+
+void LaneNames::volumeFlushed(int error, bool provenSince) {
+  if (durable_ == verified_) return;
+  if (error != 0) failed({}, error);
+  if (!provenSince || !failures_.empty() || !lane_.isPresent()) return;
+  flushed();
+  durable_ = flushed_;
+}
+
+void LaneNames::flushAll(std::vector<OffloadedFile>& files, std::size_t index,
+                         const Path& probeFile) {
+  flush();
+  if (durable_ < verified_) probe(probeFile);
+  lane_.checkPlace();
+  if (!lane_.isPresent()) failed({}, ENODEV);
+  takeBack(files, index);
+}
+
+void LaneNames::takeBack(std::vector<OffloadedFile>& files, std::size_t index) const {
+  for (const Failure& failure : failures_) {
+    std::size_t verified = 0;
+    for (OffloadedFile& file : files) {
+      Outcome& outcome = file.outcomes[index];
+      if (!outcome.isVerified() || verified++ < durable_) continue;
+      if (PlatformKit::isInside(file.file.relativePath, failure.folder)) {
+        outcome = Outcome::failed(failure.reason.english());
+      }
+    }
+  }
+}
+
+void LaneNames::flush() {
+  if (holdsResumed_) failed({}, lane_.folder().flushVolume({}));
+  for (const Path& folder : unflushed_) failed(folder, lane_.folder().flushFolder(folder));
+  if (!unflushed_.empty() && !reachable_.contains(Path())) flushAbove();
+  flushed();
+}
+
+void LaneNames::flushAbove() {
+  for (const Path& folder : foldersAbove(system_, lane_.path())) {
+    failed({}, system_.fileSystem.flushFolder(folder));
+  }
+}
+
+// ext4 whose journal failed in the background says yes to the flush of a folder, because there is
+// nothing to flush any more. It makes no file, for good; so where one can be made behind the flush,
+// that was true.
+void LaneNames::probe(const Path& file) {
+  const int error = PendingCopy::create(lane_.folder(), file, file).error();
+  // Others mean that there is no room or no right to make one.
+  const bool isDead = endsTheDrive(error) && error != ENOSPC;
+  if (isDead || error == EROFS) failed({}, error);
+}
+
+void LaneNames::failed(const Path& folder, int error) {
+  if (!isLoss(error)) return;
+  Reason reason = lane_.contentError(error);
+  if (const Reason* givenUp = lane_.givenUp()) reason = *givenUp;
+  failures_.push_back({folder, std::move(reason)});
+}
+
+void LaneNames::flushed() {
+  flushed_ = verified_;
+  reachable_.merge(unflushed_);
+  unflushed_.clear();
+  lastFolder_.clear();
+  holdsResumed_ = false;
+}
+
+}  // namespace OffloadKit
