@@ -22,6 +22,7 @@
 namespace CommandLine {
 namespace {
 
+using OffloadKit::Reason;
 using TextKit::filled;
 using TextKit::translate;
 
@@ -60,32 +61,31 @@ bool shallEject(const OffloadArguments& arguments, const OffloadKit::OffloadPlan
   return false;
 }
 
-// Answers none when it was done, else a sentence in English.
-std::optional<std::string> ejectCard(const OffloadKit::OffloadResult& result,
-                                     const Services& services) {
+// Answers none when it was done, else why not.
+std::optional<Reason> ejectCard(const OffloadKit::OffloadResult& result, const Services& services) {
   if (!result.isComplete()) {
-    return "The card was not ejected because not everything is verified.";
+    return Reason(Reason::Kind::notAllVerified);
   }
   if (outputError() != 0) {
-    return "The card was not ejected because the result could not be written.";
+    return Reason(Reason::Kind::resultNotWritten);
   }
   const OffloadKit::OffloadPlan& plan = result.plan;
   // Once it is taken out, its folder may lie on another disk.
   if (!DeviceKit::isVolumeRoot(services.system, plan.source)) {
-    return filled("%1 is not mounted any more, so it was not ejected.", {plan.sourceName});
+    return Reason(Reason::Kind::notMounted, {plan.sourceName});
   }
   return services.cardEjector.eject(plan.source, plan.sourceName);
 }
 
 void tellEjection(const OffloadArguments& arguments, const std::string& name,
-                  const std::optional<std::string>& problem) {
+                  const std::optional<Reason>& problem) {
   if (arguments.json) {
     printJsonLine({{"type", "eject"},
                    {"ejected", !problem},
-                   {"reason", problem ? nlohmann::json(*problem) : nlohmann::json()}});
+                   {"reason", problem ? nlohmann::json(problem->english()) : nlohmann::json()}});
   }
   if (problem) {
-    tellError(OffloadKit::shownReason(*problem));
+    tellError(OffloadKit::shown(*problem));
   } else if (!arguments.quiet) {
     const std::string sentence =
         filled(translate("Terminal", "Ejected %1."), {TextKit::singleLineText(name)});
@@ -127,7 +127,7 @@ int runOffload(const OffloadArguments& arguments, const Services& services) {
     return wrongArguments;
   } catch (const OffloadKit::OffloadError& error) {
     display->finish();
-    tellError(error.shownDescription());
+    tellError(OffloadKit::shown(error.reason()));
     if (error.isCancelled()) return stoppedByInterrupt + interruptedBy;
   } catch (const std::exception& error) {
     display->finish();

@@ -72,13 +72,12 @@ std::string failedFile(const OffloadResult& result, const OffloadKit::OffloadedF
   std::string text = "  " + singleLineText(file.file.relativePath) + "\n";
   if (std::all_of(outcomes.begin(), outcomes.end(),
                   [&](const auto& outcome) { return outcome == outcomes.front(); })) {
-    return text + "    " + singleLineText(OffloadKit::shownReason(outcomes.front().reason())) +
-           "\n";
+    return text + "    " + singleLineText(OffloadKit::shown(*outcomes.front().reason())) + "\n";
   }
   for (std::size_t i = 0; i < outcomes.size(); ++i) {
     if (outcomes[i].isVerified()) continue;
     text += fmt::format("    {}: {}\n", singleLineText(result.plan.destinations[i].native()),
-                        singleLineText(OffloadKit::shownReason(outcomes[i].reason())));
+                        singleLineText(OffloadKit::shown(*outcomes[i].reason())));
   }
   return text;
 }

@@ -1,7 +1,6 @@
 #include "OffloadKit/Card/SourceScan.h"
 
 #include "OffloadKit/Records/OffloadError.h"
-#include "PlatformKit/Posix/SystemText.h"
 #include "TextKit/Collation.h"
 
 #include <algorithm>
@@ -37,7 +36,7 @@ class Walk {
 
   SourceScan run() {
     if (!enter("")) {
-      throw OffloadError::sourceUnreadable("couldn't list its files");
+      throw OffloadError::sourceUnreadable(Reason(Reason::Kind::filesNotListed));
     }
     while (!open_.empty()) {
       Folder& folder = open_.back();
@@ -91,7 +90,7 @@ class Walk {
   }
 
   void unreadable(std::string relativePath, int error) {
-    result_.unreadable.push_back({std::move(relativePath), PlatformKit::systemText(error)});
+    result_.unreadable.push_back({std::move(relativePath), Reason::ofSystem(error)});
   }
 
   PlatformKit::System system_;

@@ -9,7 +9,6 @@
 #include "OffloadKit/Transfer/PendingCopy.h"
 #include "OffloadKit/Transfer/TemporaryNames.h"
 #include "OffloadKit/Transfer/Transfer.h"
-#include "OffloadKit/Wording/ErrorSentences.h"
 #include "PlatformKit/AlignedBuffer.h"
 #include "PlatformKit/WorkerPool.h"
 #include "TextKit/DateText.h"
@@ -22,10 +21,11 @@ namespace {
 
 using PlatformKit::AlignedBuffer;
 using PlatformKit::Path;
+using Kind = Reason::Kind;
 
 /// Why there is no image; becomes the result's failure.
 struct Failure {
-  std::string sentence;
+  Reason reason;
 };
 
 class Imaging {
@@ -44,11 +44,11 @@ class Imaging {
   std::string save(const Path& folder, const Path& temporary, const Path& final) {
     checkFolder();
     if (leadsOut(system_.fileSystem, final, folder.parent_path())) {
-      throw Failure{"A link in the destination folder leads to another place"};
+      throw Failure{Reason(Kind::linkLeadsOut)};
     }
     check(createFolders(system_.fileSystem, folder));
     if (system_.fileSystem.status(final).ok()) {
-      throw Failure{"An image with this name is already there"};
+      throw Failure{Reason(Kind::imageThere)};
     }
     auto created = PendingCopy::create(system_.fileSystem, temporary, final);
     check(created.error());
@@ -69,7 +69,7 @@ class Imaging {
 
  private:
   static void check(int error) {
-    if (error != 0) throw Failure{describe(error)};
+    if (error != 0) throw Failure{Reason::ofDrive(error)};
   }
 
   void checkFolder() {
@@ -86,7 +86,7 @@ class Imaging {
     }
     if (error == 0) return;
     static_cast<void>(system_.fileSystem.removeFile(final));
-    throw Failure{describe(error)};
+    throw Failure{Reason::ofDrive(error)};
   }
 
   // While one chunk is written and hashed, the next one is read: card and drive work at once. What
@@ -120,7 +120,7 @@ class Imaging {
     try {
       return source_.read(offset, buffer);
     } catch (const DeviceKit::DeviceError&) {
-      throw Failure{"The card stopped responding"};
+      throw Failure{Reason(Kind::cardStopped)};
     }
   }
 
@@ -129,9 +129,9 @@ class Imaging {
     workers_.parallelFor(2, [&](std::size_t job) { digest.work(pieces[job].bytes()); });
     progress_(static_cast<double>(done_));
     const auto readBack = digest.result();
-    if (!readBack.ok()) throw Failure{"The image couldn't be read back"};
+    if (!readBack.ok()) throw Failure{Reason(Kind::imageUnreadable)};
     if (readBack.value() != hash) {
-      throw Failure{"The image didn't match what was read from the card"};
+      throw Failure{Reason(Kind::imageDiffers)};
     }
   }
 
@@ -170,7 +170,7 @@ CardImageResult write(PlatformKit::System system, DeviceKit::ByteSource& source,
     result.outcome = CardImageResult::Outcome::verified();
   } catch (const Failure& failure) {
     result.size = source.size();
-    result.outcome = CardImageResult::Outcome::failed(failure.sentence);
+    result.outcome = CardImageResult::Outcome::failed(failure.reason);
   }
   result.unreadableBlocks = source.badReads();
   return result;

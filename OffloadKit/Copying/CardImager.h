@@ -20,9 +20,9 @@ std::string fileName(const std::string& card, PlatformKit::Date date);
 struct Questions {
   /// Whether to stop; asked before each chunk.
   std::function<bool()> isCancelled;
-  /// Why nothing may be written to the folder any more, in a sentence; asked before anything is
+  /// Why nothing may be written to the folder any more; asked before anything is
   /// written there and before the image gets its name. May be empty: nothing stands against it.
-  std::function<std::optional<std::string>()> whyNot = {};
+  std::function<std::optional<Reason>()> whyNot = {};
 };
 
 /// Writes the image of `source` to the folder "Card Image" in `folder` under `name`, reads it back

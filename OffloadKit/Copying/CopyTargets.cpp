@@ -1,7 +1,6 @@
 #include "OffloadKit/Copying/CopyTargets.h"
 
 #include "OffloadKit/Transfer/Links.h"
-#include "OffloadKit/Wording/ErrorSentences.h"
 #include "PlatformKit/Paths.h"
 
 #include <algorithm>
@@ -32,15 +31,15 @@ TargetChoice chooseTarget(FileSystem& fileSystem, const SourceFile& file, const 
   const Path parent = final.parent_path();
   if (folder.path != parent) folder = {parent, leadsOut(fileSystem, final, destination), false};
   if (folder.leadsOut) {
-    return {SkipTarget{}, "A link in the destination folder leads to another place"};
+    return {SkipTarget{}, Reason(Reason::Kind::linkLeadsOut)};
   }
   if (const auto there = fileSystem.status(final); there.ok()) {
     if (!isCopyOf(file, there.value())) {
-      return {SkipTarget{}, "A different file with this name is already in the destination folder"};
+      return {SkipTarget{}, Reason(Reason::Kind::otherFileThere)};
     }
     const auto original = fileSystem.status(source);
     if (original.ok() && original.value().identity == there.value().identity) {
-      return {SkipTarget{}, "This is the card's own file, not a copy of it"};
+      return {SkipTarget{}, Reason(Reason::Kind::isTheCardsOwn)};
     }
     return {ResumeTarget{std::move(final)}, {}};
   }

@@ -4,6 +4,7 @@
 #include "OffloadKit/Transfer/PendingCopy.h"
 #include "OffloadKit/Transfer/TemporaryNames.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -42,8 +43,8 @@ struct KnownFolder {
 /// What is to be done for one file on one destination, and why not more.
 struct TargetChoice {
   CopyTarget target;
-  std::string refusal;  ///< a sentence: why nothing is to be done
-  int error = 0;        ///< the system's error number that left nothing to be done
+  std::optional<Reason> refusal;  ///< why nothing is to be done
+  int error = 0;                  ///< the system's error number that left nothing to be done
 };
 
 /// Decides what to do for one file on one destination: nothing where a link leads out of it, resume

@@ -1,7 +1,6 @@
 #include "OffloadKit/Copying/DestinationHealth.h"
 
 #include "DeviceKit/Places.h"
-#include "OffloadKit/Wording/ErrorSentences.h"
 #include "PlatformKit/Paths.h"
 
 #include <cerrno>
@@ -9,6 +8,10 @@
 namespace OffloadKit {
 
 using PlatformKit::Path;
+
+bool endsTheDrive(int error) {
+  return error == EIO || error == ENXIO || error == ENODEV || error == ENOSPC;
+}
 
 DestinationHealth::DestinationHealth(PlatformKit::System system, const OffloadPlan& plan)
     : system_(system) {
@@ -53,33 +56,33 @@ bool DestinationHealth::isPresent(std::size_t destination) const {
 }
 
 void DestinationHealth::checkPlace(std::size_t destination) {
-  if (!isInPlace(destination)) giveUp(destination, {describe(ENODEV), true});
+  if (!isInPlace(destination)) giveUp(destination, {Reason(Reason::Kind::disconnected), true});
 }
 
-std::string DestinationHealth::contentError(std::size_t destination, int error) {
-  std::string sentence = otherError(destination, error);
-  if (endsTheDrive(error)) giveUp(destination, {sentence, error == ENODEV || error == ENXIO});
-  return sentence;
+Reason DestinationHealth::contentError(std::size_t destination, int error) {
+  Reason reason = otherError(destination, error);
+  if (endsTheDrive(error)) giveUp(destination, {reason, error == ENODEV || error == ENXIO});
+  return reason;
 }
 
-std::string DestinationHealth::otherError(std::size_t destination, int error) {
-  if (!isPulled(destination)) return describe(error);
-  return giveUp(destination, {describe(ENODEV), true});
+Reason DestinationHealth::otherError(std::size_t destination, int error) {
+  if (!isPulled(destination)) return Reason::ofDrive(error);
+  return giveUp(destination, {Reason(Reason::Kind::disconnected), true});
 }
 
-const std::string& DestinationHealth::giveUp(std::size_t destination, Reason reason) {
+const Reason& DestinationHealth::giveUp(std::size_t destination, GivenUp givenUp) {
   const std::lock_guard lock(mutex_);
-  const bool isDisconnected = reason.isDisconnected;
-  Reason& first = givenUp_.emplace(destination, std::move(reason)).first->second;
+  const bool isDisconnected = givenUp.isDisconnected;
+  GivenUp& first = givenUp_.emplace(destination, std::move(givenUp)).first->second;
   // One that was full before may go as well.
   if (isDisconnected) first.isDisconnected = true;
-  return first.sentence;
+  return first.reason;
 }
 
-const std::string* DestinationHealth::givenUp(std::size_t destination) const {
+const Reason* DestinationHealth::givenUp(std::size_t destination) const {
   const std::lock_guard lock(mutex_);
   const auto found = givenUp_.find(destination);
-  return found == givenUp_.end() ? nullptr : &found->second.sentence;
+  return found == givenUp_.end() ? nullptr : &found->second.reason;
 }
 
 bool DestinationHealth::isDisconnected(std::size_t destination) const {
@@ -88,9 +91,9 @@ bool DestinationHealth::isDisconnected(std::size_t destination) const {
   return found != givenUp_.end() && found->second.isDisconnected;
 }
 
-std::map<std::size_t, std::string> DestinationHealth::errors() const {
-  std::map<std::size_t, std::string> errors;
-  for (const auto& [destination, reason] : givenUp_) errors[destination] = reason.sentence;
+std::map<std::size_t, Reason> DestinationHealth::errors() const {
+  std::map<std::size_t, Reason> errors;
+  for (const auto& [destination, givenUp] : givenUp_) errors.emplace(destination, givenUp.reason);
   return errors;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OffloadKit/Records/OffloadPlan.h"
+#include "OffloadKit/Records/Reason.h"
 #include "PlatformKit/System.h"
 
 #include <cstddef>
@@ -12,7 +13,11 @@
 
 namespace OffloadKit {
 
-/// Which destinations of a run are still of use, and the sentences for what went wrong on them. Any
+/// Whether an error means that the drive itself is of no more use in this run: EIO, ENXIO, ENODEV
+/// or ENOSPC.
+bool endsTheDrive(int error);
+
+/// Which destinations of a run are still of use, and the reasons for what went wrong on them. Any
 /// thread, but for `settle` and `errors`.
 ///
 /// A pulled drive seldom says so: Linux answers EIO, EROFS, on FAT even ENOENT, while the volume goes
@@ -39,16 +44,16 @@ class DestinationHealth {
   /// Gives the destination up as disconnected unless it is in place.
   void checkPlace(std::size_t destination);
 
-  /// The sentence for an error met while writing or flushing content there. Gives the destination
+  /// The reason for an error met while writing or flushing content there. Gives the destination
   /// up if the error means that the drive is of no more use.
-  std::string contentError(std::size_t destination, int error);
+  Reason contentError(std::size_t destination, int error);
 
-  /// The sentence for any other error met there. Gives the destination up only if its drive is
+  /// The reason for any other error met there. Gives the destination up only if its drive is
   /// gone.
-  std::string otherError(std::size_t destination, int error);
+  Reason otherError(std::size_t destination, int error);
 
-  /// The sentence that made the run give the destination up; null while it is of use.
-  [[nodiscard]] const std::string* givenUp(std::size_t destination) const;
+  /// The reason that made the run give the destination up; null while it is of use.
+  [[nodiscard]] const Reason* givenUp(std::size_t destination) const;
 
   /// Whether it was given up because it is not there any more: nothing may be written to its path.
   [[nodiscard]] bool isDisconnected(std::size_t destination) const;
@@ -58,8 +63,8 @@ class DestinationHealth {
     return drives_[destination].moveKeepsContent;
   }
 
-  /// All destinations given up, with their sentences. Only when no other thread asks or tells.
-  [[nodiscard]] std::map<std::size_t, std::string> errors() const;
+  /// All destinations given up, with their reasons. Only when no other thread asks or tells.
+  [[nodiscard]] std::map<std::size_t, Reason> errors() const;
 
  private:
   struct Drive {
@@ -70,20 +75,20 @@ class DestinationHealth {
     bool moveKeepsContent = false;
     std::optional<PlatformKit::Path> settled;  ///< without links
   };
-  struct Reason {
-    std::string sentence;
+  struct GivenUp {
+    Reason reason;
     bool isDisconnected;
   };
   [[nodiscard]] bool isPulled(std::size_t destination) const;
   [[nodiscard]] bool isOn(const PlatformKit::Path& folder,
                           std::optional<PlatformKit::VolumeIdentifier> volume) const;
-  /// Answers the sentence of the first reason.
-  const std::string& giveUp(std::size_t destination, Reason reason);
+  /// Answers the first reason.
+  const Reason& giveUp(std::size_t destination, GivenUp givenUp);
 
   PlatformKit::System system_;
   std::vector<Drive> drives_;
   mutable std::mutex mutex_;
-  std::map<std::size_t, Reason> givenUp_;  // the mutex's; its sentences stay as they are
+  std::map<std::size_t, GivenUp> givenUp_;  // the mutex's; its reasons stay as they are
 };
 
 }  // namespace OffloadKit

@@ -2,7 +2,6 @@
 
 #include "OffloadKit/Records/OffloadError.h"
 #include "OffloadKit/Transfer/Transfer.h"
-#include "OffloadKit/Wording/ErrorSentences.h"
 
 #include <algorithm>
 
@@ -18,7 +17,7 @@ FileCopy::FileCopy(const SourceFile& file, CopyResources& resources)
       digests_(resources.plan.destinations.size() + 1) {
   copies_.reserve(resources.plan.destinations.size());
   for (std::size_t i = 0; i < resources.plan.destinations.size(); ++i) {
-    copies_.push_back({std::nullopt, Outcome::failed("Not copied")});
+    copies_.push_back({std::nullopt, Outcome::failed(Reason(Reason::Kind::notCopied))});
   }
 }
 
@@ -27,7 +26,7 @@ WritableFile* FileCopy::Copy::writable() {
   return write == nullptr || writeError != 0 ? nullptr : write->copy.file();
 }
 
-void FileCopy::Copy::fail(std::string reason) {
+void FileCopy::Copy::fail(Reason reason) {
   outcome = Outcome::failed(std::move(reason));
   choice.reset();
 }
@@ -66,12 +65,12 @@ void FileCopy::chooseTarget(std::size_t destination, KnownFolder& folder) {
 void FileCopy::settleTargets() {
   for (std::size_t i = 0; i < copies_.size(); ++i) {
     Copy& copy = copies_[i];
-    if (const std::string* sentence = resources_.health.givenUp(i)) {
-      copy.fail(*sentence);
+    if (const Reason* reason = resources_.health.givenUp(i)) {
+      copy.fail(*reason);
     } else if (const int error = copy.choice->error; error != 0) {
       copy.fail(resources_.health.otherError(i, error));
-    } else if (std::string& refusal = copy.choice->refusal; !refusal.empty()) {
-      copy.fail(std::move(refusal));
+    } else if (std::optional<Reason>& refusal = copy.choice->refusal) {
+      copy.fail(*std::move(refusal));
     }
   }
 }
@@ -146,8 +145,7 @@ OffloadedFile FileCopy::decide(std::string hash) {
     const auto second = original->result();
     if (!second.ok() || second.value() != hash) {
       throw OffloadError::sourceUnreadable(
-          file_.relativePath +
-          " read differently the second time. The card or reader may be failing.");
+          Reason(Reason::Kind::readDifferently, {file_.relativePath}));
     }
   }
   OffloadedFile result{file_, std::nullopt, {}};
@@ -167,9 +165,9 @@ void FileCopy::compare(std::size_t destination, const std::string& hash) {
   } else if (!copyHash.ok()) {
     // The sentence is about reading; the number still tells whether the drive was pulled.
     static_cast<void>(resources_.health.otherError(destination, copyHash.error()));
-    copy.fail("The copy couldn't be read back");
+    copy.fail(Reason(Reason::Kind::copyUnreadable));
   } else if (copyHash.value() != hash) {
-    copy.fail("The copy didn't match the original");
+    copy.fail(Reason(Reason::Kind::copyDiffers));
   } else if (const auto* resume = copy.as<ResumeTarget>()) {
     resources_.folders.verified(destination, resume->final, true);
     copy.outcome = Outcome::verified(true);
@@ -207,12 +205,11 @@ void FileCopy::giveFinalName(std::size_t destination, PendingCopy& pending) {
 }
 
 void FileCopy::sourceUnreadable(int error) const {
-  throw OffloadError::sourceUnreadable(file_.relativePath + ": " + systemText(error));
+  throw OffloadError::sourceUnreadable(Reason::about(file_.relativePath, Reason::ofSystem(error)));
 }
 
 void FileCopy::sourceChangedSize() const {
-  throw OffloadError::sourceUnreadable(file_.relativePath +
-                                       " changed size while it was being read");
+  throw OffloadError::sourceUnreadable(Reason(Reason::Kind::changedSize, {file_.relativePath}));
 }
 
 }  // namespace OffloadKit

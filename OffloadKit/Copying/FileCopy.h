@@ -89,7 +89,7 @@ class FileCopy {
     }
     /// The file to write to; null where nothing is to be written any more.
     [[nodiscard]] PlatformKit::WritableFile* writable();
-    void fail(std::string reason);
+    void fail(Reason reason);
   };
 
   void compare(std::size_t destination, const std::string& hash);

@@ -2,7 +2,6 @@
 
 #include "OffloadKit/Transfer/DurableNames.h"
 #include "OffloadKit/Transfer/PendingCopy.h"
-#include "OffloadKit/Wording/ErrorSentences.h"
 #include "PlatformKit/Paths.h"
 
 #include <cerrno>
@@ -92,7 +91,7 @@ void FolderFlush::takeBack(std::size_t destination, std::vector<OffloadedFile>& 
       Outcome& outcome = file.outcomes[destination];
       if (!outcome.isVerified() || verified++ < drive.durable) continue;
       if (PlatformKit::isInside(drive.destination / file.file.relativePath, failure.folder)) {
-        outcome = Outcome::failed(failure.sentence);
+        outcome = Outcome::failed(failure.reason);
       }
     }
   }
@@ -129,9 +128,9 @@ void FolderFlush::probe(std::size_t destination) {
 
 void FolderFlush::failed(std::size_t destination, const Path& folder, int error) {
   if (!isLoss(error)) return;
-  std::string sentence = health_.contentError(destination, error);
-  if (const std::string* givenUp = health_.givenUp(destination)) sentence = *givenUp;
-  drives_[destination].failures.push_back({folder, std::move(sentence)});
+  Reason reason = health_.contentError(destination, error);
+  if (const Reason* givenUp = health_.givenUp(destination)) reason = *givenUp;
+  drives_[destination].failures.push_back({folder, std::move(reason)});
 }
 
 void FolderFlush::flushed(Drive& drive) {

@@ -49,7 +49,7 @@ class FolderFlush {
   /// Below this folder names may be lost.
   struct Failure {
     PlatformKit::Path folder;
-    std::string sentence;
+    Reason reason;
   };
   struct Drive {
     PlatformKit::Path destination;

@@ -9,7 +9,6 @@
 #include "OffloadKit/Transfer/Links.h"
 #include "OffloadKit/Transfer/TemporaryNames.h"
 #include "OffloadKit/Transfer/WholeFile.h"
-#include "OffloadKit/Wording/ErrorSentences.h"
 #include "PlatformKit/Paths.h"
 #include "TextKit/Collation.h"
 #include "TextKit/DateText.h"

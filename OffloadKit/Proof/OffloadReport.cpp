@@ -102,7 +102,8 @@ std::string driveLine(const OffloadResult& result, std::size_t index, bool here)
           std::to_string(result.verifiedCount(index)) + " of " +
           std::to_string(result.files.size()) + " files verified";
   const auto error = result.destinationErrors.find(index);
-  if (error != result.destinationErrors.end()) line += " · stopped: " + shown(error->second);
+  if (error != result.destinationErrors.end())
+    line += " · stopped: " + shown(error->second.english());
   return line + "</span></li>";
 }
 
@@ -116,7 +117,7 @@ void appendFileRow(std::string& page, const OffloadedFile& file) {
   page += "</td>";
   for (const auto& outcome : file.outcomes) {
     page += outcome.isVerified() ? "<td class=ok>Verified</td>"
-                                 : "<td class=bad>" + shown(outcome.reason()) + "</td>";
+                                 : "<td class=bad>" + shown(outcome.reason()->english()) + "</td>";
   }
   page += "</tr>\n";
 }
@@ -145,7 +146,7 @@ void appendUnreadable(std::string& page, const OffloadResult& result) {
   for (const UnreadableItem& item : result.unreadable) {
     page += "<li><span class=path>" +
             (item.relativePath.empty() ? "the whole card" : shown(item.relativePath)) +
-            "</span><br><span class=muted>" + shown(item.reason) + "</span></li>\n";
+            "</span><br><span class=muted>" + shown(item.reason.english()) + "</span></li>\n";
   }
   page += "</ul>\n";
 }
@@ -234,7 +235,7 @@ std::string imageSection(const OffloadResult& result) {
             std::string(displayName(result.plan.algorithm)) + " <span class=hash>" +
             image.hash.value_or("");
   } else {
-    text += "<span class=bad>Not saved: " + shown(image.outcome.reason());
+    text += "<span class=bad>Not saved: " + shown(image.outcome.reason()->english());
   }
   text += "</span>";
   if (image.unreadableBlocks >= 1) {

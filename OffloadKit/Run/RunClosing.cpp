@@ -5,7 +5,6 @@
 #include "OffloadKit/Proof/MHL.h"
 #include "OffloadKit/Proof/OffloadReport.h"
 #include "OffloadKit/Records/OffloadError.h"
-#include "OffloadKit/Wording/ErrorSentences.h"
 
 #include <cerrno>
 #include <system_error>
@@ -17,7 +16,7 @@ void RunClosing::openCardDevice() {
   try {
     card_ = std::make_unique<DeviceKit::BlockDeviceSource>(rawDevices_.openReadOnly(path), path);
   } catch (const DeviceKit::DeviceError& error) {
-    throw OffloadError::cardImageUnavailable(error.errorDescription());
+    throw OffloadError::cardImageUnavailable(error.reason());
   }
 }
 
@@ -32,9 +31,9 @@ std::optional<CardImageResult> RunClosing::writeCardImage(
     return std::nullopt;
   }
   const std::size_t destination = plan_.cardImage->destinationIndex;
-  const auto whyNot = [this, destination]() -> std::optional<std::string> {
+  const auto whyNot = [this, destination]() -> std::optional<Reason> {
     health_.checkPlace(destination);
-    const std::string* givenUp = health_.givenUp(destination);
+    const Reason* givenUp = health_.givenUp(destination);
     return givenUp != nullptr ? std::optional(*givenUp) : std::nullopt;
   };
   const std::string name = CardImager::fileName(plan_.sourceName, started);
@@ -49,16 +48,16 @@ void RunClosing::writeRecords(OffloadResult& result) const {
   result.destinationErrors = health_.errors();
   for (std::size_t i = 0; i < plan_.destinations.size(); ++i) {
     if (result.verifiedCount(i) == 0) continue;
-    writeRecord(result, {MissingRecord::Kind::report, i, {}});
-    writeRecord(result, {MissingRecord::Kind::hashList, i, {}});
+    writeRecord(result, MissingRecord::Kind::report, i);
+    writeRecord(result, MissingRecord::Kind::hashList, i);
   }
   result.destinationErrors = health_.errors();
 }
 
 // A record that cannot be written must not spoil a verified offload; the result tells it.
-void RunClosing::writeRecord(OffloadResult& result, MissingRecord missing) const {
-  const bool isReport = missing.kind == MissingRecord::Kind::report;
-  const std::size_t i = missing.destination;
+void RunClosing::writeRecord(OffloadResult& result, MissingRecord::Kind kind, std::size_t i) const {
+  const bool isReport = kind == MissingRecord::Kind::report;
+  std::optional<Reason> reason;
   health_.checkPlace(i);
   try {
     // Where a drive was mounted that is gone, a folder of the computer's own disk comes to light.
@@ -71,13 +70,13 @@ void RunClosing::writeRecord(OffloadResult& result, MissingRecord missing) const
         return;
       }
     }
-    missing.reason = describe(ENODEV);
+    reason = Reason(Reason::Kind::disconnected);
   } catch (const std::system_error& error) {
-    missing.reason = health_.otherError(i, error.code().value());
+    reason = health_.otherError(i, error.code().value());
   } catch (const std::exception& error) {
-    missing.reason = error.what();
+    reason = Reason::fromOutside(error.what());
   }
-  result.missingRecords.push_back(std::move(missing));
+  result.missingRecords.push_back({kind, i, *std::move(reason)});
 }
 
 PlatformKit::Path RunClosing::writeHashList(const OffloadResult& result,

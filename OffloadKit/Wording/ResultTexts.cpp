@@ -17,8 +17,8 @@ using TextKit::shownByteCount;
 using TextKit::singleLineText;
 using TextKit::translate;
 
-std::string shownLine(const std::string& reason) {
-  return singleLineText(shownReason(reason));
+std::string shownLine(const Reason& reason) {
+  return singleLineText(shown(reason));
 }
 
 std::string verifiedEverywhere(const OffloadResult& result) {
@@ -115,14 +115,14 @@ std::string drive(const OffloadResult& result, std::size_t destination) {
 
 std::string cardImage(const CardImageResult& image) {
   if (image.outcome.isVerified()) return imageVerified(image);
-  return filled(translate("Result", "Not saved: %1"), {shownLine(image.outcome.reason())});
+  return filled(translate("Result", "Not saved: %1"), {shownLine(*image.outcome.reason())});
 }
 
 std::string failedFile(const OffloadedFile& file) {
   const auto failed = std::find_if(file.outcomes.begin(), file.outcomes.end(),
                                    [](const auto& outcome) { return !outcome.isVerified(); });
   return singleLineText(file.file.relativePath) + ": " +
-         (failed == file.outcomes.end() ? "" : shownLine(failed->reason()));
+         (failed == file.outcomes.end() ? "" : shownLine(*failed->reason()));
 }
 
 std::string unreadableItem(const UnreadableItem& item) {

@@ -1,6 +1,5 @@
 #include "ZephrimarkOffload/Screens/DonePresenter.h"
 
-#include "OffloadKit/Wording/ErrorSentences.h"
 #include "OffloadKit/Wording/ResultTexts.h"
 #include "PlatformKit/Paths.h"
 #include "ZephrimarkOffload/Screens/Text.h"

@@ -1,6 +1,7 @@
 #include "DeviceKit/CardEjector.h"
 #include "PlatformKit/Testing/FakeDisks.h"
 #include "PlatformKit/Testing/FakeEjector.h"
+#include "tests/Because.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -41,9 +42,10 @@ TEST_F(CardEjectorOfFakes, EjectsTheDiskUnderTheVolumeButNoneOfTheComputer) {
   EXPECT_THAT(ejector_.asked, ElementsAre("sdb", "loop0"));
   ejector_.asked.clear();
   EXPECT_EQ(cards_.eject("/", "A010"),
-            "A010 is not on a memory card or an external drive. It was not ejected.");
-  EXPECT_THAT(cards_.eject("/media/Server", "Server"),
-              Optional(HasSubstr("no single disk under Server")));
+            because("A010 is not on a memory card or an external drive. It was not ejected."));
+  EXPECT_EQ(cards_.eject("/media/Server", "Server"),
+            because("There is no single disk under Server that could be ejected. If it is mounted, "
+                    "unmount it before you take it out."));
   EXPECT_THAT(ejector_.asked, IsEmpty());
 }
 
@@ -64,9 +66,9 @@ TEST_F(CardEjectorOfFakes, SaysWhyNotAndWhatToDo) {
         {Answer::failed,
          "A010 reported an error while it was unmounted. Try again before you take it out."}}) {
     ejector_.answer = answer;
-    EXPECT_EQ(cards_.eject("/media/A010", "A010"), sentence);
+    EXPECT_EQ(cards_.eject("/media/A010", "A010"), because(sentence));
   }
-  EXPECT_EQ(CardEjector(disks_, nullptr).eject("/media/A010", "A010"), noService);
+  EXPECT_EQ(CardEjector(disks_, nullptr).eject("/media/A010", "A010"), because(noService));
 }
 
 }  // namespace

@@ -77,8 +77,7 @@ TEST_F(Targets, leaveATakenNameAloneEvenADanglingLink) {
   writeFile(drive(1) / "IMG", "other");
   std::filesystem::create_symlink("nowhere", drive(2) / "IMG");
   for (const int number : {1, 2}) {
-    EXPECT_EQ(choose(number, file).refusal,
-              "A different file with this name is already in the destination folder");
+    EXPECT_EQ(choose(number, file).refusal, Reason(Reason::Kind::otherFileThere));
   }
   EXPECT_EQ(readFile(drive(1) / "IMG"), "other");
   EXPECT_TRUE(std::filesystem::is_symlink(drive(2) / "IMG"));

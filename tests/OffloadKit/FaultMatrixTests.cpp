@@ -1,5 +1,5 @@
+#include "OffloadKit/Copying/DestinationHealth.h"
 #include "OffloadKit/Records/OffloadError.h"
-#include "OffloadKit/Wording/ErrorSentences.h"
 #include "PlatformKit/Testing/ManualClock.h"
 #include "tests/OffloadKit/OffloadFixture.h"
 #include "tests/torture/PassThrough.h"
@@ -219,26 +219,30 @@ class FaultMatrix : public OffloadFixture {
     if (!cell.drives.contains(number)) return {};
     switch (cell.row.cost) {
       case Cost::file:
-        return middle ? describe(cell.error) : "";
+        return middle ? Reason::ofDrive(cell.error).english() : "";
       case Cost::content:
       case Cost::named:
-        return middle || (file == 2 && endsTheDrive(cell.error)) ? describe(cell.error) : "";
+        return middle || (file == 2 && endsTheDrive(cell.error))
+                   ? Reason::ofDrive(cell.error).english()
+                   : "";
       case Cost::name:
-        return middle && cell.error != EACCES ? describe(cell.error) : "";
+        return middle && cell.error != EACCES ? Reason::ofDrive(cell.error).english() : "";
       case Cost::allNames:
-        return cell.error != EACCES ? describe(cell.error) : "";
+        return cell.error != EACCES ? Reason::ofDrive(cell.error).english() : "";
       case Cost::proof:
         // The name of the first of long files is proven by the third.
-        return isDead(cell.error) && (file > 0 || cell.size == Size::grouped) ? describe(cell.error)
-                                                                              : "";
+        return isDead(cell.error) && (file > 0 || cell.size == Size::grouped)
+                   ? Reason::ofDrive(cell.error).english()
+                   : "";
       case Cost::neighbours:
-        return middle ? "" : describe(cell.error);
+        return middle ? "" : Reason::ofDrive(cell.error).english();
       case Cost::readBack:
         return middle ? "The copy couldn't be read back" : "";
       case Cost::taken:
-        return middle ? describe(EEXIST) : "";
+        return middle ? Reason::ofDrive(EEXIST).english() : "";
       case Cost::cardFile:
-        return middle ? "The card couldn't be read: b/b: " + systemText(cell.error) : "";
+        return middle ? "The card couldn't be read: b/b: " + Reason::ofSystem(cell.error).english()
+                      : "";
       default:
         return {};
     }
@@ -247,10 +251,10 @@ class FaultMatrix : public OffloadFixture {
   [[nodiscard]] std::string refusalOf(const Cell& cell) const {
     if (cell.row.cost != Cost::start) return {};
     if (cell.onTheCard) {
-      return OffloadError::sourceUnreadable("couldn't list its files").errorDescription();
+      return OffloadError::sourceUnreadable(Reason(Reason::Kind::filesNotListed)).what();
     }
     const std::string name = "T" + std::to_string(*cell.drives.begin()) + " (A001)";
-    return OffloadError::destinationUnavailable(name).errorDescription();
+    return OffloadError::destinationUnavailable(name).what();
   }
 
   // Everything that is not as it should be after a run in which the cell's call fails.
@@ -270,7 +274,7 @@ class FaultMatrix : public OffloadFixture {
       result = OffloadEngine({engineSees, volumes_, now_}, rawDeviceAccess_)
                    .run(planOf(cell.size), [](const OffloadProgress&) {});
     } catch (const OffloadError& error) {
-      refusal = error.errorDescription();
+      refusal = error.what();
     }
     // Nothing is written behind in a file of one chunk.
     const bool never = cell.size == Size::grouped && (cell.row.call == Call::startWriteback ||
@@ -293,7 +297,8 @@ class FaultMatrix : public OffloadFixture {
   template <class Expect>
   void compareRun(const Cell& cell, const OffloadResult& result, const Expect& expect) {
     std::vector<UnreadableItem> unread;
-    if (cell.row.cost == Cost::unread) unread.push_back({cell.row.place, systemText(cell.error)});
+    if (cell.row.cost == Cost::unread)
+      unread.push_back({cell.row.place, Reason::ofSystem(cell.error)});
     expect(result.unreadable == unread, "what could not be read is told wrongly");
     // A folder that may not be opened cannot be flushed, which is no fault.
     const bool harmless = cell.row.call == Call::flushFolder && cell.error == EACCES;
@@ -302,7 +307,7 @@ class FaultMatrix : public OffloadFixture {
       for (std::size_t i = 0; i < 3; ++i) {
         const auto error = result.destinationErrors.find(i);
         const bool gone =
-            error != result.destinationErrors.end() && error->second == describe(ENODEV);
+            error != result.destinationErrors.end() && error->second == Reason::ofDrive(ENODEV);
         if (gone || result.verifiedCount(i) == 0) ++count;
       }
       return count;
@@ -327,7 +332,8 @@ class FaultMatrix : public OffloadFixture {
     const auto told = result.destinationErrors.find(drive);
     expect((told != result.destinationErrors.end()) == givenUp, "given up wrongly" + at);
     if (givenUp && told != result.destinationErrors.end()) {
-      expect(told->second == describe(cell.error), "given up with: " + told->second + at);
+      expect(told->second == Reason::ofDrive(cell.error),
+             "given up with: " + told->second.english() + at);
     }
     for (std::size_t file = 0; file < 3; ++file) {
       const std::string name = kNames[file];
@@ -338,8 +344,9 @@ class FaultMatrix : public OffloadFixture {
       if (found == result.files.end()) continue;
       const std::string failure = failureOf(cell, file, number);
       const Outcome& outcome = found->outcomes[drive];
-      expect(outcome.isVerified() == failure.empty() && outcome.reason() == failure,
-             name + at + ": " + outcome.reason());
+      const std::string reason = outcome.isVerified() ? "" : outcome.reason()->english();
+      expect(outcome.isVerified() == failure.empty() && reason == failure,
+             name + at + ": " + reason);
       expectCopy(cell, name, number, failure.empty(), expect);
     }
   }
@@ -392,7 +399,8 @@ class FaultMatrix : public OffloadFixture {
 
   static std::string textOf(const Cell& cell) {
     return kFunctions.at(cell.row.call == Call::entryStatus ? Call::list : cell.row.call) +
-           (cell.onTheCard ? " card/" : " drive/") + cell.row.place + " " + systemText(cell.error) +
+           (cell.onTheCard ? " card/" : " drive/") + cell.row.place + " " +
+           Reason::ofSystem(cell.error).english() +
            (cell.size == Size::streamed ? " streamed" : " grouped");
   }
 
@@ -509,7 +517,7 @@ TEST_F(FaultMatrix, aNameThatAppearsBeforeTheMoveIsNotReplaced) {
     if (info.call == Call::move && info.path == copies(2) / "c") writeFile(info.path, "somebody's");
     return Intervention{};
   });
-  EXPECT_EQ(run(plan(3)).files[2].outcomes[1], Outcome::failed("File exists"));
+  EXPECT_EQ(run(plan(3)).files[2].outcomes[1], Outcome::failed(because("File exists")));
   EXPECT_EQ(readFile(copies(2) / "c"), "somebody's");
 }
 
