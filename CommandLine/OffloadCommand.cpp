@@ -23,6 +23,7 @@ namespace CommandLine {
 namespace {
 
 using OffloadKit::Reason;
+using OffloadKit::Verdict;
 using TextKit::filled;
 using TextKit::translate;
 
@@ -37,13 +38,14 @@ std::unique_ptr<ProgressDisplay> displayFor(const OffloadArguments& arguments,
   return makeLogDisplay(plan, clock);
 }
 
-void tellResult(const OffloadArguments& arguments, const OffloadKit::OffloadResult& result) {
-  if (arguments.json) printJsonLine(resultJson(result));
-  if (arguments.quiet && result.isComplete()) return;
+void tellResult(const OffloadArguments& arguments, const OffloadKit::OffloadResult& result,
+                const Verdict& verdict) {
+  if (arguments.json) printJsonLine(resultJson(result, verdict));
+  if (arguments.quiet && verdict.isGood()) return;
   if (arguments.json) {
-    printError(verdict(result, true));
+    printError(verdictText(result, verdict, true));
   } else {
-    print(verdict(result, false));
+    print(verdictText(result, verdict, false));
   }
 }
 
@@ -62,8 +64,9 @@ bool shallEject(const OffloadArguments& arguments, const OffloadKit::OffloadPlan
 }
 
 // Answers none when it was done, else why not.
-std::optional<Reason> ejectCard(const OffloadKit::OffloadResult& result, const Services& services) {
-  if (!result.isComplete()) {
+std::optional<Reason> ejectCard(const OffloadKit::OffloadResult& result, const Verdict& verdict,
+                                const Services& services) {
+  if (!verdict.mayEject()) {
     return Reason(Reason::Kind::notAllVerified);
   }
   if (outputError() != 0) {
@@ -119,9 +122,10 @@ int runOffload(const OffloadArguments& arguments, const Services& services) {
     const auto result = engine.run(
         plan, [&](const OffloadKit::OffloadProgress& progress) { display->show(progress); });
     display->finish();
-    tellResult(arguments, result);
-    if (eject) tellEjection(arguments, plan.sourceName, ejectCard(result, services));
-    return result.isComplete() ? allVerified : notEverything;
+    const Verdict verdict(result);
+    tellResult(arguments, result, verdict);
+    if (eject) tellEjection(arguments, plan.sourceName, ejectCard(result, verdict, services));
+    return verdict.isGood() ? allVerified : notEverything;
   } catch (const ArgumentError& error) {
     tellError(error.what());
     return wrongArguments;

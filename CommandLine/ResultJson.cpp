@@ -76,9 +76,9 @@ json cardImage(const OffloadKit::OffloadResult& result) {
 
 }  // namespace
 
-json resultJson(const OffloadKit::OffloadResult& result) {
+json resultJson(const OffloadKit::OffloadResult& result, const OffloadKit::Verdict& verdict) {
   return {{"type", "result"},
-          {"allVerified", result.allVerified()},
+          {"allVerified", !verdict.has(OffloadKit::Verdict::Finding::notVerified)},
           {"files", result.files.size()},
           {"totalBytes", result.totalBytes()},
           {"started", TextKit::internetDateText(result.started)},

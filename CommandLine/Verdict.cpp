@@ -15,13 +15,13 @@ namespace CommandLine {
 namespace {
 
 using OffloadKit::OffloadResult;
+using OffloadKit::Verdict;
 using TextKit::filled;
 using TextKit::singleLineText;
 using TextKit::translate;
 namespace ResultTexts = OffloadKit::ResultTexts;
 
-std::string headline(const OffloadResult& result, bool onStandardError) {
-  const bool good = result.allVerified() && result.unreadable.empty();
+std::string headline(const OffloadResult& result, bool good, bool onStandardError) {
   return styled((good ? "✓ " : "✗ ") + ResultTexts::title(result), good ? Style::good : Style::bad,
                 onStandardError) +
          "\n" + ResultTexts::sentence(result) + "\n";
@@ -39,8 +39,8 @@ std::string mark(bool good, bool onStandardError) {
   return styled(good ? "✓" : "✗", good ? Style::good : Style::bad, onStandardError);
 }
 
-std::string driveLine(const OffloadResult& result, std::size_t index, bool onStandardError) {
-  const bool complete = result.verifiedCount(index) == result.files.size();
+std::string driveLine(const OffloadResult& result, std::size_t index, bool complete,
+                      bool onStandardError) {
   const auto resumed =
       std::count_if(result.files.begin(), result.files.end(),
                     [index](const auto& file) { return file.outcomes[index].isResumed(); });
@@ -84,10 +84,10 @@ std::string failedFile(const OffloadResult& result, const OffloadKit::OffloadedF
 
 }  // namespace
 
-std::string verdict(const OffloadResult& result, bool onStandardError) {
-  std::string text = headline(result, onStandardError) + figures(result) + "\n";
+std::string verdictText(const OffloadResult& result, const Verdict& verdict, bool onStandardError) {
+  std::string text = headline(result, verdict.isGood(), onStandardError) + figures(result) + "\n";
   for (std::size_t i = 0; i < result.plan.destinations.size(); ++i) {
-    text += driveLine(result, i, onStandardError);
+    text += driveLine(result, i, verdict.isVerifiedOn(i), onStandardError);
   }
   if (result.cardImage) text += imageLine(*result.cardImage, onStandardError);
   const auto failed = result.failedFiles();

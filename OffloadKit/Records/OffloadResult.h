@@ -94,7 +94,7 @@ struct MissingRecord {
   Reason reason;
 };
 
-/// The outcome of a run that came to its end.
+/// The outcome of a run that came to its end. What it amounts to is in Verdict.
 struct OffloadResult {
   OffloadPlan plan;
   std::vector<OffloadedFile> files;  ///< one per scanned file, in scan order
@@ -112,12 +112,9 @@ struct OffloadResult {
   std::vector<MissingRecord> missingRecords;
   std::optional<CardImageResult> cardImage;
 
-  /// Everything that was asked for is there: all files are verified, all of the card could be read,
-  /// the image, if there is one, is verified and has no holes, and every drive has its records.
-  [[nodiscard]] bool isComplete() const;
   /// Sum of the sizes of all files, whatever became of them, in bytes.
   [[nodiscard]] std::uint64_t totalBytes() const;
-  /// No file failed on any destination; true also without files.
+  /// No file failed on any destination; true also without files. No more than that: see Verdict.
   [[nodiscard]] bool allVerified() const;
   /// The files that failed on at least one destination, in order; valid as long as this result.
   [[nodiscard]] std::vector<const OffloadedFile*> failedFiles() const;

@@ -1,5 +1,6 @@
 #include "OffloadKit/Wording/ResultTexts.h"
 
+#include "OffloadKit/Records/Verdict.h"
 #include "OffloadKit/Wording/Format.h"
 #include "OffloadKit/Wording/ShownReason.h"
 #include "TextKit/ByteCount.h"
@@ -16,6 +17,7 @@ using TextKit::filled;
 using TextKit::shownByteCount;
 using TextKit::singleLineText;
 using TextKit::translate;
+using Finding = Verdict::Finding;
 
 std::string shownLine(const Reason& reason) {
   return singleLineText(shown(reason));
@@ -57,20 +59,31 @@ std::string imageVerified(const CardImageResult& image) {
 }  // namespace
 
 std::string title(const OffloadResult& result) {
-  if (!result.allVerified()) return translate("Result", "Some files weren't verified");
-  if (!result.unreadable.empty()) return translate("Result", "Some of the card couldn't be read");
+  switch (Verdict(result).worst()) {
+    case Finding::notVerified:
+      return translate("Result", "Some files weren't verified");
+    case Finding::cardUnreadable:
+      return translate("Result", "Some of the card couldn't be read");
+    case Finding::imageIncomplete:
+    case Finding::recordMissing:
+      return translate("Notice", "Offload finished with problems");
+    case Finding::throughCache:
+    case Finding::nothing:
+      break;
+  }
   return translate("Result", "Offload verified");
 }
 
 std::string sentence(const OffloadResult& result) {
-  if (!result.allVerified()) {
+  const Finding worst = Verdict(result).worst();
+  if (worst == Finding::notVerified) {
     const std::size_t failed = result.failedFiles().size();
     return filled(
         translate("Result", "%1 files didn't make it onto every drive. Don't erase the card yet.",
                   "%1 file didn't make it onto every drive. Don't erase the card yet.", failed),
         {std::to_string(failed)});
   }
-  if (!result.unreadable.empty()) {
+  if (worst == Finding::cardUnreadable) {
     return translate("Result",
                      "Every file that could be listed is verified, but there may be more. Don't "
                      "erase the card yet.");

@@ -1,6 +1,7 @@
 // The model's part that carries out an offload.
 
 #include "OffloadKit/Records/OffloadError.h"
+#include "OffloadKit/Records/Verdict.h"
 #include "OffloadKit/Wording/ShownReason.h"
 #include "PlatformKit/Paths.h"
 #include "TextKit/Translation.h"
@@ -112,8 +113,7 @@ void OffloadModel::finished(OffloadKit::OffloadResult result, const std::optiona
   const Notice notice = noticeOf(*shown);
   services_.desktop.notify(QString::fromStdString(notice.title),
                            QString::fromStdString(notice.body));
-  // Nobody reads a card again that is in a bag: it stays while anything of it may be missing.
-  if (eject && shown->isComplete() && isSourceOfRun()) this->eject(*eject);
+  if (eject && OffloadKit::Verdict(*shown).mayEject() && isSourceOfRun()) this->eject(*eject);
 }
 
 void OffloadModel::stopped() {

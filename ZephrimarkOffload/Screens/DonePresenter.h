@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OffloadKit/Records/Verdict.h"
 #include "ZephrimarkOffload/Model/OffloadModel.h"
 #include "ZephrimarkOffload/Screens/RowModel.h"
 
@@ -17,7 +18,7 @@ class DonePresenter final : public QObject {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("made by the application")
-  Q_PROPERTY(bool isVerified READ isVerified NOTIFY changed)
+  Q_PROPERTY(bool isGood READ isGood NOTIFY changed)
   Q_PROPERTY(QString title READ title NOTIFY changed)
   Q_PROPERTY(QString sentence READ sentence NOTIFY changed)
   Q_PROPERTY(QString files READ files NOTIFY changed)
@@ -44,7 +45,7 @@ class DonePresenter final : public QObject {
   /// The model outlives it.
   DonePresenter(OffloadModel& model, PathAction reveal, PathAction open);
 
-  [[nodiscard]] bool isVerified() const;
+  [[nodiscard]] bool isGood() const { return verdict_.isGood(); }
   [[nodiscard]] QString title() const;
   [[nodiscard]] QString sentence() const;
   [[nodiscard]] QString files() const;
@@ -85,6 +86,7 @@ class DonePresenter final : public QObject {
   // Kept beyond the stage, since the screen fades out with what it showed.
   std::shared_ptr<const OffloadKit::OffloadResult> result_ =
       std::make_shared<const OffloadKit::OffloadResult>();
+  OffloadKit::Verdict verdict_{*result_};
   RowModel drives_;
   QStringList unreadable_;
   QStringList failedFiles_;

@@ -35,8 +35,8 @@ ColumnLayout {
 
             Icon {
                 anchors.horizontalCenter: parent.horizontalCenter
-                name: screen.presenter.isVerified ? "checkmark.seal.fill" : "exclamationmark.triangle.fill"
-                color: screen.presenter.isVerified ? Brand.green : Brand.orange
+                name: screen.presenter.isGood ? "checkmark.seal.fill" : "exclamationmark.triangle.fill"
+                color: screen.presenter.isGood ? Brand.green : Brand.orange
                 size: 38
             }
 

@@ -236,6 +236,8 @@ TEST(ResultTextsTests, TheDoneScreensSentences) {
   EXPECT_EQ(cardImage(*result.cardImage),
             "1.3 GB verified · 3 unreadable blocks saved as zeros · open it in Zephrimark Kestrine "
             "to look for deleted files");
+  EXPECT_EQ(title(result), "Offload finished with problems");
+  EXPECT_EQ(noticeOf(result).title, title(result));
 
   OffloadResult partly = resultOf(50, 45, 3);
   partly.destinationErrors.emplace(2, because("The drive is full"));

@@ -1,5 +1,5 @@
 #include "OffloadKit/Records/OffloadError.h"
-#include "OffloadKit/Records/OffloadResult.h"
+#include "OffloadKit/Records/Verdict.h"
 #include "tests/Because.h"
 
 #include <gtest/gtest.h>
@@ -35,12 +35,45 @@ TEST(OffloadResult, sumsUpWhatHappenedToItsFiles) {
   EXPECT_EQ(failed[1]->file.size, 7U);
 }
 
-TEST(Outcome, tellsResumedFromWrittenAndReasonsApart) {
-  EXPECT_FALSE(Outcome::verified(true) == Outcome::verified(false));
-  EXPECT_FALSE(Outcome::failed(because("a")) == Outcome::failed(because("b")));
-  EXPECT_FALSE(Outcome::failed(because("")).isVerified());
-  EXPECT_TRUE(Outcome::verified(true).isResumed());
-  EXPECT_FALSE(Outcome::verified(false).isResumed());
+TEST(Verdict, isGoodOnlyWhereNothingThatWasAskedForIsMissing) {
+  using Finding = Verdict::Finding;
+  OffloadResult good;
+  good.plan.destinations = {"/one", "/two"};
+  good.files = {fileOf(1, {Outcome::verified(false), Outcome::verified(true)})};
+  good.readThroughCache = {1};
+  EXPECT_EQ(Verdict(good).worst(), Finding::throughCache);
+  EXPECT_TRUE(Verdict(good).isGood() && Verdict(good).mayEject());
+
+  CardImageResult withHoles;
+  withHoles.outcome = CardImageResult::Outcome::verified();
+  withHoles.unreadableBlocks = 1;
+  // Each is added to the one before.
+  const std::pair<Finding, void (*)(OffloadResult&)> faults[] = {
+      {Finding::recordMissing,
+       [](OffloadResult& result) {
+         result.missingRecords = {{MissingRecord::Kind::report, 0, because("x")}};
+       }},
+      {Finding::imageIncomplete, [](OffloadResult& result) { result.plan.cardImage.emplace(); }},
+      {Finding::cardUnreadable,
+       [](OffloadResult& result) {
+         result.unreadable = {{"a", because("x")}};
+       }},
+      {Finding::notVerified,
+       [](OffloadResult& result) { result.files[0].outcomes[1] = Outcome::failed(because("x")); }},
+  };
+  OffloadResult worse = good;
+  for (const auto& [finding, spoil] : faults) {
+    OffloadResult alone = good;
+    spoil(alone);
+    spoil(worse);
+    for (const Verdict& verdict : {Verdict(alone), Verdict(worse)}) {
+      EXPECT_EQ(verdict.worst(), finding);
+      EXPECT_FALSE(verdict.isGood() || verdict.mayEject());
+    }
+  }
+  EXPECT_TRUE(Verdict(worse).isVerifiedOn(0) && !Verdict(worse).isVerifiedOn(1));
+  good.cardImage = withHoles;
+  EXPECT_EQ(Verdict(good).worst(), Finding::imageIncomplete);
 }
 
 TEST(OffloadError, speaksInFullSentences) {

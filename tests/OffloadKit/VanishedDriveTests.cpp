@@ -1,3 +1,4 @@
+#include "OffloadKit/Records/Verdict.h"
 #include "tests/OffloadKit/OffloadFixture.h"
 
 #include <cerrno>
@@ -234,7 +235,7 @@ TEST_F(UnmountedDrive, getsNoImageAndNoRecordsOnTheDiskBehindIt) {
     ASSERT_TRUE(isUnmounted_ && result);
     // The copies had been flushed by then.
     EXPECT_TRUE(result->allVerified());
-    EXPECT_FALSE(result->isComplete());
+    EXPECT_FALSE(Verdict(*result).isGood());
     EXPECT_THAT(named(), ElementsAre("a", "b", "c"));
     EXPECT_EQ(result->cardImage->outcome,
               imageOn == 0
