@@ -213,36 +213,36 @@ class FaultMatrix : public OffloadFixture {
     return error == EROFS || (endsTheDrive(error) && error != ENOSPC);
   }
 
-  // What is to become of a file on a drive; empty: it is verified.
-  static std::string failureOf(const Cell& cell, std::size_t file, int number) {
+  // Why a file is not to be verified on a drive; none: it is.
+  static std::optional<Reason> failureOf(const Cell& cell, std::size_t file, int number) {
     const bool middle = file == 1;
     if (!cell.drives.contains(number)) return {};
+    const auto when = [](bool fails, Reason reason) {
+      return fails ? std::optional(std::move(reason)) : std::nullopt;
+    };
+    const auto drive = Reason::ofDrive(cell.error);
     switch (cell.row.cost) {
       case Cost::file:
-        return middle ? Reason::ofDrive(cell.error).english() : "";
+        return when(middle, drive);
       case Cost::content:
       case Cost::named:
-        return middle || (file == 2 && endsTheDrive(cell.error))
-                   ? Reason::ofDrive(cell.error).english()
-                   : "";
+        return when(middle || (file == 2 && endsTheDrive(cell.error)), drive);
       case Cost::name:
-        return middle && cell.error != EACCES ? Reason::ofDrive(cell.error).english() : "";
+        return when(middle && cell.error != EACCES, drive);
       case Cost::allNames:
-        return cell.error != EACCES ? Reason::ofDrive(cell.error).english() : "";
+        return when(cell.error != EACCES, drive);
       case Cost::proof:
         // The name of the first of long files is proven by the third.
-        return isDead(cell.error) && (file > 0 || cell.size == Size::grouped)
-                   ? Reason::ofDrive(cell.error).english()
-                   : "";
+        return when(isDead(cell.error) && (file > 0 || cell.size == Size::grouped), drive);
       case Cost::neighbours:
-        return middle ? "" : Reason::ofDrive(cell.error).english();
+        return when(!middle, drive);
       case Cost::readBack:
-        return middle ? "The copy couldn't be read back" : "";
+        return when(middle, Reason(Reason::Kind::copyUnreadable));
       case Cost::taken:
-        return middle ? Reason::ofDrive(EEXIST).english() : "";
+        return when(middle, Reason::ofDrive(EEXIST));
       case Cost::cardFile:
-        return middle ? "The card couldn't be read: b/b: " + Reason::ofSystem(cell.error).english()
-                      : "";
+        return when(middle, because("The card couldn't be read: b/b: " +
+                                    Reason::ofSystem(cell.error).english()));
       default:
         return {};
     }
@@ -342,12 +342,11 @@ class FaultMatrix : public OffloadFixture {
       const bool part = !(cell.row.cost == Cost::unread && file == 1);
       expect((found != result.files.end()) == part, name + " is part of the run or not");
       if (found == result.files.end()) continue;
-      const std::string failure = failureOf(cell, file, number);
-      const Outcome& outcome = found->outcomes[drive];
-      const std::string reason = outcome.isVerified() ? "" : outcome.reason()->english();
-      expect(outcome.isVerified() == failure.empty() && reason == failure,
-             name + at + ": " + reason);
-      expectCopy(cell, name, number, failure.empty(), expect);
+      const auto failure = failureOf(cell, file, number);
+      const Reason* reason = found->outcomes[drive].reason();
+      expect(failure ? reason != nullptr && *reason == *failure : reason == nullptr,
+             name + at + ": " + (reason != nullptr ? reason->english() : "verified"));
+      expectCopy(cell, name, number, !failure, expect);
     }
   }
 
