@@ -53,9 +53,9 @@ std::string driveLine(const OffloadResult& result, std::size_t index, bool compl
                      singleLineText(result.plan.destinations[index].native()), outcome);
 }
 
-std::string imageLine(const OffloadKit::CardImageResult& image, bool onStandardError) {
+std::string imageLine(const OffloadKit::CardImageResult& image, bool whole, bool onStandardError) {
   const bool saved = image.outcome.isVerified();
-  return fmt::format("  {} {}\n    {}\n{}", mark(saved, onStandardError),
+  return fmt::format("  {} {}\n    {}\n{}", mark(whole, onStandardError),
                      translate("Terminal", "Card image"), ResultTexts::cardImage(image),
                      saved ? "    " + singleLineText(image.url.native()) + "\n" : "");
 }
@@ -89,7 +89,10 @@ std::string verdictText(const OffloadResult& result, const Verdict& verdict, boo
   for (std::size_t i = 0; i < result.plan.destinations.size(); ++i) {
     text += driveLine(result, i, verdict.isVerifiedOn(i), onStandardError);
   }
-  if (result.cardImage) text += imageLine(*result.cardImage, onStandardError);
+  if (result.cardImage) {
+    const bool whole = !verdict.has(Verdict::Finding::imageIncomplete);
+    text += imageLine(*result.cardImage, whole, onStandardError);
+  }
   const auto failed = result.failedFiles();
   if (!failed.empty()) {
     text +=

@@ -27,6 +27,7 @@ class DonePresenter final : public QObject {
   // Roles: name, detail, place, isVerified.
   Q_PROPERTY(ZephrimarkOffload::RowModel* drives READ drives CONSTANT)
   Q_PROPERTY(QString cardImage READ cardImage NOTIFY changed)
+  Q_PROPERTY(bool isCardImageWhole READ isCardImageWhole NOTIFY changed)
   Q_PROPERTY(bool isCardImageVerified READ isCardImageVerified NOTIFY changed)
   Q_PROPERTY(QStringList unreadable READ unreadable NOTIFY changed)
   Q_PROPERTY(QStringList failedFiles READ failedFiles NOTIFY changed)
@@ -54,6 +55,11 @@ class DonePresenter final : public QObject {
   [[nodiscard]] RowModel* drives() { return &drives_; }
   /// Empty when no card image was asked for.
   [[nodiscard]] QString cardImage() const;
+  /// Whether it is verified and has no holes.
+  [[nodiscard]] bool isCardImageWhole() const {
+    return !verdict_.has(OffloadKit::Verdict::Finding::imageIncomplete);
+  }
+  /// Whether it is there to be shown.
   [[nodiscard]] bool isCardImageVerified() const;
   /// The first of what could not be read from the card, and of the files that failed somewhere.
   [[nodiscard]] QStringList unreadable() const { return unreadable_; }

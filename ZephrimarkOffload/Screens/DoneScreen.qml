@@ -108,8 +108,8 @@ ColumnLayout {
                     name: qsTr("Card image")
                     detail: screen.presenter.cardImage
                     place: ""
-                    isVerified: screen.presenter.isCardImageVerified
-                    buttonText: isVerified ? screen.showInFileBrowser : ""
+                    isVerified: screen.presenter.isCardImageWhole
+                    buttonText: screen.presenter.isCardImageVerified ? screen.showInFileBrowser : ""
                     onRevealed: screen.presenter.revealCardImage()
                 }
             }
