@@ -4,9 +4,8 @@ namespace CommandLine {
 
 /// What the program's exit status says.
 enum ExitStatus : int {
-  allVerified = 0,  ///< every file is verified on every drive
-  /// Finished, but not everything is verified, not all of the card was read, a record is missing, or
-  /// the result could not be written to standard output.
+  allVerified = 0,  ///< the verdict is good
+  /// Finished, but the verdict is not good, or the result could not be written to standard output.
   notEverything = 1,
   wrongArguments = 2,       ///< nothing was done
   stoppedByError = 3,       ///< could not start, or was stopped by an error

@@ -3,7 +3,6 @@
 #include "DeviceKit/Places.h"
 #include "OffloadKit/Card/CameraName.h"
 #include "OffloadKit/Records/FolderPreset.h"
-#include "OffloadKit/Wording/ErrorSentences.h"
 #include "OffloadKit/Wording/ShownReason.h"
 #include "PlatformKit/Paths.h"
 #include "TextKit/Translation.h"
@@ -44,7 +43,7 @@ Path sourcePath(PlatformKit::FileSystem& fileSystem, const std::string& typed) {
   if (!resolved.ok()) {
     throw SourceError(filled(translate("Terminal", "There is no card or folder at \"%1\": %2."),
                              {singleLineText(typed),
-                              OffloadKit::shownReason(OffloadKit::systemText(resolved.error()))}));
+                              OffloadKit::shown(OffloadKit::Reason::ofSystem(resolved.error()))}));
   }
   const auto status = fileSystem.status(resolved.value());
   if (status.ok() && status.value().kind != PlatformKit::ItemKind::folder) {

@@ -22,6 +22,8 @@
 namespace CommandLine {
 namespace {
 
+using OffloadKit::Reason;
+using OffloadKit::Verdict;
 using TextKit::filled;
 using TextKit::translate;
 
@@ -36,13 +38,14 @@ std::unique_ptr<ProgressDisplay> displayFor(const OffloadArguments& arguments,
   return makeLogDisplay(plan, clock);
 }
 
-void tellResult(const OffloadArguments& arguments, const OffloadKit::OffloadResult& result) {
-  if (arguments.json) printJsonLine(resultJson(result));
-  if (arguments.quiet && result.isComplete()) return;
+void tellResult(const OffloadArguments& arguments, const OffloadKit::OffloadResult& result,
+                const Verdict& verdict) {
+  if (arguments.json) printJsonLine(resultJson(result, verdict));
+  if (arguments.quiet && verdict.isGood()) return;
   if (arguments.json) {
-    printError(verdict(result, true));
+    printError(verdictText(result, verdict, true));
   } else {
-    print(verdict(result, false));
+    print(verdictText(result, verdict, false));
   }
 }
 
@@ -60,32 +63,32 @@ bool shallEject(const OffloadArguments& arguments, const OffloadKit::OffloadPlan
   return false;
 }
 
-// Answers none when it was done, else a sentence in English.
-std::optional<std::string> ejectCard(const OffloadKit::OffloadResult& result,
-                                     const Services& services) {
-  if (!result.isComplete()) {
-    return "The card was not ejected because not everything is verified.";
+// Answers none when it was done, else why not.
+std::optional<Reason> ejectCard(const OffloadKit::OffloadResult& result, const Verdict& verdict,
+                                const Services& services) {
+  if (!verdict.mayEject()) {
+    return Reason(Reason::Kind::notAllVerified);
   }
   if (outputError() != 0) {
-    return "The card was not ejected because the result could not be written.";
+    return Reason(Reason::Kind::resultNotWritten);
   }
   const OffloadKit::OffloadPlan& plan = result.plan;
   // Once it is taken out, its folder may lie on another disk.
   if (!DeviceKit::isVolumeRoot(services.system, plan.source)) {
-    return filled("%1 is not mounted any more, so it was not ejected.", {plan.sourceName});
+    return Reason(Reason::Kind::notMounted, {plan.sourceName});
   }
   return services.cardEjector.eject(plan.source, plan.sourceName);
 }
 
 void tellEjection(const OffloadArguments& arguments, const std::string& name,
-                  const std::optional<std::string>& problem) {
+                  const std::optional<Reason>& problem) {
   if (arguments.json) {
     printJsonLine({{"type", "eject"},
                    {"ejected", !problem},
-                   {"reason", problem ? nlohmann::json(*problem) : nlohmann::json()}});
+                   {"reason", problem ? nlohmann::json(problem->english()) : nlohmann::json()}});
   }
   if (problem) {
-    tellError(OffloadKit::shownReason(*problem));
+    tellError(OffloadKit::shown(*problem));
   } else if (!arguments.quiet) {
     const std::string sentence =
         filled(translate("Terminal", "Ejected %1."), {TextKit::singleLineText(name)});
@@ -119,15 +122,16 @@ int runOffload(const OffloadArguments& arguments, const Services& services) {
     const auto result = engine.run(
         plan, [&](const OffloadKit::OffloadProgress& progress) { display->show(progress); });
     display->finish();
-    tellResult(arguments, result);
-    if (eject) tellEjection(arguments, plan.sourceName, ejectCard(result, services));
-    return result.isComplete() ? allVerified : notEverything;
+    const Verdict verdict(result);
+    tellResult(arguments, result, verdict);
+    if (eject) tellEjection(arguments, plan.sourceName, ejectCard(result, verdict, services));
+    return verdict.isGood() ? allVerified : notEverything;
   } catch (const ArgumentError& error) {
     tellError(error.what());
     return wrongArguments;
   } catch (const OffloadKit::OffloadError& error) {
     display->finish();
-    tellError(error.shownDescription());
+    tellError(OffloadKit::shown(error.reason()));
     if (error.isCancelled()) return stoppedByInterrupt + interruptedBy;
   } catch (const std::exception& error) {
     display->finish();

@@ -18,7 +18,7 @@ json paths(const std::vector<PlatformKit::Path>& list) {
 
 json outcome(const OffloadedFile::Outcome& outcome) {
   if (outcome.isVerified()) return {{"verified", true}, {"resumed", outcome.isResumed()}};
-  return {{"verified", false}, {"reason", outcome.reason()}};
+  return {{"verified", false}, {"reason", outcome.reason()->english()}};
 }
 
 json destinations(const OffloadKit::OffloadResult& result) {
@@ -29,7 +29,8 @@ json destinations(const OffloadKit::OffloadResult& result) {
         {{"path", result.plan.destinations[i].native()},
          {"verified", result.verifiedCount(i)},
          {"readThroughCache", result.readThroughCache.contains(i)},
-         {"error", error == result.destinationErrors.end() ? json() : json(error->second)}});
+         {"error",
+          error == result.destinationErrors.end() ? json() : json(error->second.english())}});
   }
   return array;
 }
@@ -47,7 +48,7 @@ json failed(const OffloadKit::OffloadResult& result) {
 json unreadable(const OffloadKit::OffloadResult& result) {
   json array = json::array();
   for (const auto& item : result.unreadable) {
-    array.push_back({{"path", item.relativePath}, {"reason", item.reason}});
+    array.push_back({{"path", item.relativePath}, {"reason", item.reason.english()}});
   }
   return array;
 }
@@ -58,7 +59,7 @@ json missingRecords(const OffloadKit::OffloadResult& result) {
     const bool isReport = missing.kind == OffloadKit::MissingRecord::Kind::report;
     array.push_back({{"destination", result.plan.destinations.at(missing.destination).native()},
                      {"record", isReport ? "report" : "hashList"},
-                     {"reason", missing.reason}});
+                     {"reason", missing.reason.english()}});
   }
   return array;
 }
@@ -69,15 +70,15 @@ json cardImage(const OffloadKit::OffloadResult& result) {
   return {{"path", image.url.native()},
           {"size", image.size},
           {"verified", image.outcome.isVerified()},
-          {"reason", image.outcome.isVerified() ? json() : json(image.outcome.reason())},
+          {"reason", image.outcome.isVerified() ? json() : json(image.outcome.reason()->english())},
           {"unreadableBlocks", image.unreadableBlocks}};
 }
 
 }  // namespace
 
-json resultJson(const OffloadKit::OffloadResult& result) {
+json resultJson(const OffloadKit::OffloadResult& result, const OffloadKit::Verdict& verdict) {
   return {{"type", "result"},
-          {"allVerified", result.allVerified()},
+          {"allVerified", !verdict.has(OffloadKit::Verdict::Finding::notVerified)},
           {"files", result.files.size()},
           {"totalBytes", result.totalBytes()},
           {"started", TextKit::internetDateText(result.started)},

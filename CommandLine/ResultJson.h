@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OffloadKit/Records/OffloadResult.h"
+#include "OffloadKit/Records/Verdict.h"
 
 #include <nlohmann/json_fwd.hpp>
 
@@ -8,6 +8,7 @@ namespace CommandLine {
 
 /// The outcome of a run as the last JSON object of its output; docs/command-line.md has its
 /// members.
-nlohmann::json resultJson(const OffloadKit::OffloadResult& result);
+nlohmann::json resultJson(const OffloadKit::OffloadResult& result,
+                          const OffloadKit::Verdict& verdict);
 
 }  // namespace CommandLine

@@ -15,13 +15,13 @@ namespace CommandLine {
 namespace {
 
 using OffloadKit::OffloadResult;
+using OffloadKit::Verdict;
 using TextKit::filled;
 using TextKit::singleLineText;
 using TextKit::translate;
 namespace ResultTexts = OffloadKit::ResultTexts;
 
-std::string headline(const OffloadResult& result, bool onStandardError) {
-  const bool good = result.allVerified() && result.unreadable.empty();
+std::string headline(const OffloadResult& result, bool good, bool onStandardError) {
   return styled((good ? "✓ " : "✗ ") + ResultTexts::title(result), good ? Style::good : Style::bad,
                 onStandardError) +
          "\n" + ResultTexts::sentence(result) + "\n";
@@ -39,8 +39,8 @@ std::string mark(bool good, bool onStandardError) {
   return styled(good ? "✓" : "✗", good ? Style::good : Style::bad, onStandardError);
 }
 
-std::string driveLine(const OffloadResult& result, std::size_t index, bool onStandardError) {
-  const bool complete = result.verifiedCount(index) == result.files.size();
+std::string driveLine(const OffloadResult& result, std::size_t index, bool complete,
+                      bool onStandardError) {
   const auto resumed =
       std::count_if(result.files.begin(), result.files.end(),
                     [index](const auto& file) { return file.outcomes[index].isResumed(); });
@@ -53,9 +53,9 @@ std::string driveLine(const OffloadResult& result, std::size_t index, bool onSta
                      singleLineText(result.plan.destinations[index].native()), outcome);
 }
 
-std::string imageLine(const OffloadKit::CardImageResult& image, bool onStandardError) {
+std::string imageLine(const OffloadKit::CardImageResult& image, bool whole, bool onStandardError) {
   const bool saved = image.outcome.isVerified();
-  return fmt::format("  {} {}\n    {}\n{}", mark(saved, onStandardError),
+  return fmt::format("  {} {}\n    {}\n{}", mark(whole, onStandardError),
                      translate("Terminal", "Card image"), ResultTexts::cardImage(image),
                      saved ? "    " + singleLineText(image.url.native()) + "\n" : "");
 }
@@ -72,25 +72,27 @@ std::string failedFile(const OffloadResult& result, const OffloadKit::OffloadedF
   std::string text = "  " + singleLineText(file.file.relativePath) + "\n";
   if (std::all_of(outcomes.begin(), outcomes.end(),
                   [&](const auto& outcome) { return outcome == outcomes.front(); })) {
-    return text + "    " + singleLineText(OffloadKit::shownReason(outcomes.front().reason())) +
-           "\n";
+    return text + "    " + singleLineText(OffloadKit::shown(*outcomes.front().reason())) + "\n";
   }
   for (std::size_t i = 0; i < outcomes.size(); ++i) {
     if (outcomes[i].isVerified()) continue;
     text += fmt::format("    {}: {}\n", singleLineText(result.plan.destinations[i].native()),
-                        singleLineText(OffloadKit::shownReason(outcomes[i].reason())));
+                        singleLineText(OffloadKit::shown(*outcomes[i].reason())));
   }
   return text;
 }
 
 }  // namespace
 
-std::string verdict(const OffloadResult& result, bool onStandardError) {
-  std::string text = headline(result, onStandardError) + figures(result) + "\n";
+std::string verdictText(const OffloadResult& result, const Verdict& verdict, bool onStandardError) {
+  std::string text = headline(result, verdict.isGood(), onStandardError) + figures(result) + "\n";
   for (std::size_t i = 0; i < result.plan.destinations.size(); ++i) {
-    text += driveLine(result, i, onStandardError);
+    text += driveLine(result, i, verdict.isVerifiedOn(i), onStandardError);
   }
-  if (result.cardImage) text += imageLine(*result.cardImage, onStandardError);
+  if (result.cardImage) {
+    const bool whole = !verdict.has(Verdict::Finding::imageIncomplete);
+    text += imageLine(*result.cardImage, whole, onStandardError);
+  }
   const auto failed = result.failedFiles();
   if (!failed.empty()) {
     text +=

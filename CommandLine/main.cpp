@@ -128,7 +128,7 @@ int tellLostOutput(int status) {
   CommandLine::printError(
       filled(translate("Terminal",
                        "zephrimark: The result could not be written to standard output: %1."),
-             {OffloadKit::shownReason(PlatformKit::systemText(error))}) +
+             {OffloadKit::shown(OffloadKit::Reason::ofSystem(error))}) +
       "\n");
   return status == CommandLine::allVerified ? CommandLine::notEverything : status;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DeviceKit/Reason.h"
 #include "PlatformKit/Disks.h"
 #include "PlatformKit/Ejector.h"
 
@@ -8,7 +9,7 @@
 
 namespace DeviceKit {
 
-/// Ejects the card under a volume and puts into words why that did not work. Every call asks the
+/// Ejects the card under a volume and tells why that did not work. Every call asks the
 /// system anew; any thread but the one that draws the screen, several at once.
 class CardEjector {
  public:
@@ -21,12 +22,12 @@ class CardEjector {
   /// caller makes sure that the volume is still mounted. A disk that cannot be a memory card, such as
   /// the one the system runs from, is left alone.
   ///
-  /// Answers none when it was done and the card may be taken out. Else one or two full sentences for
-  /// people, in English: why not, and what to do. They call the volume `name`, bytes as given. Blocks while the
-  /// disk takes what was written to it and while the user is asked for a password, which can take
-  /// minutes. Never throws.
-  [[nodiscard]] std::optional<std::string> eject(const PlatformKit::Path& volume,
-                                                 const std::string& name) const;
+  /// Answers none when it was done and the card may be taken out. Else why not, in
+  /// one or two sentences that also say what to do. They call the volume `name`, bytes as given.
+  /// Blocks while the disk takes what was written to it and while the user is asked for a password,
+  /// which can take minutes. Never throws.
+  [[nodiscard]] std::optional<Reason> eject(const PlatformKit::Path& volume,
+                                            const std::string& name) const;
 
  private:
   PlatformKit::Disks& disks_;

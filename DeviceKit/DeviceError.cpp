@@ -1,46 +1,24 @@
 #include "DeviceKit/DeviceError.h"
 
-#include "PlatformKit/Posix/SystemText.h"
-#include "TextKit/Translation.h"
+#include <utility>
 
 namespace DeviceKit {
-namespace {
 
-using PlatformKit::systemText;
-using TextKit::filled;
+using Kind = Reason::Kind;
 
-struct Describe {
-  std::string operator()(const DeviceError::CannotOpen& error) const {
-    return filled("Could not open %1: %2", {error.path, systemText(error.underlying)});
-  }
-  std::string operator()(const DeviceError::AuthorizationDenied& error) const {
-    return filled("Authorization to read %1 was denied.", {error.path});
-  }
-  std::string operator()(const DeviceError::NotAFileOrDevice& error) const {
-    return filled("%1 is not a readable file or device.", {error.path});
-  }
-  std::string operator()(const DeviceError::ReadFailed& error) const {
-    return filled("Read failed at offset %1: %2",
-                  {std::to_string(error.offset), systemText(error.underlying)});
-  }
-};
+DeviceError::DeviceError(Reason reason) : reason_(std::move(reason)), english_(reason_.english()) {}
 
-}  // namespace
-
-DeviceError::DeviceError(Kind kind)
-    : kind_(std::move(kind)), description_(std::visit(Describe{}, kind_)) {}
-
-DeviceError DeviceError::cannotOpen(std::string path, int underlying) {
-  return DeviceError(CannotOpen{std::move(path), underlying});
+DeviceError DeviceError::cannotOpen(std::string path, int error) {
+  return DeviceError({Kind::cannotOpen, {std::move(path)}, Reason::ofSystem(error)});
 }
 DeviceError DeviceError::authorizationDenied(std::string path) {
-  return DeviceError(AuthorizationDenied{std::move(path)});
+  return DeviceError(Reason(Kind::mayNotRead, {std::move(path)}));
 }
 DeviceError DeviceError::notAFileOrDevice(std::string path) {
-  return DeviceError(NotAFileOrDevice{std::move(path)});
+  return DeviceError(Reason(Kind::notReadable, {std::move(path)}));
 }
-DeviceError DeviceError::readFailed(std::uint64_t offset, int underlying) {
-  return DeviceError(ReadFailed{offset, underlying});
+DeviceError DeviceError::readFailed(std::uint64_t offset, int error) {
+  return DeviceError({Kind::readFailed, {std::to_string(offset)}, Reason::ofSystem(error)});
 }
 
 }  // namespace DeviceKit

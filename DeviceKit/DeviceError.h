@@ -1,52 +1,36 @@
 #pragma once
 
+#include "DeviceKit/Reason.h"
+
 #include <cstdint>
 #include <exception>
 #include <string>
-#include <variant>
 
 namespace DeviceKit {
 
-/// Why a device or file could not be opened or read. Its text is a full sentence for people,
-/// in English.
+/// Why a device or file could not be opened or read.
 class DeviceError final : public std::exception {
  public:
-  struct CannotOpen {
-    std::string path;
-    int underlying;  ///< the system's error number
-    friend bool operator==(const CannotOpen&, const CannotOpen&) = default;
-  };
-  struct AuthorizationDenied {
-    std::string path;
-    friend bool operator==(const AuthorizationDenied&, const AuthorizationDenied&) = default;
-  };
-  struct NotAFileOrDevice {
-    std::string path;
-    friend bool operator==(const NotAFileOrDevice&, const NotAFileOrDevice&) = default;
-  };
-  struct ReadFailed {
-    std::uint64_t offset;  ///< of the first byte that could not be read
-    int underlying;        ///< the system's error number
-    friend bool operator==(const ReadFailed&, const ReadFailed&) = default;
-  };
-  using Kind = std::variant<CannotOpen, AuthorizationDenied, NotAFileOrDevice, ReadFailed>;
-
-  static DeviceError cannotOpen(std::string path, int underlying);
+  /// `error`: the system's error number.
+  static DeviceError cannotOpen(std::string path, int error);
   static DeviceError authorizationDenied(std::string path);
   static DeviceError notAFileOrDevice(std::string path);
-  static DeviceError readFailed(std::uint64_t offset, int underlying);
+  /// `offset`: of the first byte that could not be read.
+  static DeviceError readFailed(std::uint64_t offset, int error);
 
-  [[nodiscard]] const Kind& kind() const { return kind_; }
-  [[nodiscard]] const std::string& errorDescription() const { return description_; }
-  [[nodiscard]] const char* what() const noexcept override { return description_.c_str(); }
+  [[nodiscard]] const Reason& reason() const { return reason_; }
+  /// The reason in English.
+  [[nodiscard]] const char* what() const noexcept override { return english_.c_str(); }
 
-  friend bool operator==(const DeviceError& a, const DeviceError& b) { return a.kind_ == b.kind_; }
+  friend bool operator==(const DeviceError& a, const DeviceError& b) {
+    return a.reason_ == b.reason_;
+  }
 
  private:
-  explicit DeviceError(Kind kind);
+  explicit DeviceError(Reason reason);
 
-  Kind kind_;
-  std::string description_;
+  Reason reason_;
+  std::string english_;
 };
 
 }  // namespace DeviceKit

@@ -173,23 +173,18 @@ std::string_view patternOf(Kind kind) {
   return kPatterns[static_cast<std::size_t>(kind)].english;
 }
 
-[[maybe_unused]] bool takes(Kind kind, std::size_t arguments) {
-  const std::string_view pattern = patternOf(kind);
-  return static_cast<std::size_t>(std::count(pattern.begin(), pattern.end(), '%')) == arguments;
-}
-
 }  // namespace
 
 Reason::Reason(Kind kind, std::vector<Argument> arguments)
     : kind_(kind), arguments_(std::move(arguments)) {
-  assert(takes(kind_, arguments_.size()));
+  assert(takes(kind_) == arguments_.size());
 }
 
 Reason::Reason(Kind kind, std::vector<Argument> arguments, Reason behind)
     : kind_(kind),
       arguments_(std::move(arguments)),
       behind_(std::make_shared<const Reason>(std::move(behind))) {
-  assert(takes(kind_, arguments_.size() + 1));
+  assert(takes(kind_) == arguments_.size() + 1);
 }
 
 Reason Reason::ofDrive(int error) {
@@ -222,6 +217,11 @@ Reason Reason::fromOutside(std::string sentence) {
 
 Reason Reason::about(std::string name, Reason reason) {
   return {Kind::about, {std::move(name)}, std::move(reason)};
+}
+
+std::size_t Reason::takes(Kind kind) {
+  const std::string_view pattern = patternOf(kind);
+  return static_cast<std::size_t>(std::count(pattern.begin(), pattern.end(), '%'));
 }
 
 std::string Reason::english() const {

@@ -94,6 +94,9 @@ class Reason {
   /// "A.MOV: Input/output error".
   static Reason about(std::string name, Reason reason);
 
+  /// How many things the kind takes, a reason counted in.
+  static std::size_t takes(Kind kind);
+
   [[nodiscard]] Kind kind() const { return kind_; }
   /// The sentence as records have it, always English; the names in it are bytes as they are.
   [[nodiscard]] std::string english() const;

@@ -25,7 +25,7 @@ set(rules
   "Translations:TextKit"
   "Updates:"
   "ZephrimarkUI:"
-  "OffloadKit/Records:HashKit PlatformKit TextKit DeviceKit OffloadKit/Wording"
+  "OffloadKit/Records:HashKit PlatformKit TextKit DeviceKit"
   "OffloadKit/Card:PlatformKit TextKit OffloadKit/Records"
   "OffloadKit/Wording:HashKit PlatformKit TextKit OffloadKit/Records"
   "OffloadKit/Transfer:HashKit PlatformKit TextKit"

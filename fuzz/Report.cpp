@@ -44,13 +44,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   auto parts = Fuzz::partsOf(Fuzz::textOf(data, size), 50);
   parts.resize(std::max<std::size_t>(parts.size(), 2));
   const std::string name(parts[0]);
-  const std::string reason(parts[1]);
+  const std::string text(parts[1]);
+  const auto reason = Reason::fromOutside(text);
   OffloadResult result;
   result.plan.source = name;
   result.plan.sourceName = name;
-  result.plan.destinations = {"/" + name, reason};
+  result.plan.destinations = {"/" + name, text};
   result.destinationErrors = {{1, reason}};
-  result.unreadable = {{reason, name}};
+  result.unreadable = {{text, Reason::fromOutside(name)}};
   CardImageResult image;
   image.relativePath = name;
   image.outcome = CardImageResult::Outcome::failed(reason);

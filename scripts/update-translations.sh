@@ -10,4 +10,4 @@ cd "$root"
 files=("$@")
 [ $# -gt 0 ] || files=(Translations/zephrimark_*.ts)
 /usr/lib/qt6/bin/lupdate -no-obsolete -locations none -I . -tr-function-alias QT_TRANSLATE_NOOP+=translatable \
-  TextKit OffloadKit CommandLine Updates ZephrimarkUI ZephrimarkOffload -ts "${files[@]}"
+  TextKit DeviceKit OffloadKit CommandLine Updates ZephrimarkUI ZephrimarkOffload -ts "${files[@]}"

@@ -1,7 +1,6 @@
 #include "OffloadKit/Card/SourceScan.h"
 
 #include "OffloadKit/Records/OffloadError.h"
-#include "PlatformKit/Posix/SystemText.h"
 #include "TextKit/Collation.h"
 
 #include <algorithm>
@@ -36,7 +35,7 @@ class Walk {
 
   SourceScan run() {
     if (!enter("")) {
-      throw OffloadError::sourceUnreadable("couldn't list its files");
+      throw OffloadError::sourceUnreadable(Reason(Reason::Kind::filesNotListed));
     }
     while (!open_.empty()) {
       Folder& folder = open_.back();
@@ -90,7 +89,7 @@ class Walk {
   }
 
   void unreadable(std::string relativePath, int error) {
-    result_.unreadable.push_back({std::move(relativePath), PlatformKit::systemText(error)});
+    result_.unreadable.push_back({std::move(relativePath), Reason::ofSystem(error)});
   }
 
   PlatformKit::Folder& card_;
@@ -120,10 +119,15 @@ bool isIgnoredName(std::string_view name) {
          std::find(kIgnoredNames.begin(), kIgnoredNames.end(), name) != kIgnoredNames.end();
 }
 
+std::unique_ptr<PlatformKit::Folder> openSource(PlatformKit::FileSystem& fileSystem,
+                                                const PlatformKit::Path& source) {
+  auto held = fileSystem.openFolder(source, PlatformKit::Mounts::crossed);
+  if (!held.ok()) throw OffloadError::sourceUnreadable(Reason(Reason::Kind::filesNotListed));
+  return std::move(held.value());
+}
+
 SourceScan scan(PlatformKit::System system, const PlatformKit::Path& source) {
-  const auto held = system.fileSystem.openFolder(source, PlatformKit::Mounts::crossed);
-  if (!held.ok()) throw OffloadError::sourceUnreadable("couldn't list its files");
-  return scan(*held.value());
+  return scan(*openSource(system.fileSystem, source));
 }
 
 SourceScan scan(PlatformKit::Folder& card) {

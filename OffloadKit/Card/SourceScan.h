@@ -3,6 +3,7 @@
 #include "OffloadKit/Records/SourceFile.h"
 #include "PlatformKit/System.h"
 
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -13,6 +14,11 @@ struct SourceScan {
   std::vector<SourceFile> files;           ///< in the order of a file browser
   std::vector<UnreadableItem> unreadable;  ///< what could not be read, in the order it was met
 };
+
+/// Holds the folder that a card or a source is; what is mounted below it belongs to it. Throws
+/// OffloadError::sourceUnreadable. Any thread; a dead card can block for long.
+[[nodiscard]] std::unique_ptr<PlatformKit::Folder> openSource(PlatformKit::FileSystem& fileSystem,
+                                                              const PlatformKit::Path& source);
 
 /// Lists the regular files below the folder `card`, hidden ones included. Links are not followed;
 /// what is a card's own housekeeping (see `isIgnoredName`) is left out with everything below it.

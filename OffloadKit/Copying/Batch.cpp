@@ -1,11 +1,9 @@
 #include "OffloadKit/Copying/Batch.h"
 
 #include "OffloadKit/Transfer/Transfer.h"
-#include "PlatformKit/Posix/SystemText.h"
 
 #include <algorithm>
 #include <atomic>
-#include <stdexcept>
 
 namespace OffloadKit {
 namespace {
@@ -16,12 +14,11 @@ std::uint64_t memoryFor(std::uint64_t fileSize) {
 }
 
 OffloadError unreadable(const SourceFile& file, int error) {
-  return OffloadError::sourceUnreadable(file.relativePath + ": " + PlatformKit::systemText(error));
+  return OffloadError::sourceUnreadable(Reason::about(file.relativePath, Reason::ofSystem(error)));
 }
 
 OffloadError changedSize(const SourceFile& file) {
-  return OffloadError::sourceUnreadable(file.relativePath +
-                                        " changed size while it was being read");
+  return OffloadError::sourceUnreadable(Reason(Reason::Kind::changedSize, {file.relativePath}));
 }
 
 }  // namespace
@@ -74,7 +71,7 @@ OffloadedFile Batch::finish(std::size_t number, const CopyProgress& progress, Ba
     if (next != nullptr) next->begin();
   }
   File& file = files_[number];
-  if (!failure_.empty()) throw std::runtime_error(failure_);
+  if (failure_) std::rethrow_exception(failure_);
   if (isGroup()) {
     context_.throwIfCancelled();
     if (file.bytesRead > 0) progress.copied(file.bytesRead);
@@ -113,8 +110,8 @@ void Batch::copyAll(const CopyProgress& progress, Batch* next) {
     for (Lane& lane : context_.lanes) lane.checkPlace();
   } catch (const OffloadError&) {
     throw;
-  } catch (const std::exception& error) {
-    failure_ = error.what();
+  } catch (...) {
+    failure_ = std::current_exception();
   }
   if (isGroup()) context_.length.done(sources_, context_.clock.now() - started);
 }
@@ -328,8 +325,7 @@ std::vector<OffloadedFile::Outcome> Batch::decide(File& file, const std::string&
     const auto second = file.secondReading->result();
     if (!second.ok() || second.value() != hash) {
       throw OffloadError::sourceUnreadable(
-          file.source.relativePath +
-          " read differently the second time. The card or reader may be failing.");
+          Reason(Reason::Kind::readDifferently, {file.source.relativePath}));
     }
   }
   std::vector<OffloadedFile::Outcome> outcomes;

@@ -10,6 +10,7 @@
 #include "PlatformKit/Dates.h"
 
 #include <deque>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -135,7 +136,7 @@ class Batch final : private Load {
   std::vector<Piece> pieces_[2];  // of a round and of the next one
   const CopyProgress* progress_ = nullptr;
   bool isCopied_ = false;
-  std::string failure_;  // of the batch as a whole
+  std::exception_ptr failure_;  // of the batch as a whole
   const std::function<void(std::size_t)> choose_ = [this](std::size_t lane) { choose(lane); };
   // Behind everything that it works on, so that it ends first.
   std::optional<PlatformKit::WorkerPool::Batch> choosing_;

@@ -184,7 +184,7 @@ CardImageResult write(DeviceKit::ByteSource& source, Folder& folder, const Path&
     result.outcome = CardImageResult::Outcome::verified();
   } catch (const Failure& failure) {
     result.size = source.size();
-    result.outcome = CardImageResult::Outcome::failed(failure.reason.english());
+    result.outcome = CardImageResult::Outcome::failed(failure.reason);
   }
   result.unreadableBlocks = source.badReads();
   return result;

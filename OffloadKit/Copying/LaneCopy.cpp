@@ -119,7 +119,7 @@ Outcome LaneCopy::decide(const std::string& hash) {
   if (digest() != nullptr) compare(hash);
   if (verified_) return *verified_;
   const auto* reason = std::get_if<Reason>(&step_);
-  return Outcome::failed((reason != nullptr ? *reason : Reason(Kind::notCopied)).english());
+  return Outcome::failed(reason != nullptr ? *reason : Reason(Kind::notCopied));
 }
 
 void LaneCopy::compare(const std::string& hash) {

@@ -82,7 +82,7 @@ void LaneNames::takeBack(std::vector<OffloadedFile>& files, std::size_t index) c
       Outcome& outcome = file.outcomes[index];
       if (!outcome.isVerified() || verified++ < durable_) continue;
       if (PlatformKit::isInside(file.file.relativePath, failure.folder)) {
-        outcome = Outcome::failed(failure.reason.english());
+        outcome = Outcome::failed(failure.reason);
       }
     }
   }

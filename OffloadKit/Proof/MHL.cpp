@@ -8,7 +8,6 @@
 #include "OffloadKit/Transfer/FileDigest.h"
 #include "OffloadKit/Transfer/TemporaryNames.h"
 #include "OffloadKit/Transfer/WholeFile.h"
-#include "OffloadKit/Wording/ErrorSentences.h"
 #include "TextKit/Collation.h"
 #include "TextKit/DateText.h"
 #include "TextKit/Unicode.h"

@@ -2,6 +2,7 @@
 
 #include "OffloadKit/Proof/MHL.h"
 #include "OffloadKit/Proof/Markup.h"
+#include "OffloadKit/Records/Verdict.h"
 #include "OffloadKit/Transfer/TemporaryNames.h"
 #include "OffloadKit/Transfer/WholeFile.h"
 #include "OffloadKit/Wording/Format.h"
@@ -53,16 +54,20 @@ std::string shown(std::string_view text) {
   return escapeMarkup(TextKit::withoutControls(text));
 }
 
-// Every file that is known of is on every drive, and none is missing that could not be read.
-bool isGood(const OffloadResult& result) {
-  return result.allVerified() && result.unreadable.empty();
-}
-
-std::string verdict(const OffloadResult& result) {
-  if (isGood(result)) return "Every file was copied and verified on every drive.";
-  if (result.allVerified()) return "Some of the card couldn't be read. Don't erase the card yet.";
-  return std::to_string(result.failedFiles().size()) +
-         " file(s) were not verified on every drive. See below.";
+std::string sentenceOf(const Verdict& verdict, const OffloadResult& result) {
+  switch (verdict.worst()) {
+    case Verdict::Finding::notVerified:
+      return std::to_string(result.failedFiles().size()) +
+             " file(s) were not verified on every drive. See below.";
+    case Verdict::Finding::cardUnreadable:
+      return "Some of the card couldn't be read. Don't erase the card yet.";
+    case Verdict::Finding::imageIncomplete:
+    case Verdict::Finding::recordMissing:
+    case Verdict::Finding::throughCache:
+    case Verdict::Finding::nothing:
+      break;
+  }
+  return "Every file was copied and verified on every drive.";
 }
 
 std::string speedText(const OffloadResult& result) {
@@ -102,7 +107,8 @@ std::string driveLine(const OffloadResult& result, std::size_t index, bool here)
           std::to_string(result.verifiedCount(index)) + " of " +
           std::to_string(result.files.size()) + " files verified";
   const auto error = result.destinationErrors.find(index);
-  if (error != result.destinationErrors.end()) line += " · stopped: " + shown(error->second);
+  if (error != result.destinationErrors.end())
+    line += " · stopped: " + shown(error->second.english());
   return line + "</span></li>";
 }
 
@@ -116,7 +122,7 @@ void appendFileRow(std::string& page, const OffloadedFile& file) {
   page += "</td>";
   for (const auto& outcome : file.outcomes) {
     page += outcome.isVerified() ? "<td class=ok>Verified</td>"
-                                 : "<td class=bad>" + shown(outcome.reason()) + "</td>";
+                                 : "<td class=bad>" + shown(outcome.reason()->english()) + "</td>";
   }
   page += "</tr>\n";
 }
@@ -145,7 +151,7 @@ void appendUnreadable(std::string& page, const OffloadResult& result) {
   for (const UnreadableItem& item : result.unreadable) {
     page += "<li><span class=path>" +
             (item.relativePath.empty() ? "the whole card" : shown(item.relativePath)) +
-            "</span><br><span class=muted>" + shown(item.reason) + "</span></li>\n";
+            "</span><br><span class=muted>" + shown(item.reason.english()) + "</span></li>\n";
   }
   page += "</ul>\n";
 }
@@ -189,6 +195,7 @@ std::string write(PlatformKit::Folder& folder, const OffloadResult& result,
 
 std::string html(const OffloadResult& result, std::optional<std::size_t> highlight) {
   constexpr std::size_t kUsualRow = 160;  // bytes
+  const Verdict verdict(result);
   const std::string title = "Offload report: " + shown(result.plan.sourceName);
   std::string page;
   page.reserve(8192 + result.files.size() * kUsualRow);
@@ -199,10 +206,10 @@ std::string html(const OffloadResult& result, std::optional<std::size_t> highlig
       "<title>" +
       title + "</title>\n<style>\n";
   page += kStyleBeforeVerdict;
-  page += isGood(result) ? "var(--ok)" : "var(--bad)";
+  page += verdict.isGood() ? "var(--ok)" : "var(--bad)";
   page += kStyleAfterVerdict;
   page += "</style></head><body><main>\n<h1>" + title + "</h1>\n<p class=verdict>" +
-          verdict(result) + "</p>\n";
+          sentenceOf(verdict, result) + "</p>\n";
   appendUnreadable(page, result);
   page += figures(result) + "<ul>";
   for (std::size_t i = 0; i < result.plan.destinations.size(); ++i) {
@@ -233,7 +240,7 @@ std::string imageSection(const OffloadResult& result) {
             std::string(displayName(result.plan.algorithm)) + " <span class=hash>" +
             image.hash.value_or("");
   } else {
-    text += "<span class=bad>Not saved: " + shown(image.outcome.reason());
+    text += "<span class=bad>Not saved: " + shown(image.outcome.reason()->english());
   }
   text += "</span>";
   if (image.unreadableBlocks >= 1) {

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "OffloadKit/Records/Reason.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,7 +27,7 @@ struct OffloadProgress {
   struct Drive {
     std::size_t verified = 0;
     std::size_t failed = 0;
-    std::string lastFailure;  ///< a sentence for people; empty without failures
+    std::optional<Reason> lastFailure;  ///< none without failures
   };
   std::vector<Drive> drives;  ///< in the plan's order; empty while scanning
 };

@@ -13,12 +13,6 @@ bool isVerifiedEverywhere(const OffloadedFile& file) {
 
 }  // namespace
 
-bool OffloadResult::isComplete() const {
-  const bool imageIsWhole =
-      !cardImage || (cardImage->outcome.isVerified() && cardImage->unreadableBlocks == 0);
-  return allVerified() && unreadable.empty() && imageIsWhole && missingRecords.empty();
-}
-
 std::uint64_t OffloadResult::totalBytes() const {
   return std::accumulate(
       files.begin(), files.end(), std::uint64_t{0},

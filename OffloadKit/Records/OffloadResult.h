@@ -22,8 +22,7 @@ struct OffloadedFile {
     /// The copy was read back from its drive and equals the source. `resumed`: it was there from an
     /// earlier run and only checked.
     static Outcome verified(bool resumed) { return Outcome(Verified{resumed}); }
-    /// `reason`: a sentence for people.
-    static Outcome failed(std::string reason) { return Outcome(Failed{std::move(reason)}); }
+    static Outcome failed(Reason reason) { return Outcome(Failed{std::move(reason)}); }
 
     [[nodiscard]] bool isVerified() const { return std::holds_alternative<Verified>(content_); }
     /// Whether it is verified and was there from an earlier run.
@@ -31,10 +30,10 @@ struct OffloadedFile {
       const auto* verified = std::get_if<Verified>(&content_);
       return verified != nullptr && verified->resumed;
     }
-    /// The reason of a failure; empty when verified.
-    [[nodiscard]] std::string reason() const {
+    /// The reason of a failure, as long as this outcome stays; null when verified.
+    [[nodiscard]] const Reason* reason() const {
       const auto* failed = std::get_if<Failed>(&content_);
-      return failed != nullptr ? failed->reason : std::string();
+      return failed != nullptr ? &failed->reason : nullptr;
     }
 
     friend bool operator==(const Outcome&, const Outcome&) = default;
@@ -45,7 +44,7 @@ struct OffloadedFile {
       friend bool operator==(const Verified&, const Verified&) = default;
     };
     struct Failed {
-      std::string reason;
+      Reason reason;
       friend bool operator==(const Failed&, const Failed&) = default;
     };
     using Content = std::variant<Verified, Failed>;
@@ -65,26 +64,25 @@ struct CardImageResult {
   class Outcome {
    public:
     static Outcome verified() { return {}; }
-    /// `reason`: a sentence for people.
-    static Outcome failed(std::string reason) {
+    static Outcome failed(Reason reason) {
       Outcome outcome;
       outcome.failure_ = std::move(reason);
       return outcome;
     }
     [[nodiscard]] bool isVerified() const { return !failure_; }
-    /// The reason of a failure; empty when verified.
-    [[nodiscard]] std::string reason() const { return failure_.value_or(""); }
+    /// The reason of a failure, as long as this outcome stays; null when verified.
+    [[nodiscard]] const Reason* reason() const { return failure_ ? &*failure_ : nullptr; }
     friend bool operator==(const Outcome&, const Outcome&) = default;
 
    private:
-    std::optional<std::string> failure_;
+    std::optional<Reason> failure_;
   };
 
   PlatformKit::Path url;
   std::uint64_t size = 0;            ///< bytes in the image
   std::optional<std::string> hash;   ///< lowercase hexadecimal, by the plan's algorithm
   std::size_t unreadableBlocks = 0;  ///< blocks of the card stored as zeros
-  Outcome outcome = Outcome::failed("");
+  Outcome outcome = Outcome::failed(Reason(Reason::Kind::notCopied));
   std::string relativePath;  ///< below its destination folder
 };
 
@@ -93,10 +91,10 @@ struct MissingRecord {
   enum class Kind { report, hashList };
   Kind kind;
   std::size_t destination;
-  std::string reason;  ///< a sentence for people
+  Reason reason;
 };
 
-/// The outcome of a run that came to its end.
+/// The outcome of a run that came to its end. What it amounts to is in Verdict.
 struct OffloadResult {
   OffloadPlan plan;
   std::vector<OffloadedFile> files;  ///< one per scanned file, in scan order
@@ -104,8 +102,8 @@ struct OffloadResult {
       unreadable;  ///< what the scan could not read; not part of allVerified
   PlatformKit::Date started{};
   PlatformKit::Date finished{};
-  /// Destinations that the run gave up on, with the sentence that made it give up.
-  std::map<std::size_t, std::string> destinationErrors;
+  /// Destinations that the run gave up on, with what made it give up.
+  std::map<std::size_t, Reason> destinationErrors;
   /// Destinations whose copies were read back through the computer's cache, which may not have asked
   /// the drive; see PlatformKit::VolumeFacts::readsThroughCache.
   std::set<std::size_t> readThroughCache;
@@ -114,12 +112,9 @@ struct OffloadResult {
   std::vector<MissingRecord> missingRecords;
   std::optional<CardImageResult> cardImage;
 
-  /// Everything that was asked for is there: all files are verified, all of the card could be read,
-  /// the image, if there is one, is verified and has no holes, and every drive has its records.
-  [[nodiscard]] bool isComplete() const;
   /// Sum of the sizes of all files, whatever became of them, in bytes.
   [[nodiscard]] std::uint64_t totalBytes() const;
-  /// No file failed on any destination; true also without files.
+  /// No file failed on any destination; true also without files. No more than that: see Verdict.
   [[nodiscard]] bool allVerified() const;
   /// The files that failed on at least one destination, in order; valid as long as this result.
   [[nodiscard]] std::vector<const OffloadedFile*> failedFiles() const;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OffloadKit/Records/Reason.h"
 #include "PlatformKit/Dates.h"
 
 #include <cstdint>
@@ -24,7 +25,7 @@ struct SourceFile {
 /// list.
 struct UnreadableItem {
   std::string relativePath;  ///< as in SourceFile; empty for the source folder itself
-  std::string reason;        ///< the system's text for the error
+  Reason reason;
 
   friend bool operator==(const UnreadableItem&, const UnreadableItem&) = default;
 };

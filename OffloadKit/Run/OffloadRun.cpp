@@ -64,14 +64,12 @@ void OffloadRun::requirePlaces() const {
 }
 
 void OffloadRun::scanSource() {
-  auto held = system_.fileSystem.openFolder(plan_.source, PlatformKit::Mounts::crossed);
-  if (!held.ok()) throw OffloadError::sourceUnreadable("couldn't list its files");
-  card_ = std::move(held.value());
+  card_ = openSource(system_.fileSystem, plan_.source);
   SourceScan found = scan(*card_);
   if (found.files.empty() && !found.unreadable.empty()) {
     // A card that refuses everything must not look like one that may be erased.
     const UnreadableItem& first = found.unreadable.front();
-    throw OffloadError::sourceUnreadable(first.relativePath + ": " + first.reason);
+    throw OffloadError::sourceUnreadable(Reason::about(first.relativePath, first.reason));
   }
   if (found.files.empty()) throw OffloadError::noFiles();
   files_ = std::move(found.files);
@@ -155,14 +153,14 @@ void OffloadRun::copyFile(const SourceFile& file, const CopyStep& copy) {
     };
   };
   const CopyProgress progress{advance(Phase::copying), advance(Phase::verifying)};
-  std::optional<std::string> failure;
+  std::optional<Reason> failure;
   try {
     result_.files.push_back(copy(progress));
   } catch (const OffloadError& error) {
     if (error.isCancelled()) throw;
-    failure = error.errorDescription();
+    failure = error.reason();
   } catch (const std::exception& error) {
-    failure = error.what();
+    failure = Reason::fromOutside(error.what());
   }
   if (failure) {
     done_ += workWeight_ * static_cast<double>(file.size);
@@ -180,7 +178,7 @@ void OffloadRun::countOutcomes(const OffloadedFile& file) {
       ++drive.verified;
     } else {
       ++drive.failed;
-      drive.lastFailure = file.outcomes[i].reason();
+      drive.lastFailure = *file.outcomes[i].reason();
     }
   }
 }

@@ -3,7 +3,6 @@
 #include "DeviceKit/Places.h"
 #include "OffloadKit/Copying/LaneCopy.h"
 #include "OffloadKit/Records/OffloadError.h"
-#include "OffloadKit/Wording/ErrorSentences.h"
 #include "PlatformKit/Paths.h"
 
 #include <algorithm>

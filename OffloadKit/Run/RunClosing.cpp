@@ -17,7 +17,7 @@ void RunClosing::openCardDevice() {
   try {
     card_ = std::make_unique<DeviceKit::BlockDeviceSource>(rawDevices_.openReadOnly(path), path);
   } catch (const DeviceKit::DeviceError& error) {
-    throw OffloadError::cardImageUnavailable(error.errorDescription());
+    throw OffloadError::cardImageUnavailable(error.reason());
   }
 }
 
@@ -46,42 +46,43 @@ void RunClosing::writeRecords(OffloadResult& result) const {
   tellGivenUp(result);
   for (std::size_t i = 0; i < lanes_.size(); ++i) {
     if (result.verifiedCount(i) == 0) continue;
-    writeRecord(result, {MissingRecord::Kind::report, i, {}});
-    writeRecord(result, {MissingRecord::Kind::hashList, i, {}});
+    writeRecord(result, MissingRecord::Kind::report, i);
+    writeRecord(result, MissingRecord::Kind::hashList, i);
   }
   tellGivenUp(result);
 }
 
 void RunClosing::tellGivenUp(OffloadResult& result) const {
   for (std::size_t i = 0; i < lanes_.size(); ++i) {
-    if (const Reason* reason = lanes_[i].givenUp()) result.destinationErrors[i] = reason->english();
+    if (const Reason* reason = lanes_[i].givenUp())
+      result.destinationErrors.insert_or_assign(i, *reason);
   }
 }
 
 // A record that cannot be written must not spoil a verified offload; the result tells it.
-void RunClosing::writeRecord(OffloadResult& result, MissingRecord missing) const {
-  const bool isReport = missing.kind == MissingRecord::Kind::report;
-  Lane& lane = lanes_[missing.destination];
+void RunClosing::writeRecord(OffloadResult& result, MissingRecord::Kind kind,
+                             std::size_t destination) const {
+  const bool isReport = kind == MissingRecord::Kind::report;
+  Lane& lane = lanes_[destination];
+  Reason reason(Reason::Kind::disconnected);
   lane.checkPlace();
   try {
     if (!lane.isDisconnected()) {
       const PlatformKit::Path path =
-          isReport
-              ? PlatformKit::Path(OffloadReport::write(lane.folder(), result, missing.destination))
-              : writeHashList(result, missing.destination);
+          isReport ? PlatformKit::Path(OffloadReport::write(lane.folder(), result, destination))
+                   : writeHashList(result, destination);
       lane.checkPlace();
       if (!lane.isDisconnected()) {
         (isReport ? result.reports : result.mhlFiles).push_back(lane.path() / path);
         return;
       }
     }
-    missing.reason = Reason(Reason::Kind::disconnected).english();
   } catch (const std::system_error& error) {
-    missing.reason = lane.otherError(error.code().value()).english();
+    reason = lane.otherError(error.code().value());
   } catch (const std::exception& error) {
-    missing.reason = error.what();
+    reason = Reason::fromOutside(error.what());
   }
-  result.missingRecords.push_back(std::move(missing));
+  result.missingRecords.push_back({kind, destination, std::move(reason)});
 }
 
 PlatformKit::Path RunClosing::writeHashList(const OffloadResult& result,

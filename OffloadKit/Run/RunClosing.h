@@ -46,7 +46,7 @@ class RunClosing {
   void writeRecords(OffloadResult& result) const;
 
  private:
-  void writeRecord(OffloadResult& result, MissingRecord missing) const;
+  void writeRecord(OffloadResult& result, MissingRecord::Kind kind, std::size_t destination) const;
   [[nodiscard]] PlatformKit::Path writeHashList(const OffloadResult& result,
                                                 std::size_t destination) const;
   void tellGivenUp(OffloadResult& result) const;

@@ -67,7 +67,7 @@ std::string drive(const OffloadProgress::Drive& drive) {
   }
   return filled(translate("Progress", "%1 verified · %2 not verified: %3"),
                 {verified, std::to_string(drive.failed),
-                 TextKit::singleLineText(shownReason(drive.lastFailure))});
+                 drive.lastFailure ? TextKit::singleLineText(shown(*drive.lastFailure)) : ""});
 }
 
 }  // namespace OffloadKit::ProgressTexts

@@ -1,5 +1,6 @@
 #include "OffloadKit/Wording/ResultTexts.h"
 
+#include "OffloadKit/Records/Verdict.h"
 #include "OffloadKit/Wording/Format.h"
 #include "OffloadKit/Wording/ShownReason.h"
 #include "TextKit/ByteCount.h"
@@ -16,9 +17,10 @@ using TextKit::filled;
 using TextKit::shownByteCount;
 using TextKit::singleLineText;
 using TextKit::translate;
+using Finding = Verdict::Finding;
 
-std::string shownLine(const std::string& reason) {
-  return singleLineText(shownReason(reason));
+std::string shownLine(const Reason& reason) {
+  return singleLineText(shown(reason));
 }
 
 std::string verifiedEverywhere(const OffloadResult& result) {
@@ -57,20 +59,31 @@ std::string imageVerified(const CardImageResult& image) {
 }  // namespace
 
 std::string title(const OffloadResult& result) {
-  if (!result.allVerified()) return translate("Result", "Some files weren't verified");
-  if (!result.unreadable.empty()) return translate("Result", "Some of the card couldn't be read");
+  switch (Verdict(result).worst()) {
+    case Finding::notVerified:
+      return translate("Result", "Some files weren't verified");
+    case Finding::cardUnreadable:
+      return translate("Result", "Some of the card couldn't be read");
+    case Finding::imageIncomplete:
+    case Finding::recordMissing:
+      return translate("Notice", "Offload finished with problems");
+    case Finding::throughCache:
+    case Finding::nothing:
+      break;
+  }
   return translate("Result", "Offload verified");
 }
 
 std::string sentence(const OffloadResult& result) {
-  if (!result.allVerified()) {
+  const Finding worst = Verdict(result).worst();
+  if (worst == Finding::notVerified) {
     const std::size_t failed = result.failedFiles().size();
     return filled(
         translate("Result", "%1 files didn't make it onto every drive. Don't erase the card yet.",
                   "%1 file didn't make it onto every drive. Don't erase the card yet.", failed),
         {std::to_string(failed)});
   }
-  if (!result.unreadable.empty()) {
+  if (worst == Finding::cardUnreadable) {
     return translate("Result",
                      "Every file that could be listed is verified, but there may be more. Don't "
                      "erase the card yet.");
@@ -115,14 +128,14 @@ std::string drive(const OffloadResult& result, std::size_t destination) {
 
 std::string cardImage(const CardImageResult& image) {
   if (image.outcome.isVerified()) return imageVerified(image);
-  return filled(translate("Result", "Not saved: %1"), {shownLine(image.outcome.reason())});
+  return filled(translate("Result", "Not saved: %1"), {shownLine(*image.outcome.reason())});
 }
 
 std::string failedFile(const OffloadedFile& file) {
   const auto failed = std::find_if(file.outcomes.begin(), file.outcomes.end(),
                                    [](const auto& outcome) { return !outcome.isVerified(); });
   return singleLineText(file.file.relativePath) + ": " +
-         (failed == file.outcomes.end() ? "" : shownLine(failed->reason()));
+         (failed == file.outcomes.end() ? "" : shownLine(*failed->reason()));
 }
 
 std::string unreadableItem(const UnreadableItem& item) {

@@ -11,8 +11,8 @@ namespace OffloadKit::ResultTexts {
 /// What a result says to people, in the window as on the terminal. In the user's language, valid
 /// UTF-8, one line each. Any thread.
 
-/// "Offload verified" or "Some files weren't verified"; a result whose files are all verified, but
-/// that could not read all of the card, is told as "Some of the card couldn't be read".
+/// What the verdict finds worst: "Some files weren't verified", "Some of the card couldn't be read",
+/// "Offload finished with problems" (of an image or a record), or "Offload verified".
 std::string title(const OffloadResult& result);
 
 /// What the title means, and what to do.

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "OffloadKit/Records/Reason.h"
+
 #include <string>
 
 namespace OffloadKit {
 
-/// Results, progress and errors keep their sentences in English, since reports and machines read
-/// them. This is such a sentence as people read it, in the user's language: of an outcome, a drive
-/// that was given up, an item that could not be read, a device or a card that was not ejected. A
-/// sentence that it does not know, as from a library, comes back as it is. Any thread.
-std::string shownReason(const std::string& reason);
+/// A reason as people read it, in the user's language: its sentence, the reasons behind it and the
+/// system's own texts. Names in it are bytes as they are. Any thread.
+std::string shown(const Reason& reason);
 
 }  // namespace OffloadKit

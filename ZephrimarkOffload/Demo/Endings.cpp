@@ -1,6 +1,7 @@
 #include "ZephrimarkOffload/Demo/Endings.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 
 namespace ZephrimarkOffload::Demo {
@@ -12,7 +13,6 @@ using OffloadKit::OffloadPlan;
 using OffloadKit::OffloadResult;
 
 constexpr double kBytesPerSecond = 182'700'000;
-constexpr const char* kDisconnected = "The drive was disconnected";
 
 }  // namespace
 
@@ -34,20 +34,21 @@ OffloadResult verified(const OffloadPlan& plan, const Files& files) {
 
 OffloadResult disconnected(const OffloadPlan& plan, const Files& files, std::size_t missing) {
   OffloadResult result = verified(plan, files);
+  const OffloadKit::Reason reason(OffloadKit::Reason::Kind::disconnected);
   const std::size_t pulled = plan.destinations.size() - 1;
-  result.destinationErrors[pulled] = kDisconnected;
+  result.destinationErrors.emplace(pulled, reason);
   result.reports.pop_back();
   result.mhlFiles.pop_back();
   for (std::size_t i = files.size() - std::min(missing, files.size()); i < files.size(); ++i) {
-    result.files[i].outcomes[pulled] = OffloadedFile::Outcome::failed(kDisconnected);
+    result.files[i].outcomes[pulled] = OffloadedFile::Outcome::failed(reason);
   }
   return result;
 }
 
 OffloadResult partlyUnreadable(const OffloadPlan& plan, const Files& files) {
   OffloadResult result = verified(plan, files);
-  result.unreadable = {{"CLIPS/A021", "Input/output error"},
-                       {"CLIPS/A007/A007C052_261007.MXF", "Input/output error"}};
+  const auto unread = OffloadKit::Reason::ofSystem(EIO);
+  result.unreadable = {{"CLIPS/A021", unread}, {"CLIPS/A007/A007C052_261007.MXF", unread}};
   return result;
 }
 

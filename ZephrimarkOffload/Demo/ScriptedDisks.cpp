@@ -102,11 +102,13 @@ DestinationFacts ScriptedDisks::destination(const Path& path) {
   return {exists(path), true, path.filename().native(), kRoomOnThisComputer, kThisComputer, "/"};
 }
 
-std::optional<std::string> ScriptedDisks::eject(const Path& volume, const std::string& name) {
+std::optional<DeviceKit::Reason> ScriptedDisks::eject(const Path& volume, const std::string& name) {
   std::function<void()> changed;
   {
     const std::lock_guard held(lock_);
-    if (card(volume) == nullptr) return name + " is not mounted any more, so it was not ejected.";
+    if (card(volume) == nullptr) {
+      return DeviceKit::Reason(DeviceKit::Reason::Kind::notMounted, {name});
+    }
     cards_.erase(std::remove_if(cards_.begin(), cards_.end(),
                                 [&](const ScriptedCard& card) { return card.root == volume; }),
                  cards_.end());

@@ -41,8 +41,8 @@ class ScriptedDisks final : public DiskQuestions, public PlatformKit::VolumeWatc
   [[nodiscard]] SourceCount count(const PlatformKit::Path& path) override;
   [[nodiscard]] DestinationFacts destination(const PlatformKit::Path& path) override;
   /// Takes the card away.
-  [[nodiscard]] std::optional<std::string> eject(const PlatformKit::Path& volume,
-                                                 const std::string& name) override;
+  [[nodiscard]] std::optional<DeviceKit::Reason> eject(const PlatformKit::Path& volume,
+                                                       const std::string& name) override;
 
   void start(std::function<void()> changed) override;
 

@@ -54,7 +54,7 @@ Script heldAt(double fraction) {
     auto& drive = progress.drives.back();
     --drive.verified;
     drive.failed = 1;
-    drive.lastFailure = "The copy didn't match the original";
+    drive.lastFailure = OffloadKit::Reason(OffloadKit::Reason::Kind::copyDiffers);
     run.report(progress);
     while (true) run.wait(std::chrono::hours(1));
   };

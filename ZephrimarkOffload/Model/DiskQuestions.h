@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DeviceKit/DiskEnumerator.h"
+#include "DeviceKit/Reason.h"
 #include "PlatformKit/MountedVolumes.h"
 
 #include <cstddef>
@@ -69,10 +70,10 @@ class DiskQuestions {
   [[nodiscard]] virtual SourceCount count(const PlatformKit::Path& path) = 0;
   [[nodiscard]] virtual DestinationFacts destination(const PlatformKit::Path& path) = 0;
 
-  /// Unmounts and ejects the disk under the volume; none when that was done, else a sentence in
-  /// English that calls it `name` and says why not.
-  [[nodiscard]] virtual std::optional<std::string> eject(const PlatformKit::Path& volume,
-                                                         const std::string& name) = 0;
+  /// Unmounts and ejects the disk under the volume; none when that was done, else why not, in
+  /// a reason that calls it `name`.
+  [[nodiscard]] virtual std::optional<DeviceKit::Reason> eject(const PlatformKit::Path& volume,
+                                                               const std::string& name) = 0;
 };
 
 }  // namespace ZephrimarkOffload

@@ -1,6 +1,5 @@
 #include "ZephrimarkOffload/Model/OffloadModel.h"
 
-#include "OffloadKit/Wording/ErrorSentences.h"
 #include "PlatformKit/Paths.h"
 #include "TextKit/Translation.h"
 #include "TextKit/Unicode.h"

@@ -1,7 +1,7 @@
 // The model's part that carries out an offload.
 
 #include "OffloadKit/Records/OffloadError.h"
-#include "OffloadKit/Wording/ErrorSentences.h"
+#include "OffloadKit/Records/Verdict.h"
 #include "OffloadKit/Wording/ShownReason.h"
 #include "PlatformKit/Paths.h"
 #include "TextKit/Translation.h"
@@ -67,7 +67,7 @@ void OffloadModel::runInBackground(const OffloadKit::OffloadPlan& plan,
       if (error.isCancelled()) {
         main->post([this] { stopped(); });
       } else {
-        main->post([this, message = error.shownDescription()] { failed(message); });
+        main->post([this, message = OffloadKit::shown(error.reason())] { failed(message); });
       }
     } catch (const std::exception& error) {
       main->post([this, message = std::string(error.what())] { failed(message); });
@@ -76,7 +76,7 @@ void OffloadModel::runInBackground(const OffloadKit::OffloadPlan& plan,
   try {
     run_ = std::thread(work);
   } catch (const std::system_error& error) {
-    failed(OffloadKit::shownReason(OffloadKit::systemText(error.code().value())));
+    failed(OffloadKit::shown(OffloadKit::Reason::ofSystem(error.code().value())));
   }
 }
 
@@ -113,8 +113,7 @@ void OffloadModel::finished(OffloadKit::OffloadResult result, const std::optiona
   const Notice notice = noticeOf(*shown);
   services_.desktop.notify(QString::fromStdString(notice.title),
                            QString::fromStdString(notice.body));
-  // Nobody reads a card again that is in a bag: it stays while anything of it may be missing.
-  if (eject && shown->isComplete() && isSourceOfRun()) this->eject(*eject);
+  if (eject && OffloadKit::Verdict(*shown).mayEject() && isSourceOfRun()) this->eject(*eject);
 }
 
 void OffloadModel::stopped() {
@@ -154,12 +153,12 @@ void OffloadModel::eject(const Path& volume) {
   background_.ask(
       "eject " + volume.native(),
       [volume, name](DiskQuestions& questions) { return questions.eject(volume, name); },
-      [this, name](const std::optional<std::string>& failure) {
+      [this, name](const std::optional<OffloadKit::Reason>& failure) {
         isEjecting_ = false;
         isEjected_ = !failure;
         ejectMessage_ =
             failure
-                ? OffloadKit::shownReason(*failure)
+                ? OffloadKit::shown(*failure)
                 : TextKit::filled(
                       TextKit::translate("Setup", "Ejected %1. You can take it out now."), {name});
         emit ejectChanged();

@@ -12,7 +12,8 @@ OffloadKit::OffloadResult EngineRunner::run(const OffloadKit::OffloadPlan& plan,
     const auto disk = DeviceKit::DiskEnumerator(disks_, nullptr).wholeDisk(plan.source);
     if (!disk || disk->rawPath != plan.cardImage->devicePath ||
         disk->size != plan.cardImage->size) {
-      throw OffloadKit::OffloadError::cardImageUnavailable("Another card is in its place now.");
+      throw OffloadKit::OffloadError::cardImageUnavailable(
+          OffloadKit::Reason(OffloadKit::Reason::Kind::otherCardThere));
     }
   }
   return engine_.run(plan, progress);

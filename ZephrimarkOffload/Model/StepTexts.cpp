@@ -1,5 +1,6 @@
 #include "ZephrimarkOffload/Model/StepTexts.h"
 
+#include "OffloadKit/Records/Verdict.h"
 #include "TextKit/Translation.h"
 #include "TextKit/Unicode.h"
 
@@ -8,14 +9,16 @@ namespace {
 
 using TextKit::filled;
 using TextKit::translate;
+using Finding = OffloadKit::Verdict::Finding;
 using Phase = OffloadKit::OffloadProgress::Phase;
 
 std::string doneStatus(const OffloadKit::OffloadResult& result) {
-  if (!result.allVerified()) {
+  const auto worst = OffloadKit::Verdict(result).worst();
+  if (worst == Finding::notVerified) {
     return translate("Steps",
                      "Some files weren't verified on every drive. Don't format the card yet.");
   }
-  if (!result.unreadable.empty()) {
+  if (worst == Finding::cardUnreadable) {
     return translate("Steps", "Some of the card couldn't be read. Don't format the card yet.");
   }
   return translate(

@@ -4,9 +4,7 @@
 #include "OffloadKit/Card/CameraName.h"
 #include "OffloadKit/Card/SourceScan.h"
 #include "OffloadKit/Records/FolderPreset.h"
-#include "OffloadKit/Wording/ErrorSentences.h"
 #include "PlatformKit/Paths.h"
-#include "TextKit/Translation.h"
 
 #include <exception>
 
@@ -72,10 +70,11 @@ DestinationFacts SystemDiskQuestions::destination(const Path& path) {
   return facts;
 }
 
-std::optional<std::string> SystemDiskQuestions::eject(const Path& volume, const std::string& name) {
+std::optional<DeviceKit::Reason> SystemDiskQuestions::eject(const Path& volume,
+                                                            const std::string& name) {
   // Once a card is taken out, its folder may lie on another disk.
   if (!DeviceKit::isVolumeRoot(system_, volume)) {
-    return TextKit::filled("%1 is not mounted any more, so it was not ejected.", {name});
+    return DeviceKit::Reason(DeviceKit::Reason::Kind::notMounted, {name});
   }
   return ejector_.eject(volume, name);
 }

@@ -24,8 +24,8 @@ class SystemDiskQuestions final : public DiskQuestions {
   [[nodiscard]] SourceFacts source(const PlatformKit::Path& path) override;
   [[nodiscard]] SourceCount count(const PlatformKit::Path& path) override;
   [[nodiscard]] DestinationFacts destination(const PlatformKit::Path& path) override;
-  [[nodiscard]] std::optional<std::string> eject(const PlatformKit::Path& volume,
-                                                 const std::string& name) override;
+  [[nodiscard]] std::optional<DeviceKit::Reason> eject(const PlatformKit::Path& volume,
+                                                       const std::string& name) override;
 
  private:
   PlatformKit::System system_;

@@ -1,6 +1,5 @@
 #include "ZephrimarkOffload/Screens/DonePresenter.h"
 
-#include "OffloadKit/Wording/ErrorSentences.h"
 #include "OffloadKit/Wording/ResultTexts.h"
 #include "PlatformKit/Paths.h"
 #include "ZephrimarkOffload/Screens/Text.h"
@@ -11,6 +10,7 @@ namespace ZephrimarkOffload {
 namespace {
 
 namespace ResultTexts = OffloadKit::ResultTexts;
+using Finding = OffloadKit::Verdict::Finding;
 
 // More would not be read on a screen; the report has them all.
 constexpr std::size_t kMostLines = 30;
@@ -30,6 +30,7 @@ DonePresenter::DonePresenter(OffloadModel& model, PathAction reveal, PathAction 
 void DonePresenter::stageChanged() {
   if (!model_.stage().result()) return;
   result_ = model_.stage().result();
+  verdict_ = OffloadKit::Verdict(*result_);
   drives_.setRows(driveRows());
   std::vector<std::string> unreadable;
   for (const auto& item : result_->unreadable) {
@@ -52,13 +53,9 @@ std::vector<QVariantMap> DonePresenter::driveRows() const {
                     {"name", lineText(name)},
                     {"detail", lineText(ResultTexts::drive(*result_, i))},
                     {"place", lineText(folders[i].native())},
-                    {"isVerified", result_->verifiedCount(i) == result_->files.size()}});
+                    {"isVerified", verdict_.isVerifiedOn(i)}});
   }
   return rows;
-}
-
-bool DonePresenter::isVerified() const {
-  return result_->allVerified() && result_->unreadable.empty();
 }
 
 QString DonePresenter::title() const {
@@ -91,7 +88,7 @@ bool DonePresenter::isCardImageVerified() const {
 }
 
 QString DonePresenter::missingProof() const {
-  if (result_->missingRecords.empty()) return {};
+  if (!verdict_.has(Finding::recordMissing)) return {};
   return tr("Not every drive got its report and its hash list: they could not be written.");
 }
 
@@ -108,7 +105,7 @@ QString DonePresenter::ejectMessage() const {
 }
 
 bool DonePresenter::canTryAgain() const {
-  return !result_->allVerified();
+  return verdict_.has(Finding::notVerified);
 }
 
 void DonePresenter::revealDrive(int row) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OffloadKit/Records/Verdict.h"
 #include "ZephrimarkOffload/Model/OffloadModel.h"
 #include "ZephrimarkOffload/Screens/RowModel.h"
 
@@ -17,7 +18,7 @@ class DonePresenter final : public QObject {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("made by the application")
-  Q_PROPERTY(bool isVerified READ isVerified NOTIFY changed)
+  Q_PROPERTY(bool isGood READ isGood NOTIFY changed)
   Q_PROPERTY(QString title READ title NOTIFY changed)
   Q_PROPERTY(QString sentence READ sentence NOTIFY changed)
   Q_PROPERTY(QString files READ files NOTIFY changed)
@@ -26,6 +27,7 @@ class DonePresenter final : public QObject {
   // Roles: name, detail, place, isVerified.
   Q_PROPERTY(ZephrimarkOffload::RowModel* drives READ drives CONSTANT)
   Q_PROPERTY(QString cardImage READ cardImage NOTIFY changed)
+  Q_PROPERTY(bool isCardImageWhole READ isCardImageWhole NOTIFY changed)
   Q_PROPERTY(bool isCardImageVerified READ isCardImageVerified NOTIFY changed)
   Q_PROPERTY(QStringList unreadable READ unreadable NOTIFY changed)
   Q_PROPERTY(QStringList failedFiles READ failedFiles NOTIFY changed)
@@ -44,7 +46,7 @@ class DonePresenter final : public QObject {
   /// The model outlives it.
   DonePresenter(OffloadModel& model, PathAction reveal, PathAction open);
 
-  [[nodiscard]] bool isVerified() const;
+  [[nodiscard]] bool isGood() const { return verdict_.isGood(); }
   [[nodiscard]] QString title() const;
   [[nodiscard]] QString sentence() const;
   [[nodiscard]] QString files() const;
@@ -53,6 +55,11 @@ class DonePresenter final : public QObject {
   [[nodiscard]] RowModel* drives() { return &drives_; }
   /// Empty when no card image was asked for.
   [[nodiscard]] QString cardImage() const;
+  /// Whether it is verified and has no holes.
+  [[nodiscard]] bool isCardImageWhole() const {
+    return !verdict_.has(OffloadKit::Verdict::Finding::imageIncomplete);
+  }
+  /// Whether it is there to be shown.
   [[nodiscard]] bool isCardImageVerified() const;
   /// The first of what could not be read from the card, and of the files that failed somewhere.
   [[nodiscard]] QStringList unreadable() const { return unreadable_; }
@@ -85,6 +92,7 @@ class DonePresenter final : public QObject {
   // Kept beyond the stage, since the screen fades out with what it showed.
   std::shared_ptr<const OffloadKit::OffloadResult> result_ =
       std::make_shared<const OffloadKit::OffloadResult>();
+  OffloadKit::Verdict verdict_{*result_};
   RowModel drives_;
   QStringList unreadable_;
   QStringList failedFiles_;

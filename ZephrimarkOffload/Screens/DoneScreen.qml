@@ -35,8 +35,8 @@ ColumnLayout {
 
             Icon {
                 anchors.horizontalCenter: parent.horizontalCenter
-                name: screen.presenter.isVerified ? "checkmark.seal.fill" : "exclamationmark.triangle.fill"
-                color: screen.presenter.isVerified ? Brand.green : Brand.orange
+                name: screen.presenter.isGood ? "checkmark.seal.fill" : "exclamationmark.triangle.fill"
+                color: screen.presenter.isGood ? Brand.green : Brand.orange
                 size: 38
             }
 
@@ -108,8 +108,8 @@ ColumnLayout {
                     name: qsTr("Card image")
                     detail: screen.presenter.cardImage
                     place: ""
-                    isVerified: screen.presenter.isCardImageVerified
-                    buttonText: isVerified ? screen.showInFileBrowser : ""
+                    isVerified: screen.presenter.isCardImageWhole
+                    buttonText: screen.presenter.isCardImageVerified ? screen.showInFileBrowser : ""
                     onRevealed: screen.presenter.revealCardImage()
                 }
             }

@@ -52,13 +52,12 @@ bool RunLog::add(const OffloadKit::OffloadProgress& progress, PlatformKit::Date 
 
 void RunLog::addProblems(const OffloadKit::OffloadProgress& progress, PlatformKit::Date time) {
   for (std::size_t i = 0; i < lastFailures_.size() && i < progress.drives.size(); ++i) {
-    const std::string& failure = progress.drives[i].lastFailure;
+    const auto& failure = progress.drives[i].lastFailure;
     // The same failure again is in the count that stands beside the drive.
-    if (failure.empty() || failure == lastFailures_[i] || lines_.size() >= kMostLines) continue;
+    if (!failure || failure == lastFailures_[i] || lines_.size() >= kMostLines) continue;
     lastFailures_[i] = failure;
     lines_.push_back(
-        {time, driveNames_[i] + ": " + TextKit::singleLineText(OffloadKit::shownReason(failure)),
-         true});
+        {time, driveNames_[i] + ": " + TextKit::singleLineText(OffloadKit::shown(*failure)), true});
   }
 }
 

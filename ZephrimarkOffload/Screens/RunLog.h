@@ -4,6 +4,7 @@
 #include "PlatformKit/Dates.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,7 +31,7 @@ class RunLog {
   void addProblems(const OffloadKit::OffloadProgress& progress, PlatformKit::Date time);
 
   std::vector<std::string> driveNames_;
-  std::vector<std::string> lastFailures_;
+  std::vector<std::optional<OffloadKit::Reason>> lastFailures_;
   std::vector<Line> lines_;
   bool isScanned_ = false;
   OffloadKit::OffloadProgress::Phase phase_ = OffloadKit::OffloadProgress::Phase::scanning;

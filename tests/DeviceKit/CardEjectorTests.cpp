@@ -1,6 +1,7 @@
 #include "DeviceKit/CardEjector.h"
 #include "PlatformKit/Testing/FakeDisks.h"
 #include "PlatformKit/Testing/FakeEjector.h"
+#include "tests/Because.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,9 +12,7 @@ namespace {
 using Answer = PlatformKit::Ejector::Answer;
 using PlatformKit::DiskFacts;
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::Optional;
 
 class CardEjectorOfFakes : public ::testing::Test {
  protected:
@@ -41,9 +40,9 @@ TEST_F(CardEjectorOfFakes, EjectsTheDiskUnderTheVolumeButNoneOfTheComputer) {
   EXPECT_THAT(ejector_.asked, ElementsAre("sdb", "loop0"));
   ejector_.asked.clear();
   EXPECT_EQ(cards_.eject("/", "A010"),
-            "A010 is not on a memory card or an external drive. It was not ejected.");
-  EXPECT_THAT(cards_.eject("/media/Server", "Server"),
-              Optional(HasSubstr("no single disk under Server")));
+            because("A010 is not on a memory card or an external drive. It was not ejected."));
+  EXPECT_EQ(cards_.eject("/media/Server", "Server"),
+            Reason(Reason::Kind::noSingleDisk, {"Server"}));
   EXPECT_THAT(ejector_.asked, IsEmpty());
 }
 
@@ -64,9 +63,9 @@ TEST_F(CardEjectorOfFakes, SaysWhyNotAndWhatToDo) {
         {Answer::failed,
          "A010 reported an error while it was unmounted. Try again before you take it out."}}) {
     ejector_.answer = answer;
-    EXPECT_EQ(cards_.eject("/media/A010", "A010"), sentence);
+    EXPECT_EQ(cards_.eject("/media/A010", "A010"), because(sentence));
   }
-  EXPECT_EQ(CardEjector(disks_, nullptr).eject("/media/A010", "A010"), noService);
+  EXPECT_EQ(CardEjector(disks_, nullptr).eject("/media/A010", "A010"), because(noService));
 }
 
 }  // namespace

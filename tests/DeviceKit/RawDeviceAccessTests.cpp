@@ -34,7 +34,7 @@ std::string failureOf(const std::function<void()>& action) {
   try {
     action();
   } catch (const DeviceError& error) {
-    return error.errorDescription();
+    return error.what();
   }
   return "none";
 }

@@ -30,7 +30,7 @@ class Sources : public ::testing::Test {
     try {
       SourceOpener::open(devices_, access_, path);
     } catch (const DeviceError& error) {
-      return error.errorDescription();
+      return error.what();
     }
     return "none";
   }

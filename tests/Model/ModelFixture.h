@@ -7,6 +7,7 @@
 #include "PlatformKit/Testing/ManualClock.h"
 #include "PlatformKit/Testing/TempFolder.h"
 #include "ZephrimarkOffload/Model/OffloadModel.h"
+#include "tests/Because.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -78,7 +79,8 @@ class FakeDiskQuestions final : public DiskQuestions {
   [[nodiscard]] DestinationFacts destination(const Path& path) override {
     return asked(path, [&] { return destinations_[path]; });
   }
-  [[nodiscard]] std::optional<std::string> eject(const Path& volume, const std::string&) override {
+  [[nodiscard]] std::optional<DeviceKit::Reason> eject(const Path& volume,
+                                                       const std::string&) override {
     const std::lock_guard held(lock_);
     ejected_.push_back(volume);
     return ejectFailure_;
@@ -93,7 +95,7 @@ class FakeDiskQuestions final : public DiskQuestions {
   std::set<Path> gone_;
   std::set<Path> dead_;
   std::vector<Path> ejected_;
-  std::optional<std::string> ejectFailure_;
+  std::optional<DeviceKit::Reason> ejectFailure_;
 
  private:
   std::mutex lock_;

@@ -175,22 +175,17 @@ class ScriptedRunner final : public OffloadRunner {
 };
 
 TEST_F(ModelRunTests, ACardStaysWhileItsImageOrARecordIsMissing) {
-  OffloadKit::CardImageResult failed;
-  failed.outcome = OffloadKit::CardImageResult::Outcome::failed("The drive is full");
-  OffloadKit::CardImageResult withHoles;
-  withHoles.outcome = OffloadKit::CardImageResult::Outcome::verified();
-  withHoles.unreadableBlocks = 1;
-  OffloadKit::OffloadResult results[4];
-  results[0].cardImage = failed;
-  results[1].cardImage = withHoles;
-  results[2].missingRecords = {{OffloadKit::MissingRecord::Kind::hashList, 0, "The drive is full"}};
+  OffloadKit::OffloadResult results[3];
+  results[0].cardImage.emplace();
+  results[1].missingRecords = {
+      {OffloadKit::MissingRecord::Kind::hashList, 0, because("The drive is full")}};
   for (const auto& result : results) {
     makeRunner_ = [&] { return std::make_unique<ScriptedRunner>(result, false); };
     OffloadModel& model = makeModelOnFolders();
     model.setEjectWhenDone(true);
     model.start();
     ASSERT_TRUE(waitForEnd(model));
-    const bool stays = &result != &results[3];
+    const bool stays = &result != &results[2];
     EXPECT_TRUE(waitUntil([&] { return stays || !model.ejectMessage().empty(); }));
     EXPECT_EQ(model.isEjecting() || !model.ejectMessage().empty(), !stays);
   }
@@ -200,7 +195,7 @@ TEST_F(ModelRunTests, WhatCouldNotBeReadKeepsTheCardInAndEjectFailuresAreTold) {
   OffloadModel& model = makeModelOnFolders();
   model.setEjectWhenDone(true);
   OffloadKit::OffloadResult result;
-  result.unreadable = {{"DCIM/BAD", "Input/output error"}};
+  result.unreadable = {{"DCIM/BAD", because("Input/output error")}};
   makeRunner_ = [&] { return std::make_unique<ScriptedRunner>(result, false); };
   OffloadModel& partly = makeModelOnFolders();
   partly.start();
@@ -211,7 +206,8 @@ TEST_F(ModelRunTests, WhatCouldNotBeReadKeepsTheCardInAndEjectFailuresAreTold) {
   EXPECT_EQ(partly.stepStatus(), "Some of the card couldn't be read. Don't format the card yet.");
   EXPECT_FALSE(partly.isEjecting());
 
-  questions_->change([](FakeDiskQuestions& disks) { disks.ejectFailure_ = "It is busy."; });
+  questions_->change(
+      [](FakeDiskQuestions& disks) { disks.ejectFailure_ = because("It is busy."); });
   partly.showSetup();
   partly.eject(source_);
   EXPECT_EQ(partly.blocker(), "Ejecting the card…");

@@ -4,6 +4,7 @@
 #include "ZephrimarkOffload/Model/Readiness.h"
 #include "ZephrimarkOffload/Model/SetupTexts.h"
 #include "ZephrimarkOffload/Model/StepTexts.h"
+#include "tests/Because.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,7 +28,7 @@ OffloadResult resultOf(std::size_t files, std::size_t failed, std::size_t drives
     file.file.relativePath = "F" + std::to_string(i);
     file.file.size = 1'000'000;
     file.outcomes.assign(drives, Outcome::verified(false));
-    if (i < failed) file.outcomes.back() = Outcome::failed("The drive is full");
+    if (i < failed) file.outcomes.back() = Outcome::failed(because("The drive is full"));
     result.files.push_back(std::move(file));
   }
   return result;
@@ -181,7 +182,7 @@ TEST(ProgressTextsTests, FiguresFollowTheReport) {
   EXPECT_EQ(remaining(progress, 64), "About 3 min 12 s");
   progress->bytesPerSecond = 0.5;
   EXPECT_EQ(speed(progress), "Zero KB/s");
-  EXPECT_EQ(drive({12, 2, "The drive\nis full"}),
+  EXPECT_EQ(drive({12, 2, because("The drive\nis full")}),
             "12 verified · 2 not verified: The drive\uFFFDis full");
 }
 
@@ -229,15 +230,16 @@ TEST(ResultTextsTests, TheDoneScreensSentences) {
   EXPECT_EQ(took(result), "2 min 5 s · 20 MB/s");
   result.finished = result.started;
   EXPECT_EQ(took(result), "0 s · Zero KB/s");
-  EXPECT_EQ(cardImage(*result.cardImage), "Not saved: ");
   result.cardImage->outcome = OffloadKit::CardImageResult::Outcome::verified();
   result.cardImage->unreadableBlocks = 3;
   EXPECT_EQ(cardImage(*result.cardImage),
             "1.3 GB verified · 3 unreadable blocks saved as zeros · open it in Zephrimark Kestrine "
             "to look for deleted files");
+  EXPECT_EQ(title(result), "Offload finished with problems");
+  EXPECT_EQ(noticeOf(result).title, title(result));
 
   OffloadResult partly = resultOf(50, 45, 3);
-  partly.destinationErrors[2] = "The drive is full";
+  partly.destinationErrors.emplace(2, because("The drive is full"));
   EXPECT_EQ(title(partly), "Some files weren't verified");
   EXPECT_EQ(sentence(partly),
             "45 files didn't make it onto every drive. Don't erase the card yet.");

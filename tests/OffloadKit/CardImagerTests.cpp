@@ -32,7 +32,7 @@ class Imager : public OffloadFixture {
     return HashKit::hash(HashKit::HashAlgorithm::md5, std::as_bytes(std::span(content)));
   }
   void expectFailure(const CardImageResult& result, const std::string& reason) {
-    EXPECT_EQ(result.outcome, CardImageResult::Outcome::failed(reason));
+    EXPECT_EQ(result.outcome, CardImageResult::Outcome::failed(because(reason)));
     EXPECT_EQ(result.hash, std::nullopt);
     EXPECT_FALSE(std::filesystem::exists(image_));
     expectNothingPending();
@@ -110,7 +110,7 @@ TEST_F(Imager, neverReplacesAnImageAndClearsALeftover) {
   writeFile(drive(1) / "Card Image/.card.img.zmpart", "left over");
   EXPECT_TRUE(imageOf("/dev/card").outcome.isVerified());
   const auto again = imageOf("/dev/card");
-  EXPECT_EQ(again.outcome.reason(), "An image with this name is already there");
+  EXPECT_EQ(*again.outcome.reason(), because("An image with this name is already there"));
   EXPECT_EQ(readFile(image_), pattern(kChunk));
   expectNothingPending();
 }

@@ -1,6 +1,5 @@
 #include "OffloadKit/Copying/Lane.h"
 #include "OffloadKit/Records/OffloadError.h"
-#include "OffloadKit/Wording/ErrorSentences.h"
 #include "PlatformKit/Testing/ManualClock.h"
 #include "tests/OffloadKit/OffloadFixture.h"
 #include "tests/torture/PassThrough.h"
@@ -216,34 +215,37 @@ class FaultMatrix : public OffloadFixture {
     return error == EROFS || (endsTheDrive(error) && error != ENOSPC);
   }
 
-  // What is to become of a file on a drive; empty: it is verified.
-  static std::string failureOf(const Cell& cell, std::size_t file, int number) {
+  // Why a file is not to be verified on a drive; none: it is.
+  static std::optional<Reason> failureOf(const Cell& cell, std::size_t file, int number) {
     const bool middle = file == 1;
     if (!cell.drives.contains(number)) return {};
+    const auto when = [](bool fails, Reason reason) {
+      return fails ? std::optional(std::move(reason)) : std::nullopt;
+    };
+    const auto drive = Reason::ofDrive(cell.error);
     switch (cell.row.cost) {
       case Cost::file:
-        return middle ? describe(cell.error) : "";
+        return when(middle, drive);
       case Cost::content:
       case Cost::named:
-        return middle || (file == 2 && endsTheDrive(cell.error)) ? describe(cell.error) : "";
+        return when(middle || (file == 2 && endsTheDrive(cell.error)), drive);
       case Cost::name:
         // A long file is flushed beside the names before, which give the drive up.
         if (file == 2 && cell.size == Size::grouped) return {};
-        return (middle && cell.error != EACCES) || (file == 2 && endsTheDrive(cell.error))
-                   ? describe(cell.error)
-                   : "";
+        return when((middle && cell.error != EACCES) || (file == 2 && endsTheDrive(cell.error)),
+                    drive);
       case Cost::allNames:
-        return cell.error != EACCES ? describe(cell.error) : "";
+        return when(cell.error != EACCES, drive);
       case Cost::proof:
         // The name of the first of long files is proven by the third.
-        return isDead(cell.error) && (file > 0 || cell.size == Size::grouped) ? describe(cell.error)
-                                                                              : "";
+        return when(isDead(cell.error) && (file > 0 || cell.size == Size::grouped), drive);
       case Cost::readBack:
-        return middle ? "The copy couldn't be read back" : "";
+        return when(middle, Reason(Reason::Kind::copyUnreadable));
       case Cost::taken:
-        return middle ? describe(EEXIST) : "";
+        return when(middle, Reason::ofDrive(EEXIST));
       case Cost::cardFile:
-        return middle ? "The card couldn't be read: b/b: " + systemText(cell.error) : "";
+        return when(middle, because("The card couldn't be read: b/b: " +
+                                    Reason::ofSystem(cell.error).english()));
       default:
         return {};
     }
@@ -252,10 +254,10 @@ class FaultMatrix : public OffloadFixture {
   [[nodiscard]] std::string refusalOf(const Cell& cell) const {
     if (cell.row.cost != Cost::start) return {};
     if (cell.onTheCard) {
-      return OffloadError::sourceUnreadable("couldn't list its files").errorDescription();
+      return OffloadError::sourceUnreadable(Reason(Reason::Kind::filesNotListed)).what();
     }
     const std::string name = "T" + std::to_string(*cell.drives.begin()) + " (A001)";
-    return OffloadError::destinationUnavailable(name).errorDescription();
+    return OffloadError::destinationUnavailable(name).what();
   }
 
   // Everything that is not as it should be after a run in which the cell's call fails.
@@ -275,7 +277,7 @@ class FaultMatrix : public OffloadFixture {
       result = OffloadEngine({engineSees, volumes_, now_}, rawDeviceAccess_)
                    .run(planOf(cell.size), [](const OffloadProgress&) {});
     } catch (const OffloadError& error) {
-      refusal = error.errorDescription();
+      refusal = error.what();
     }
     // Nothing is written behind in a file of one chunk.
     const bool never = cell.size == Size::grouped && (cell.row.call == Call::startWriteback ||
@@ -298,7 +300,8 @@ class FaultMatrix : public OffloadFixture {
   template <class Expect>
   void compareRun(const Cell& cell, const OffloadResult& result, const Expect& expect) {
     std::vector<UnreadableItem> unread;
-    if (cell.row.cost == Cost::unread) unread.push_back({cell.row.place, systemText(cell.error)});
+    if (cell.row.cost == Cost::unread)
+      unread.push_back({cell.row.place, Reason::ofSystem(cell.error)});
     expect(result.unreadable == unread, "what could not be read is told wrongly");
     // A folder that may not be opened cannot be flushed, which is no fault.
     const bool harmless = cell.row.call == Call::flushFolder && cell.error == EACCES;
@@ -307,7 +310,7 @@ class FaultMatrix : public OffloadFixture {
       for (std::size_t i = 0; i < 3; ++i) {
         const auto error = result.destinationErrors.find(i);
         const bool gone =
-            error != result.destinationErrors.end() && error->second == describe(ENODEV);
+            error != result.destinationErrors.end() && error->second == Reason::ofDrive(ENODEV);
         if (gone || result.verifiedCount(i) == 0) ++count;
       }
       return count;
@@ -332,7 +335,8 @@ class FaultMatrix : public OffloadFixture {
     const auto told = result.destinationErrors.find(drive);
     expect((told != result.destinationErrors.end()) == givenUp, "given up wrongly" + at);
     if (givenUp && told != result.destinationErrors.end()) {
-      expect(told->second == describe(cell.error), "given up with: " + told->second + at);
+      expect(told->second == Reason::ofDrive(cell.error),
+             "given up with: " + told->second.english() + at);
     }
     for (std::size_t file = 0; file < 3; ++file) {
       const std::string name = kNames[file];
@@ -341,11 +345,11 @@ class FaultMatrix : public OffloadFixture {
       const bool part = !(cell.row.cost == Cost::unread && file == 1);
       expect((found != result.files.end()) == part, name + " is part of the run or not");
       if (found == result.files.end()) continue;
-      const std::string failure = failureOf(cell, file, number);
-      const Outcome& outcome = found->outcomes[drive];
-      expect(outcome.isVerified() == failure.empty() && outcome.reason() == failure,
-             name + at + ": " + outcome.reason());
-      expectCopy(cell, name, number, failure.empty(), expect);
+      const auto failure = failureOf(cell, file, number);
+      const Reason* reason = found->outcomes[drive].reason();
+      expect(failure ? reason != nullptr && *reason == *failure : reason == nullptr,
+             name + at + ": " + (reason != nullptr ? reason->english() : "verified"));
+      expectCopy(cell, name, number, !failure, expect);
     }
   }
 
@@ -399,7 +403,8 @@ class FaultMatrix : public OffloadFixture {
 
   static std::string textOf(const Cell& cell) {
     return kFunctions.at(cell.row.call == Call::entryStatus ? Call::list : cell.row.call) +
-           (cell.onTheCard ? " card/" : " drive/") + cell.row.place + " " + systemText(cell.error) +
+           (cell.onTheCard ? " card/" : " drive/") + cell.row.place + " " +
+           Reason::ofSystem(cell.error).english() +
            (cell.size == Size::streamed ? " streamed" : " grouped");
   }
 
@@ -516,7 +521,7 @@ TEST_F(FaultMatrix, aNameThatAppearsBeforeTheMoveIsNotReplaced) {
     if (info.call == Call::move && info.path == copies(2) / "c") writeFile(info.path, "somebody's");
     return Intervention{};
   });
-  EXPECT_EQ(run(plan(3)).files[2].outcomes[1], Outcome::failed("File exists"));
+  EXPECT_EQ(run(plan(3)).files[2].outcomes[1], Outcome::failed(because("File exists")));
   EXPECT_EQ(readFile(copies(2) / "c"), "somebody's");
 }
 

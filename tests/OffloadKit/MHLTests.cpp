@@ -139,7 +139,7 @@ TEST_F(HashLists, listOnlyWhatIsVerifiedThereWithExtrasAndReports) {
   std::filesystem::create_directories(copies(1) / "Offload Report folder");
   const std::string list =
       readFile(write({verified("IMG_10.JPG"), verified("IMG_2.JPG"), verified("img_3.JPG"),
-                      verified("failed", {Outcome::failed("The drive is full")}), unhashed,
+                      verified("failed", {Outcome::failed(because("The drive is full"))}), unhashed,
                       verified("Offload Report listed.html")},
                      {{"Card Image/card.img", 5, kNow, "00ff"}}, HashKit::HashAlgorithm::md5));
   std::vector<std::string> paths;

@@ -217,13 +217,14 @@ TEST_F(Offload, followsNoLinkOutOfTheDestinationAndTakesNoOriginalForACopy) {
   std::filesystem::create_hard_link(card_ / "b", copies(2) / "b");
   const auto before = cardState();
   const auto result = run(plan());
-  EXPECT_THAT(result.files[0].outcomes,
-              ElementsAre(Outcome::verified(false),
-                          Outcome::failed("This is the card's own file, not a copy of it")));
   EXPECT_THAT(
-      result.files[1].outcomes,
-      ElementsAre(Outcome::failed("A link in the destination folder leads to another place"),
-                  Outcome::verified(false)));
+      result.files[0].outcomes,
+      ElementsAre(Outcome::verified(false),
+                  Outcome::failed(because("This is the card's own file, not a copy of it"))));
+  EXPECT_THAT(result.files[1].outcomes,
+              ElementsAre(Outcome::failed(
+                              because("A link in the destination folder leads to another place")),
+                          Outcome::verified(false)));
   EXPECT_EQ(cardState(), before);
 }
 
@@ -238,10 +239,10 @@ TEST_F(Offload, findsACopyThatChangedBetweenWritingAndReadingBack) {
     stream.put('\x55');
   };
   const auto result = engine.run(plan(3), [](const auto&) {});
-  EXPECT_THAT(
-      result.files[0].outcomes,
-      ElementsAre(Outcome::verified(false), Outcome::failed("The copy didn't match the original"),
-                  Outcome::verified(false)));
+  EXPECT_THAT(result.files[0].outcomes,
+              ElementsAre(Outcome::verified(false),
+                          Outcome::failed(because("The copy didn't match the original")),
+                          Outcome::verified(false)));
   EXPECT_THAT(result.files[1].outcomes, Each(Outcome::verified(false)));
   EXPECT_THAT(result.destinationErrors, IsEmpty());
   EXPECT_FALSE(std::filesystem::exists(copies(2) / "a"));
@@ -253,9 +254,9 @@ TEST_F(Offload, findsAResumedCopyWithOtherContentAndLeavesItAlone) {
   writeFile(copies(1) / "a", pattern(100'000, 2));
   std::filesystem::last_write_time(copies(1) / "a", std::filesystem::last_write_time(card_ / "a"));
   const auto result = run(plan());
-  EXPECT_THAT(
-      result.files[0].outcomes,
-      ElementsAre(Outcome::failed("The copy didn't match the original"), Outcome::verified(false)));
+  EXPECT_THAT(result.files[0].outcomes,
+              ElementsAre(Outcome::failed(because("The copy didn't match the original")),
+                          Outcome::verified(false)));
   EXPECT_EQ(readFile(copies(1) / "a"), pattern(100'000, 2));
 }
 
@@ -272,9 +273,10 @@ TEST_F(Offload, findsACardThatReadsDifferentlyTheSecondTime) {
     return intervention;
   });
   const auto result = run(plan());
-  EXPECT_THAT(result.files[0].outcomes,
-              Each(Outcome::failed("The card couldn't be read: a read differently the second time. "
-                                   "The card or reader may be failing.")));
+  EXPECT_THAT(
+      result.files[0].outcomes,
+      Each(Outcome::failed(because("The card couldn't be read: a read differently the second time. "
+                                   "The card or reader may be failing."))));
   EXPECT_EQ(result.files[0].hash, std::nullopt);
   EXPECT_THAT(result.files[1].outcomes, Each(Outcome::verified(false)));
   EXPECT_THAT(copiedTree(1), ElementsAre("b"));
@@ -287,9 +289,9 @@ TEST_F(Offload, findsACardThatReadsDifferentlyTheSecondTime) {
     return Intervention{second ? EIO : 0};
   });
   std::filesystem::remove_all(copies(1));
-  EXPECT_EQ(run(plan(1)).files[1].outcomes[0].reason(),
-            "The card couldn't be read: b read differently the second time. The card or reader may "
-            "be failing.");
+  EXPECT_EQ(run(plan(1)).files[1].outcomes[0],
+            Outcome::failed(because("The card couldn't be read: b read differently the second "
+                                    "time. The card or reader may be failing.")));
 
   opened = 0;
   fileSystem_.setScript([&](const CallInfo& info) {
@@ -336,7 +338,7 @@ TEST_F(Offload, failsAFileThatChangesBetweenScanAndCopy) {
           if (p.currentFile == "a" && !std::exchange(changed, true)) act();
         });
     EXPECT_THAT(result.files[1].outcomes,
-                ElementsAre(Outcome::failed("The card couldn't be read: " + message)));
+                ElementsAre(Outcome::failed(because("The card couldn't be read: " + message))));
     EXPECT_THAT(copiedTree(1), ElementsAre("a", "c"));
     expectNothingPending();
   }
@@ -357,8 +359,8 @@ TEST_F(Offload, copiesGroupsLongerThanTheBufferAndMissesOnlyWhatCannotBeRead) {
   const auto result = run(plan(1));
   EXPECT_LT(flushes, 12) << "of 32 fillings of the buffer";
   ASSERT_EQ(result.failedFiles().size(), 1U);
-  EXPECT_EQ(result.failedFiles()[0]->outcomes[0].reason(),
-            "The card couldn't be read: M2: Input/output error");
+  EXPECT_EQ(result.failedFiles()[0]->outcomes[0],
+            Outcome::failed(because("The card couldn't be read: M2: Input/output error")));
   fileSystem_.setScript({});
   EXPECT_TRUE(run(plan(1)).allVerified());
   expectIdentical(1);
@@ -415,7 +417,7 @@ TEST_F(Offload, leavesResumedCopiesAloneWhenTheCardFailsOrTheUserStops) {
     return Intervention{far && info.path == card_ / "a" ? EIO : 0};
   });
   EXPECT_THAT(run(plan()).files[0].outcomes,
-              Each(Outcome::failed("The card couldn't be read: a: Input/output error")));
+              Each(Outcome::failed(because("The card couldn't be read: a: Input/output error"))));
   fileSystem_.setScript({});
   OffloadEngine engine(system_, rawDeviceAccess_);
   const auto stop = [&](const OffloadProgress& progress) {

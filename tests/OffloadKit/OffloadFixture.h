@@ -7,6 +7,7 @@
 #include "PlatformKit/Testing/FakeVolumes.h"
 #include "PlatformKit/Testing/FaultyFileSystem.h"
 #include "PlatformKit/Testing/TempFolder.h"
+#include "tests/Because.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -81,7 +82,7 @@ std::string offloadErrorOf(Action action) {
   try {
     action();
   } catch (const OffloadError& error) {
-    return error.errorDescription();
+    return error.what();
   }
   ADD_FAILURE() << "no OffloadError was thrown";
   return {};

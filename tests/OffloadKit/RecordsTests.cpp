@@ -1,5 +1,5 @@
-#include "OffloadKit/Records/OffloadError.h"
-#include "OffloadKit/Records/OffloadResult.h"
+#include "OffloadKit/Records/Verdict.h"
+#include "tests/Because.h"
 
 #include <gtest/gtest.h>
 
@@ -17,12 +17,10 @@ OffloadedFile fileOf(std::uint64_t size, std::vector<Outcome> outcomes) {
 
 TEST(OffloadResult, sumsUpWhatHappenedToItsFiles) {
   OffloadResult result;
-  EXPECT_TRUE(result.allVerified());
-  EXPECT_EQ(result.totalBytes(), 0U);
-
-  result.files = {fileOf(10, {Outcome::verified(true), Outcome::failed("The drive is full")}),
-                  fileOf(5, {Outcome::verified(false), Outcome::verified(false)}),
-                  fileOf(7, {Outcome::failed("x"), Outcome::failed("x")})};
+  result.files = {
+      fileOf(10, {Outcome::verified(true), Outcome::failed(because("The drive is full"))}),
+      fileOf(5, {Outcome::verified(false), Outcome::verified(false)}),
+      fileOf(7, {Outcome::failed(because("x")), Outcome::failed(because("x"))})};
   EXPECT_FALSE(result.allVerified());
   EXPECT_EQ(result.totalBytes(), 22U);
   EXPECT_EQ(result.verifiedCount(0), 2U);
@@ -33,35 +31,45 @@ TEST(OffloadResult, sumsUpWhatHappenedToItsFiles) {
   EXPECT_EQ(failed[1]->file.size, 7U);
 }
 
-TEST(Outcome, tellsResumedFromWrittenAndReasonsApart) {
-  EXPECT_FALSE(Outcome::verified(true) == Outcome::verified(false));
-  EXPECT_FALSE(Outcome::failed("a") == Outcome::failed("b"));
-  EXPECT_FALSE(Outcome::failed("").isVerified());
-  EXPECT_TRUE(Outcome::verified(true).isResumed());
-  EXPECT_FALSE(Outcome::verified(false).isResumed());
-}
+TEST(Verdict, isGoodOnlyWhereNothingThatWasAskedForIsMissing) {
+  using Finding = Verdict::Finding;
+  OffloadResult good;
+  good.plan.destinations = {"/one", "/two"};
+  good.files = {fileOf(1, {Outcome::verified(false), Outcome::verified(true)})};
+  good.readThroughCache = {1};
+  EXPECT_EQ(Verdict(good).worst(), Finding::throughCache);
+  EXPECT_TRUE(Verdict(good).isGood() && Verdict(good).mayEject());
 
-TEST(OffloadError, speaksInFullSentences) {
-  const std::pair<OffloadError, const char*> sentences[] = {
-      {OffloadError::sourceUnreadable("couldn't list its files"),
-       "The card couldn't be read: couldn't list its files"},
-      {OffloadError::destinationOnSource("T7 (A001)"),
-       "T7 (A001) is on the card itself. Choose a different drive."},
-      {OffloadError::destinationUnavailable("T7 (A001)"),
-       "T7 (A001) isn't available or can't be written to."},
-      {OffloadError::notEnoughSpace("T7 (Shoot)", 64'200'000'000, 12'300'000'000),
-       "T7 (Shoot) needs 64.2 GB free but has 12.3 GB."},
-      {OffloadError::cardImageUnavailable("It is asleep."),
-       "The card couldn't be opened for the card image: It is asleep. Turn off the card image to "
-       "offload without it."},
-      {OffloadError::noFiles(), "There are no files on the card to offload."},
-      {OffloadError::cancelled(), "The offload was stopped."},
+  // Each is added to the one before.
+  const std::pair<Finding, void (*)(OffloadResult&)> faults[] = {
+      {Finding::recordMissing,
+       [](OffloadResult& result) {
+         result.missingRecords = {{MissingRecord::Kind::report, 0, because("x")}};
+       }},
+      {Finding::imageIncomplete, [](OffloadResult& result) { result.plan.cardImage.emplace(); }},
+      {Finding::imageIncomplete,
+       [](OffloadResult& result) {
+         result.cardImage.emplace().outcome = CardImageResult::Outcome::verified();
+         result.cardImage->unreadableBlocks = 1;
+       }},
+      {Finding::cardUnreadable,
+       [](OffloadResult& result) {
+         result.unreadable = {{"a", because("x")}};
+       }},
+      {Finding::notVerified,
+       [](OffloadResult& result) { result.files[0].outcomes[1] = Outcome::failed(because("x")); }},
   };
-  for (const auto& [error, sentence] : sentences) EXPECT_STREQ(error.what(), sentence);
-  EXPECT_FALSE(OffloadError::notEnoughSpace("T7", 2, 1) ==
-               OffloadError::notEnoughSpace("T7", 3, 1));
-  EXPECT_TRUE(OffloadError::cancelled().isCancelled());
-  EXPECT_FALSE(OffloadError::noFiles().isCancelled());
+  OffloadResult worse = good;
+  for (const auto& [finding, spoil] : faults) {
+    OffloadResult alone = good;
+    spoil(alone);
+    spoil(worse);
+    for (const Verdict& verdict : {Verdict(alone), Verdict(worse)}) {
+      EXPECT_EQ(verdict.worst(), finding);
+      EXPECT_FALSE(verdict.isGood() || verdict.mayEject());
+    }
+  }
+  EXPECT_TRUE(Verdict(worse).isVerifiedOn(0) && !Verdict(worse).isVerifiedOn(1));
 }
 
 }  // namespace

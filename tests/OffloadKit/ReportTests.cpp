@@ -83,10 +83,11 @@ TEST_F(Report, isExactlyThisPage) {
 TEST_F(Report, saysWhatIsNotVerifiedAndWhy) {
   auto page = result(3);
   page.plan.verifySource = false;
-  page.files = {file("a", {Outcome::verified(false), Outcome::failed("The drive is <full>"),
-                           Outcome::verified(false)})};
+  page.files = {
+      file("a", {Outcome::verified(false), Outcome::failed(because("The drive is <full>")),
+                 Outcome::verified(false)})};
   page.files[0].hash.reset();
-  page.destinationErrors[1] = "The drive is <full>";
+  page.destinationErrors.emplace(1, because("The drive is <full>"));
   page.finished = page.started;
   const std::string html = OffloadReport::html(page, std::nullopt);
   EXPECT_THAT(html, HasSubstr("color: var(--bad); margin"));
@@ -103,7 +104,7 @@ TEST_F(Report, saysWhatIsNotVerifiedAndWhy) {
 TEST_F(Report, warnsAboveTheTableWhenPartOfTheCardCouldNotBeRead) {
   auto page = result(1);
   page.files = {file("a", {Outcome::verified(false)})};
-  page.unreadable = {{"locked/<a>", "Permission denied"}};
+  page.unreadable = {{"locked/<a>", because("Permission denied")}};
   const std::string items =
       "<p class=bad>Files may be missing from the table below. Don't erase the card "
       "yet.</p>\n<ul>\n"
@@ -116,7 +117,7 @@ TEST_F(Report, warnsAboveTheTableWhenPartOfTheCardCouldNotBeRead) {
   EXPECT_THAT(warned, HasSubstr("color: var(--bad); margin: 0 0 20px"));
   EXPECT_THAT(warned, Not(HasSubstr("Every file was copied and verified")));
 
-  page.files = {file("a", {Outcome::failed("The drive is full")})};
+  page.files = {file("a", {Outcome::failed(because("The drive is full"))})};
   const std::string failed = OffloadReport::html(page, 0);
   EXPECT_THAT(failed, HasSubstr("<p class=verdict>1 file(s) were not verified on every drive. See "
                                 "below.</p>\n<h2"));
@@ -152,7 +153,7 @@ TEST_F(Report, describesTheCardImage) {
       "in Zephrimark Kestrine to look for deleted or lost files.</span></p>");
   // The image counts for the speed: 64 GB in 725 s.
   EXPECT_THAT(OffloadReport::html(page, 0), HasSubstr("12 min 5 s · 88.3 MB/s"));
-  page.cardImage->outcome = CardImageResult::Outcome::failed("The drive is <full>");
+  page.cardImage->outcome = CardImageResult::Outcome::failed(because("The drive is <full>"));
   page.cardImage->unreadableBlocks = 0;
   EXPECT_THAT(OffloadReport::imageSection(page),
               HasSubstr("<br><span class=bad>Not saved: The drive is &lt;full&gt;</span><br><span "

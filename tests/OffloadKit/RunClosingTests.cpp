@@ -95,7 +95,7 @@ TEST_F(Closing, keepsAFailedImageOutOfTheHashListAndTheFilesVerified) {
   fileSystem_.setScript(FaultyFileSystem::failing(Call::write, "Card Image", ENOSPC));
   const auto result = run(wanted);
   EXPECT_TRUE(result.allVerified());
-  EXPECT_EQ(result.cardImage->outcome.reason(), "The drive is full");
+  EXPECT_EQ(*result.cardImage->outcome.reason(), because("The drive is full"));
   EXPECT_THAT(readFile(result.mhlFiles[0]), Not(HasSubstr("Card Image/")));
 }
 

@@ -1,5 +1,4 @@
 #include "DeviceKit/Places.h"
-#include "OffloadKit/Wording/ErrorSentences.h"
 #include "OffloadKit/Wording/Format.h"
 #include "PlatformKit/Paths.h"
 #include "tests/OffloadKit/OffloadFixture.h"
@@ -10,7 +9,7 @@
 namespace OffloadKit {
 namespace {
 
-TEST(describe, givesDriveSentencesForDriveErrorsAndTheSystemsTextForTheRest) {
+TEST(Reason, givesDriveSentencesForDriveErrorsAndTheSystemsTextForTheRest) {
   const std::pair<int, const char*> sentences[] = {
       {EPERM, "No permission to write here"},
       {EACCES, "No permission to write here"},
@@ -24,7 +23,9 @@ TEST(describe, givesDriveSentencesForDriveErrorsAndTheSystemsTextForTheRest) {
       {-1, "The drive reported a write error"},
       {9999, "The drive reported a write error"},
   };
-  for (const auto& [error, sentence] : sentences) EXPECT_EQ(describe(error), sentence) << error;
+  for (const auto& [error, sentence] : sentences) {
+    EXPECT_EQ(Reason::ofDrive(error).english(), sentence) << error;
+  }
 }
 
 TEST(Format, writesSpansOfTimeAndNumbersForPeople) {

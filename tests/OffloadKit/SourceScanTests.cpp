@@ -72,8 +72,8 @@ TEST_F(Scan, namesWhatItCouldNotReadAndGoesOn) {
   ASSERT_EQ(found.files.size(), 1U);
   EXPECT_EQ(found.files[0].relativePath, "whole.mov");
   EXPECT_THAT(found.unreadable,
-              UnorderedElementsAre(UnreadableItem{"locked", "Permission denied"},
-                                   UnreadableItem{"broken.mov", "Input/output error"}));
+              UnorderedElementsAre(UnreadableItem{"locked", because("Permission denied")},
+                                   UnreadableItem{"broken.mov", because("Input/output error")}));
 }
 
 TEST_F(Scan, keepsWhatAFolderGaveBeforeItBrokeOff) {
@@ -85,7 +85,7 @@ TEST_F(Scan, keepsWhatAFolderGaveBeforeItBrokeOff) {
   });
   const SourceScan found = scan(system_, card_);
   EXPECT_EQ(found.files.size(), 2U);
-  EXPECT_THAT(found.unreadable, ElementsAre(UnreadableItem{"f", "Input/output error"}));
+  EXPECT_THAT(found.unreadable, ElementsAre(UnreadableItem{"f", because("Input/output error")}));
 }
 
 TEST_F(Scan, refusesASourceThatCannotBeListed) {

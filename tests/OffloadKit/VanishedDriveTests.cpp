@@ -1,3 +1,4 @@
+#include "OffloadKit/Records/Verdict.h"
 #include "tests/OffloadKit/OffloadFixture.h"
 
 #include <cerrno>
@@ -35,7 +36,7 @@ class VanishedDrive : public OffloadFixture {
 };
 
 TEST_F(VanishedDrive, isGivenUpWhateverTheKernelCallsItAndWheneverItGoes) {
-  const auto disconnected = Outcome::failed("The drive was disconnected");
+  const auto disconnected = Outcome::failed(because("The drive was disconnected"));
   for (const bool together : {false, true})
     for (const Call call : {Call::createFile, Call::write, Call::flush, Call::move}) {
       for (const int error : {EIO, EROFS, ENOTCONN, ENODATA, ENOENT}) {
@@ -50,7 +51,7 @@ TEST_F(VanishedDrive, isGivenUpWhateverTheKernelCallsItAndWheneverItGoes) {
         EXPECT_EQ(result.files[2].outcomes[1], disconnected);
         EXPECT_EQ(result.verifiedCount(0), 3U);
         EXPECT_THAT(result.destinationErrors,
-                    ElementsAre(std::pair(1U, "The drive was disconnected")));
+                    ElementsAre(std::pair(1U, because("The drive was disconnected"))));
         EXPECT_EQ(result.files[0].outcomes[1], disconnected);
       }
     }
@@ -66,7 +67,8 @@ TEST_F(VanishedDrive, isGivenUpWhileTheNextGroupHasBegun) {
     ASSERT_TRUE(gone_);
     EXPECT_EQ(result.verifiedCount(0), 26U);
     for (std::size_t i = 0; i < result.files.size(); ++i) {
-      EXPECT_EQ(result.files[i].outcomes[1], Outcome::failed("The drive was disconnected"));
+      EXPECT_EQ(result.files[i].outcomes[1],
+                Outcome::failed(because("The drive was disconnected")));
     }
     fileSystem_.setScript({});
     volumes_.plugIn(device(2));
@@ -80,8 +82,8 @@ TEST_F(VanishedDrive, isGivenUpWhenItGoesDuringTheReadBack) {
   addThreeFiles(false);
   pullAt(Call::openForReading, EIO);
   const auto result = run(plan());
-  EXPECT_EQ(result.files[1].outcomes[1], Outcome::failed("The drive was disconnected"));
-  EXPECT_EQ(result.files[2].outcomes[1], Outcome::failed("The drive was disconnected"));
+  EXPECT_EQ(result.files[1].outcomes[1], Outcome::failed(because("The drive was disconnected")));
+  EXPECT_EQ(result.files[2].outcomes[1], Outcome::failed(because("The drive was disconnected")));
   EXPECT_EQ(result.verifiedCount(0), 3U);
 
   // Together, whichever of the three is read first meets it.
@@ -93,7 +95,8 @@ TEST_F(VanishedDrive, isGivenUpWhenItGoesDuringTheReadBack) {
   EXPECT_EQ(group.verifiedCount(0), 3U);
   EXPECT_FALSE(group.files[1].outcomes[1].isVerified());
   EXPECT_FALSE(group.files[2].outcomes[1].isVerified());
-  EXPECT_THAT(group.destinationErrors, ElementsAre(std::pair(1U, "The drive was disconnected")));
+  EXPECT_THAT(group.destinationErrors,
+              ElementsAre(std::pair(1U, because("The drive was disconnected"))));
 }
 
 TEST_F(VanishedDrive, takesItsVerdictAlongWhenItGoesBeforeTheNamesAreDurable) {
@@ -106,8 +109,9 @@ TEST_F(VanishedDrive, takesItsVerdictAlongWhenItGoesBeforeTheNamesAreDurable) {
   const auto result = run(plan());
   EXPECT_EQ(result.verifiedCount(0), 2U);
   EXPECT_EQ(result.verifiedCount(1), 0U);
-  EXPECT_EQ(result.files[0].outcomes[1], Outcome::failed("The drive was disconnected"));
-  EXPECT_THAT(result.destinationErrors, ElementsAre(std::pair(1U, "The drive was disconnected")));
+  EXPECT_EQ(result.files[0].outcomes[1], Outcome::failed(because("The drive was disconnected")));
+  EXPECT_THAT(result.destinationErrors,
+              ElementsAre(std::pair(1U, because("The drive was disconnected"))));
 }
 
 // Names that were not flushed when a drive began to fail need not be there when it comes back. A name
@@ -122,7 +126,7 @@ TEST_F(VanishedDrive, isToldOnlyWhatWasFlushedBeforeItFailed) {
     return Intervention{failing && there && changes ? EIO : 0};
   });
   const auto result = run(plan());
-  const auto failed = Outcome::failed("The drive reported a write error");
+  const auto failed = Outcome::failed(because("The drive reported a write error"));
   EXPECT_EQ(result.files[0].outcomes[1], Outcome::verified(false));
   EXPECT_EQ(result.files[1].outcomes[1], failed);
   EXPECT_EQ(result.files[3].outcomes[1], failed);
@@ -143,8 +147,8 @@ TEST_F(VanishedDrive, isNotTriedAgainWhileTheRestOfAGroupGetsItsNames) {
   });
   const auto result = run(plan());
   EXPECT_THAT(tried, ElementsAre("a", "b"));
-  EXPECT_EQ(result.files[0].outcomes[1], Outcome::failed("No permission to write here"));
-  EXPECT_EQ(result.files[2].outcomes[1], Outcome::failed("The drive was disconnected"));
+  EXPECT_EQ(result.files[0].outcomes[1], Outcome::failed(because("No permission to write here")));
+  EXPECT_EQ(result.files[2].outcomes[1], Outcome::failed(because("The drive was disconnected")));
   EXPECT_EQ(result.verifiedCount(0), 3U);
   expectNothingPending();
 }
@@ -170,7 +174,7 @@ class UnmountedDrive : public VanishedDrive {
     try {
       return run(wanted);
     } catch (const OffloadError& error) {
-      refusal_ = error.errorDescription();
+      refusal_ = error.what();
       return std::nullopt;
     }
   }
@@ -207,9 +211,9 @@ TEST_F(UnmountedDrive, getsNoNamesOnTheDiskBehindIt) {
     ASSERT_TRUE(isUnmounted_ && result) << name;
     EXPECT_EQ(result->verifiedCount(0), 3U);
     EXPECT_EQ(result->verifiedCount(1), 0U);
-    EXPECT_EQ(result->files[1].outcomes[1], Outcome::failed("The drive was disconnected"));
+    EXPECT_EQ(result->files[1].outcomes[1], Outcome::failed(because("The drive was disconnected")));
     EXPECT_THAT(result->destinationErrors,
-                ElementsAre(std::pair(1U, "The drive was disconnected")));
+                ElementsAre(std::pair(1U, because("The drive was disconnected"))));
     EXPECT_THAT(named(), IsEmpty()) << name;
   }
 }
@@ -218,7 +222,7 @@ TEST_F(UnmountedDrive, takesBackWhatHadNamesThatWereNotFlushed) {
   const auto result = unmountAt(Call::flushFolder, "A001", plan());
   ASSERT_TRUE(result);
   EXPECT_EQ(result->verifiedCount(1), 0U);
-  EXPECT_EQ(result->files[2].outcomes[1], Outcome::failed("The drive was disconnected"));
+  EXPECT_EQ(result->files[2].outcomes[1], Outcome::failed(because("The drive was disconnected")));
 }
 
 TEST_F(UnmountedDrive, getsNoImageAndNoRecordsOnTheDiskBehindIt) {
@@ -231,14 +235,15 @@ TEST_F(UnmountedDrive, getsNoImageAndNoRecordsOnTheDiskBehindIt) {
     ASSERT_TRUE(isUnmounted_ && result);
     // The copies had been flushed by then.
     EXPECT_TRUE(result->allVerified());
-    EXPECT_FALSE(result->isComplete());
+    EXPECT_FALSE(Verdict(*result).isGood());
     EXPECT_THAT(named(), ElementsAre("a", "b", "c"));
     EXPECT_EQ(result->cardImage->outcome,
-              imageOn == 0 ? CardImageResult::Outcome::verified()
-                           : CardImageResult::Outcome::failed("The drive was disconnected"));
+              imageOn == 0
+                  ? CardImageResult::Outcome::verified()
+                  : CardImageResult::Outcome::failed(because("The drive was disconnected")));
     ASSERT_EQ(result->missingRecords.size(), 2U);
     EXPECT_EQ(result->missingRecords[0].destination, 1U);
-    EXPECT_EQ(result->missingRecords[0].reason, "The drive was disconnected");
+    EXPECT_EQ(result->missingRecords[0].reason, because("The drive was disconnected"));
     EXPECT_EQ(result->reports.size(), 1U);
   }
 }
@@ -248,7 +253,8 @@ TEST_F(UnmountedDrive, thatWasGivenUpGetsNoImage) {
   wanted.cardImage = CardImageRequest{"/dev/card", 1, 4 * kChunk};
   fileSystem_.setScript(FaultyFileSystem::failing(Call::write, ".b.zmpart", ENOSPC));
   const auto result = run(wanted);
-  EXPECT_EQ(result.cardImage->outcome, CardImageResult::Outcome::failed("The drive is full"));
+  EXPECT_EQ(result.cardImage->outcome,
+            CardImageResult::Outcome::failed(because("The drive is full")));
   EXPECT_FALSE(std::filesystem::exists(copies(2) / "Card Image"));
 }
 

@@ -268,7 +268,8 @@ Violations Bench::violationsOf(const OffloadResult& result, bool strangersCopyCo
           !variant_.fresh && ((drive == 1 && path == kTaken) ||
                               (drive == 0 && path == kStrangersCopy && !strangersCopyCounts));
       if (!mayFail) {
-        violations.push_back(copy.native() + " failed: " + file.outcomes[drive].reason());
+        violations.push_back(copy.native() +
+                             " failed: " + file.outcomes[drive].reason()->english());
       }
     }
   }

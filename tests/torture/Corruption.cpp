@@ -194,7 +194,8 @@ class CorruptedRun {
         static_cast<unsigned>(strike.fault) >= kFaultsOfDrives || strike.drive == number;
     if (verified && concerned) violations.push_back(describe(name) + " was not noticed");
     if (!verified && !concerned) {
-      violations.push_back(name + " failed for nothing: " + file.outcomes[number].reason());
+      violations.push_back(name +
+                           " failed for nothing: " + file.outcomes[number].reason()->english());
     }
     const bool wasThere = concerned && strike.fault == Fault::nameTaken;
     if (wasThere && PlatformKit::Testing::readFile(copy) != kSomebodys) {

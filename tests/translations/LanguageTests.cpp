@@ -4,6 +4,7 @@
 #include "OffloadKit/Wording/ResultTexts.h"
 #include "TextKit/ByteCount.h"
 #include "TextKit/Translation.h"
+#include "tests/Because.h"
 #include "tests/translations/InLanguage.h"
 
 #include <cstdlib>
@@ -28,9 +29,9 @@ OffloadKit::OffloadResult resultOf(std::size_t failed) {
   for (std::size_t i = 0; i < failed; ++i) {
     OffloadKit::OffloadedFile& file = result.files.emplace_back();
     file.file = {"clip", 1'234'567, {}, std::nullopt};
-    file.outcomes = {OffloadKit::OffloadedFile::Outcome::failed("The drive is full")};
+    file.outcomes = {OffloadKit::OffloadedFile::Outcome::failed(because("The drive is full"))};
   }
-  result.destinationErrors[0] = "The drive is full";
+  result.destinationErrors.emplace(0, because("The drive is full"));
   return result;
 }
 

@@ -18,14 +18,10 @@ PLURAL = re.compile(r'translate\s*\(\s*"[A-Za-z]+",\s*' + LITERAL.pattern + r",\
 WORDS = re.compile(r"[A-Za-z'%1]{2,} [a-z]{2,}")
 SHOWN = ["CommandLine", "Updates", "ZephrimarkUI", "ZephrimarkOffload/Model",
          "ZephrimarkOffload/Desktop", "ZephrimarkOffload/Screens", "ZephrimarkOffload/main.cpp"]
-# English on purpose: kept as a reason and translated where it is shown, or read by machines only.
+# English on purpose: read by machines only.
 ENGLISH = {
-    "%1 is not mounted any more, so it was not ejected.",
-    "The card was not ejected because not everything is verified.",
-    "The card was not ejected because the result could not be written.",
     "The settings could not be saved in",
     "made by the application",
-    "Another card is in its place now.",
 }
 
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <map>
 
 #include <QtCore/QRegularExpression>
@@ -205,7 +206,7 @@ TEST_F(WindowTexts, aBurstOfReportsEndsWithTheLatest) {
       progress.filesDone = i;
       progress.filesTotal = 1000;
       progress.fraction = static_cast<double>(i) / 1000;
-      progress.drives = {{i, 0, ""}, {i - 1, 1, "The drive is full"}};
+      progress.drives = {{i, 0, {}}, {i - 1, 1, OffloadKit::Reason::ofDrive(ENOSPC)}};
       run.report(progress);
     }
     run.wait(std::chrono::hours(1));
