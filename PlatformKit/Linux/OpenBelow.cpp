@@ -31,6 +31,8 @@ Result<UniqueFd> openByKernel(int root, const Path& path, int flags, unsigned mo
 // The error of a folder that could not be opened, or 0 for one that may be used.
 int judge(int parent, const std::string& name, const UniqueFd& opened, int error) {
   if (opened.valid()) return 0;
+  // What has the name that a new file is to have is not followed, whatever it is.
+  if (error == EEXIST) return error;
   struct stat status {};
   const bool isLink =
       fstatat(parent, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(status.st_mode);
