@@ -11,7 +11,7 @@
 #include "PlatformKit/Linux/LinuxVolumes.h"
 #include "PlatformKit/Posix/HelperOpener.h"
 #include "PlatformKit/System.h"
-#include "ZephrimarkOffload/Model/SystemDiskQuestions.h"
+#include "ZephrimarkOffload/Model/SystemDiskQueries.h"
 
 namespace ZephrimarkOffload {
 
@@ -26,7 +26,7 @@ struct Machine {
   PlatformKit::LinuxDisks disks{volumes};
   PlatformKit::LinuxMountedVolumes mountedVolumes;
   DiskServices::DiskEjector ejector;
-  SystemDiskQuestions questions{system, mountedVolumes, disks, &ejector};
+  SystemDiskQueries queries{system, mountedVolumes, disks, &ejector};
 
   // The desktop's disk service is asked first, since it knows the user's session; where there is
   // none, a helper of ours is started as the administrator.

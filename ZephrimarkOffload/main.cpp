@@ -86,8 +86,8 @@ void endBySignal(int /*signal*/) {
 }
 
 void applyLaunchOptions(OffloadModel& model, const ZephrimarkOffload::LaunchOptions& options) {
-  if (options.source) model.setSource(*options.source);
-  if (options.destinations) model.setDestinations(*options.destinations);
+  if (options.source) model.setup().setSource(*options.source);
+  if (options.destinations) model.setup().setDestinations(*options.destinations);
   if (options.autoStart) {
     QTimer::singleShot(std::chrono::seconds(1), &model, [&model] { model.start(); });
   }
@@ -97,7 +97,7 @@ void applyLaunchOptions(OffloadModel& model, const ZephrimarkOffload::LaunchOpti
 void delayLogout(const QGuiApplication& application, const OffloadModel& model) {
   QObject::connect(&application, &QGuiApplication::commitDataRequest, &model,
                    [&model](QSessionManager& session) {
-                     if (model.stage().kind() == ZephrimarkOffload::Stage::Kind::running &&
+                     if (ZephrimarkOffload::is<ZephrimarkOffload::Running>(model.stage()) &&
                          session.allowsInteraction()) {
                        session.cancel();
                      }
@@ -134,12 +134,11 @@ int run(QGuiApplication& application, const std::vector<std::string>& arguments,
       session, [](const QUrl& folder) { QDesktopServices::openUrl(folder); });
   ZephrimarkOffload::Settings settings;
   PlatformKit::LinuxVolumeWatcher watcher;
-  OffloadModel model(
-      {std::shared_ptr<ZephrimarkOffload::DiskQuestions>(machine, &machine->questions), watcher,
-       desktop, settings, machine->clock, [machine] {
-         return std::make_unique<ZephrimarkOffload::EngineRunner>(
-             machine->system, machine->rawDevices, machine->disks);
-       }});
+  OffloadModel model({std::shared_ptr<ZephrimarkOffload::DiskQueries>(machine, &machine->queries),
+                      watcher, desktop, settings, machine->clock, [machine] {
+                        return std::make_unique<ZephrimarkOffload::EngineRunner>(
+                            machine->system, machine->rawDevices, machine->disks);
+                      }});
   UpdateCheck updates;
   OffloadWindow window(model, {settings, updates.presenter(),
                                PlatformKit::Path(QFile::encodeName(QDir::homePath()).toStdString()),

@@ -13,11 +13,11 @@ namespace ZephrimarkOffload {
 
 /// Keeps what is known of the chosen destinations, asked in the background again and again, since
 /// other programs fill drives too. Main thread.
-class DestinationBoard {
+class DestinationMonitor {
  public:
   /// `changed` is called when something else is known than before, never within a call of this
   /// class.
-  DestinationBoard(Background& background, std::function<void()> changed);
+  DestinationMonitor(Background& background, std::function<void()> changed);
 
   /// From now on these are followed; what is known of others is forgotten.
   void follow(const std::vector<PlatformKit::Path>& destinations);

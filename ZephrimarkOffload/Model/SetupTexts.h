@@ -1,7 +1,7 @@
 #pragma once
 
 #include "DeviceKit/VolumeLists.h"
-#include "ZephrimarkOffload/Model/DiskQuestions.h"
+#include "ZephrimarkOffload/Model/DiskQueries.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -61,7 +61,7 @@ class DonePresenter final : public QObject {
   [[nodiscard]] QString missingProof() const;
   [[nodiscard]] bool canOpenReport() const;
   [[nodiscard]] bool canEject() const;
-  [[nodiscard]] bool isEjecting() const { return model_.isEjecting(); }
+  [[nodiscard]] bool isEjecting() const { return model_.ejection().isGoingOn(); }
   [[nodiscard]] QString ejectMessage() const;
   [[nodiscard]] bool canTryAgain() const;
 
@@ -82,7 +82,9 @@ class DonePresenter final : public QObject {
   OffloadModel& model_;
   PathAction reveal_;
   PathAction open_;
-  // Kept beyond the stage, since the screen fades out with what it showed.
+  // Both kept beyond the stage, since the screen fades out with what it showed. The run is null
+  // before the first has ended.
+  std::shared_ptr<const Run> run_;
   std::shared_ptr<const OffloadKit::OffloadResult> result_ =
       std::make_shared<const OffloadKit::OffloadResult>();
   RowModel drives_;

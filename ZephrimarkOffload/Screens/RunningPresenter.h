@@ -42,7 +42,7 @@ class RunningPresenter final : public QObject {
   [[nodiscard]] QString speed() const;
   [[nodiscard]] QString remaining() const;
   [[nodiscard]] QString currentFile() const;
-  [[nodiscard]] bool isStopping() const { return model_.isStopping(); }
+  [[nodiscard]] bool isStopping() const;
   [[nodiscard]] RowModel* drives() { return &drives_; }
   [[nodiscard]] RowModel* log() { return &logRows_; }
 
@@ -59,6 +59,7 @@ class RunningPresenter final : public QObject {
   void showLog();
 
   OffloadModel& model_;
+  std::shared_ptr<const Run> run_;  // shown now or last; null before the first
   std::optional<OffloadKit::OffloadProgress> shown_;
   RunLog events_{{}};
   RowModel drives_;

@@ -62,7 +62,7 @@ class SetupPresenter final : public QObject {
   [[nodiscard]] RowModel* destinations() { return &destinations_; }
   [[nodiscard]] RowModel* suggestedDrives() { return &suggestedDrives_; }
 
-  [[nodiscard]] bool hasSource() const { return model_.source().has_value(); }
+  [[nodiscard]] bool hasSource() const { return setup_.hasSource(); }
   [[nodiscard]] QString cardHint() const;
   [[nodiscard]] QString sourceSummary() const;
   [[nodiscard]] bool canAdd() const;
@@ -83,13 +83,13 @@ class SetupPresenter final : public QObject {
   [[nodiscard]] static QStringList algorithmNames();
   [[nodiscard]] int algorithmIndex() const;
   void setAlgorithmIndex(int index);
-  [[nodiscard]] bool verifySource() const { return model_.verifySource(); }
-  void setVerifySource(bool on) { model_.setVerifySource(on); }
-  [[nodiscard]] bool ejectWhenDone() const { return model_.ejectWhenDone(); }
-  void setEjectWhenDone(bool on) { model_.setEjectWhenDone(on); }
-  [[nodiscard]] bool saveCardImage() const { return model_.saveCardImage(); }
-  void setSaveCardImage(bool on) { model_.setSaveCardImage(on); }
-  [[nodiscard]] bool canSaveCardImage() const { return model_.cardDisk().has_value(); }
+  [[nodiscard]] bool verifySource() const { return setup_.options().verifySource; }
+  void setVerifySource(bool on) { setup_.set(&Options::verifySource, on); }
+  [[nodiscard]] bool ejectWhenDone() const { return setup_.options().ejectWhenDone; }
+  void setEjectWhenDone(bool on) { setup_.set(&Options::ejectWhenDone, on); }
+  [[nodiscard]] bool saveCardImage() const { return setup_.options().saveCardImage; }
+  void setSaveCardImage(bool on) { setup_.set(&Options::saveCardImage, on); }
+  [[nodiscard]] bool canSaveCardImage() const { return setup_.source()->facts.disk.has_value(); }
   [[nodiscard]] QString cardImageDetail() const;
   [[nodiscard]] QString cardImageCaption() const;
   [[nodiscard]] QString blocker() const;
@@ -120,6 +120,7 @@ class SetupPresenter final : public QObject {
   void updateSuggested();
 
   OffloadModel& model_;
+  OffloadSetup& setup_;  // the model's
   PlatformKit::Path home_;
   RowModel cards_;
   RowModel destinations_;

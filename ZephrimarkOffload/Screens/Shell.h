@@ -43,9 +43,9 @@ class Shell final : public QObject {
   [[nodiscard]] static QStringList steps();
   [[nodiscard]] int step() const { return step_; }
   [[nodiscard]] QString stepStatus() const { return stepStatus_; }
-  [[nodiscard]] bool isRunning() const { return model_.stage().kind() == Stage::Kind::running; }
-  [[nodiscard]] bool isEjecting() const { return model_.isEjecting(); }
-  [[nodiscard]] bool isEjected() const { return model_.isEjected(); }
+  [[nodiscard]] bool isRunning() const { return is<Running>(model_.stage()); }
+  [[nodiscard]] bool isEjecting() const { return model_.ejection().isGoingOn(); }
+  [[nodiscard]] bool isEjected() const { return model_.ejection().isDone(); }
   [[nodiscard]] QString failedMessage() const;
   [[nodiscard]] static QString showInFileBrowser();
   [[nodiscard]] static QString version();

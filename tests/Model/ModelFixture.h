@@ -33,9 +33,9 @@ bool waitUntil(Condition holds) {
 }
 
 /// Disks that a test makes up. A path on a dead volume keeps whoever asks waiting until the end.
-class FakeDiskQuestions final : public DiskQuestions {
+class FakeDiskQueries final : public DiskQueries {
  public:
-  ~FakeDiskQuestions() override = default;
+  ~FakeDiskQueries() override = default;
 
   /// Changes the made-up state.
   template <class Change>
@@ -128,7 +128,7 @@ class ModelFixture : public ::testing::Test {
   const Path raid_ = "/media/RAID";
 
   ModelFixture();
-  ~ModelFixture() override { questions_->revive(); }
+  ~ModelFixture() override { disks_->revive(); }
 
   static PlatformKit::MountedVolume cardVolume(const Path& root);
   static PlatformKit::MountedVolume driveVolume(const Path& root);
@@ -145,7 +145,7 @@ class ModelFixture : public ::testing::Test {
   }
 
   PlatformKit::Testing::TempFolder folder_;
-  std::shared_ptr<FakeDiskQuestions> questions_ = std::make_shared<FakeDiskQuestions>();
+  std::shared_ptr<FakeDiskQueries> disks_ = std::make_shared<FakeDiskQueries>();
   std::unique_ptr<PlatformKit::Testing::FakeVolumeWatcher> watcher_;
   FakeDesktop desktop_;
   PlatformKit::Testing::ManualClock clock_{std::chrono::sys_days{std::chrono::year{2026} / 10 / 7} +

@@ -3,7 +3,7 @@
 #include "PlatformKit/Linux/LinuxDisks.h"
 #include "PlatformKit/Linux/LinuxMountedVolumes.h"
 #include "PlatformKit/Linux/LinuxVolumeWatcher.h"
-#include "ZephrimarkOffload/Model/SystemDiskQuestions.h"
+#include "ZephrimarkOffload/Model/SystemDiskQueries.h"
 #include "tests/Model/ModelFixture.h"
 #include "tests/PlatformKit/MountedImage.h"
 
@@ -19,7 +19,7 @@ struct RealMachine {
   PlatformKit::System system{fileSystem, volumes, clock};
   PlatformKit::LinuxDisks disks{volumes};
   PlatformKit::LinuxMountedVolumes mountedVolumes;
-  SystemDiskQuestions questions{system, mountedVolumes, disks, nullptr};
+  SystemDiskQueries queries{system, mountedVolumes, disks, nullptr};
 };
 
 TEST(RealVolumesTests, AMountedDriveAppearsIsReadAndDisappears) {
@@ -31,10 +31,10 @@ TEST(RealVolumesTests, AMountedDriveAppearsIsReadAndDisappears) {
   Settings settings(QString::fromStdString((folder.path() / "settings.ini").native()));
   PlatformKit::LinuxVolumeWatcher watcher;
   const auto machine = std::make_shared<RealMachine>();
-  OffloadModel model({std::shared_ptr<DiskQuestions>(machine, &machine->questions), watcher,
-                      desktop, settings, machine->clock, nullptr});
+  OffloadModel model({std::shared_ptr<DiskQueries>(machine, &machine->queries), watcher, desktop,
+                      settings, machine->clock, nullptr});
   const auto find = [&](const Path& root) {
-    const auto& drives = model.drives();
+    const auto& drives = model.setup().drives();
     return std::find_if(drives.begin(), drives.end(),
                         [&](const auto& drive) { return drive.url == root; });
   };
@@ -42,25 +42,25 @@ TEST(RealVolumesTests, AMountedDriveAppearsIsReadAndDisappears) {
   PlatformKit::Testing::MountedImage image(folder.path());
   if (!image.isMounted()) GTEST_SKIP() << "No loop devices here.";
   const Path root = image.point();
-  ASSERT_TRUE(waitUntil([&] { return find(root) != model.drives().end(); }));
+  ASSERT_TRUE(waitUntil([&] { return find(root) != model.setup().drives().end(); }));
   EXPECT_GT(find(root)->capacity, 4'000'000);
   EXPECT_GT(find(root)->available, 0);
   // A disk image is no card.
-  EXPECT_TRUE(std::none_of(model.cards().begin(), model.cards().end(),
+  EXPECT_TRUE(std::none_of(model.setup().cards().begin(), model.setup().cards().end(),
                            [&](const auto& card) { return card.url == root; }));
 
-  model.addDestination(root / "Footage");
-  model.setSource(root);
-  ASSERT_TRUE(waitUntil([&] { return model.sourceFacts().isVolumeRoot; }));
-  ASSERT_TRUE(waitUntil([&] { return model.destinationFacts(0).has_value(); }));
-  EXPECT_FALSE(model.destinationFacts(0)->isInternal);
-  EXPECT_EQ(model.destinationFacts(0)->volumeRoot, root);
-  EXPECT_EQ(model.cardDisk()->size, PlatformKit::Testing::MountedImage::kSize);
+  model.setup().addDestination(root / "Footage");
+  model.setup().setSource(root);
+  ASSERT_TRUE(waitUntil([&] { return model.setup().source()->facts.isVolumeRoot; }));
+  ASSERT_TRUE(waitUntil([&] { return model.setup().destinationFacts(0).has_value(); }));
+  EXPECT_FALSE(model.setup().destinationFacts(0)->isInternal);
+  EXPECT_EQ(model.setup().destinationFacts(0)->volumeRoot, root);
+  EXPECT_EQ(model.setup().source()->facts.disk->size, PlatformKit::Testing::MountedImage::kSize);
 
   image.unmount();
   std::filesystem::remove(root);
-  ASSERT_TRUE(waitUntil([&] { return find(root) == model.drives().end(); }));
-  EXPECT_TRUE(waitUntil([&] { return !model.source(); }));
+  ASSERT_TRUE(waitUntil([&] { return find(root) == model.setup().drives().end(); }));
+  EXPECT_TRUE(waitUntil([&] { return !model.setup().hasSource(); }));
 }
 
 }  // namespace
