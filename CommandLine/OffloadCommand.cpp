@@ -5,6 +5,7 @@
 #include "CommandLine/ProgressDisplay.h"
 #include "CommandLine/ResultJson.h"
 #include "CommandLine/Verdict.h"
+#include "DeviceKit/CardEjector.h"
 #include "DeviceKit/Places.h"
 #include "OffloadKit/OffloadEngine.h"
 #include "OffloadKit/Wording/ShownReason.h"
@@ -62,7 +63,7 @@ bool shallEject(const OffloadArguments& arguments, const OffloadKit::OffloadPlan
 
 // Answers none when it was done, else a sentence in English.
 std::optional<std::string> ejectCard(const OffloadKit::OffloadResult& result,
-                                     const Services& services) {
+                                     const Composition::Machine& machine) {
   if (!result.isComplete()) {
     return "The card was not ejected because not everything is verified.";
   }
@@ -71,10 +72,11 @@ std::optional<std::string> ejectCard(const OffloadKit::OffloadResult& result,
   }
   const OffloadKit::OffloadPlan& plan = result.plan;
   // Once it is taken out, its folder may lie on another disk.
-  if (!DeviceKit::isVolumeRoot(services.system, plan.source)) {
+  if (!DeviceKit::isVolumeRoot(machine.system(), plan.source)) {
     return filled("%1 is not mounted any more, so it was not ejected.", {plan.sourceName});
   }
-  return services.cardEjector.eject(plan.source, plan.sourceName);
+  return DeviceKit::CardEjector(machine.disks(), &machine.ejector())
+      .eject(plan.source, plan.sourceName);
 }
 
 void tellEjection(const OffloadArguments& arguments, const std::string& name,
@@ -96,9 +98,9 @@ void tellEjection(const OffloadArguments& arguments, const std::string& name,
 
 }  // namespace
 
-int runOffload(const OffloadArguments& arguments, const Services& services) {
-  const PlatformKit::System& system = services.system;
-  OffloadKit::OffloadEngine engine(system, services.rawDevices);
+int runOffload(const OffloadArguments& arguments, const Composition::Machine& machine) {
+  const PlatformKit::System system = machine.system();
+  OffloadKit::OffloadEngine engine(system, machine.rawDevices());
   std::atomic<int> interruptedBy = 0;
   const PlatformKit::Interrupts interrupts([&](int signal) {
     interruptedBy = signal;
@@ -113,14 +115,15 @@ int runOffload(const OffloadArguments& arguments, const Services& services) {
   });
   std::unique_ptr<ProgressDisplay> display = makeSilentDisplay();
   try {
-    const OffloadKit::OffloadPlan plan = planFor(arguments, system, services.disks);
+    const OffloadKit::OffloadPlan plan =
+        planFor(arguments, system, DeviceKit::DiskEnumerator(machine.disks(), nullptr));
     const bool eject = shallEject(arguments, plan, system);
     display = displayFor(arguments, plan, system.clock);
     const auto result = engine.run(
         plan, [&](const OffloadKit::OffloadProgress& progress) { display->show(progress); });
     display->finish();
     tellResult(arguments, result);
-    if (eject) tellEjection(arguments, plan.sourceName, ejectCard(result, services));
+    if (eject) tellEjection(arguments, plan.sourceName, ejectCard(result, machine));
     return result.isComplete() ? allVerified : notEverything;
   } catch (const ArgumentError& error) {
     tellError(error.what());

@@ -1,3 +1,4 @@
+#include "Composition/Machine.h"
 #include "OffloadKit/Records/Version.h"
 #include "PlatformKit/Posix/Interrupts.h"
 #include "PlatformKit/Posix/OpenFiles.h"
@@ -8,8 +9,8 @@
 #include "ZephrimarkOffload/Desktop/DesktopServices.h"
 #include "ZephrimarkOffload/Desktop/FileManager.h"
 #include "ZephrimarkOffload/Desktop/SingleInstance.h"
-#include "ZephrimarkOffload/Machine.h"
 #include "ZephrimarkOffload/Model/OffloadModel.h"
+#include "ZephrimarkOffload/Model/SystemDiskQueries.h"
 #include "ZephrimarkOffload/Screens/OffloadWindow.h"
 #include "ZephrimarkOffload/Screens/Text.h"
 #include "ZephrimarkUI/Setup.h"
@@ -49,6 +50,13 @@ std::string help() {
              "On the command line, use zephrimark.") +
          "\n";
 }
+
+/// The computer and what is asked of its disks.
+struct Services {
+  Composition::Machine machine;
+  ZephrimarkOffload::SystemDiskQueries disks{machine.system(), machine.mountedVolumes(),
+                                             machine.disks(), &machine.ejector()};
+};
 
 /// The check for updates and what the window shows of it.
 class UpdateCheck {
@@ -126,18 +134,19 @@ int endAsSecond(const SingleInstance& instance) {
 }
 
 int run(QGuiApplication& application, const std::vector<std::string>& arguments,
-        SingleInstance& instance) {
-  const auto machine = std::make_shared<ZephrimarkOffload::Machine>();
+        SingleInstance& instance, const std::shared_ptr<Services>& services) {
+  const Composition::Machine& machine = services->machine;
   const QDBusConnection session = QDBusConnection::sessionBus();
   ZephrimarkOffload::DesktopServices desktop(session, QDBusConnection::systemBus());
   ZephrimarkOffload::FileManager files(
       session, [](const QUrl& folder) { QDesktopServices::openUrl(folder); });
   ZephrimarkOffload::Settings settings;
-  PlatformKit::LinuxVolumeWatcher watcher;
-  OffloadModel model({std::shared_ptr<ZephrimarkOffload::DiskQueries>(machine, &machine->queries),
-                      watcher, desktop, settings, machine->clock, [machine] {
+  const auto watcher = Composition::Machine::makeVolumeWatcher();
+  OffloadModel model({std::shared_ptr<ZephrimarkOffload::DiskQueries>(services, &services->disks),
+                      *watcher, desktop, settings, machine.system().clock, [services] {
+                        const Composition::Machine& computer = services->machine;
                         return std::make_unique<ZephrimarkOffload::EngineRunner>(
-                            machine->system, machine->rawDevices, machine->disks);
+                            computer.system(), computer.rawDevices(), computer.disks());
                       }});
   UpdateCheck updates;
   OffloadWindow window(model, {settings, updates.presenter(),
@@ -161,11 +170,12 @@ int run(QGuiApplication& application, const std::vector<std::string>& arguments,
 
 int start(QGuiApplication& application, const std::vector<std::string>& arguments,
           const QString& activationToken) {
-  PlatformKit::LinuxFileSystem fileSystem;
-  SingleInstance instance(fileSystem, ZephrimarkOffload::instanceFolder());
+  const auto services = std::make_shared<Services>();
+  SingleInstance instance(services->machine.system().fileSystem,
+                          ZephrimarkOffload::instanceFolder());
   if (instance.claim(activationToken) == SingleInstance::Role::second) return endAsSecond(instance);
   try {
-    return run(application, arguments, instance);
+    return run(application, arguments, instance, services);
   } catch (const std::exception& error) {
     std::cerr << "zephrimark-offload: " << error.what() << "\n";
     return 1;

@@ -21,6 +21,7 @@ set(rules
   "HashKit:"
   "DeviceKit:PlatformKit TextKit"
   "DiskServices:PlatformKit"
+  "Composition:PlatformKit DeviceKit DiskServices"
   "DeviceHelper:PlatformKit"
   "Translations:TextKit"
   "Updates:"
@@ -37,14 +38,13 @@ set(rules
   "ZephrimarkOffload/Desktop:PlatformKit TextKit ZephrimarkOffload/Model"
   "ZephrimarkOffload/Screens:${engine} ZephrimarkUI ZephrimarkOffload/Model"
   "ZephrimarkOffload/Demo:${engine} Translations ZephrimarkUI ZephrimarkOffload/Model ZephrimarkOffload/Screens ZephrimarkOffload"
-  "ZephrimarkOffload:${engine} DiskServices Translations Updates ZephrimarkUI"
-  "CommandLine:${engine} DiskServices Translations")
-# Folders whose headers are their module's own. Programs put the system's implementations together,
-# so they name those of PlatformKit.
+  "ZephrimarkOffload:${engine} Composition Translations Updates ZephrimarkUI"
+  "CommandLine:${engine} Composition Translations")
+# Folders whose headers are their module's own. Composition puts the system's implementations
+# together, so it alone names those of PlatformKit.
 set(internal PlatformKit/Linux OffloadKit/Transfer OffloadKit/Copying
     OffloadKit/Proof OffloadKit/Run)
-set(composition_roots ZephrimarkOffload/main.cpp ZephrimarkOffload/Machine.h CommandLine/Services.h
-    CommandLine/main.cpp)
+set(composition_root Composition)
 
 set(system_headers "<(unistd|fcntl|dirent|poll|pthread|sched|signal|termios|langinfo|locale)\\.h>|<sys/|<linux/|<csignal>")
 set(system_folders "^(PlatformKit/(Posix|Linux|Testing)|DiskServices|DeviceHelper)/")
@@ -105,7 +105,7 @@ foreach(folder IN LISTS folders)
       folder_of(${header} "${internal}" hidden)
       string(REGEX REPLACE "/.*" "" hidden_module "${hidden}")
       set(may_compose FALSE)
-      if(hidden_module STREQUAL "PlatformKit" AND source IN_LIST composition_roots)
+      if(hidden_module STREQUAL "PlatformKit" AND module STREQUAL composition_root)
         set(may_compose TRUE)
       endif()
       if(hidden AND NOT hidden_module STREQUAL module AND NOT may_compose)

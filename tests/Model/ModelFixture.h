@@ -1,7 +1,5 @@
 #pragma once
 
-#include "PlatformKit/Linux/LinuxFileSystem.h"
-#include "PlatformKit/Linux/LinuxVolumes.h"
 #include "PlatformKit/Testing/FakeRawDevices.h"
 #include "PlatformKit/Testing/FakeVolumeWatcher.h"
 #include "PlatformKit/Testing/ManualClock.h"

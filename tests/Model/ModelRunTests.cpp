@@ -1,8 +1,8 @@
 // Whole offloads through the model: the real engine on real folders, with an event loop and no
 // window.
 
+#include "Composition/Machine.h"
 #include "OffloadKit/Records/OffloadError.h"
-#include "PlatformKit/Linux/LinuxDisks.h"
 #include "tests/Model/ModelFixture.h"
 
 #include <atomic>
@@ -31,7 +31,7 @@ class ModelRunTests : public ModelFixture {
       }
     });
     makeRunner_ = [this] {
-      return std::make_unique<EngineRunner>(system_, rawAccess_, realDisks_);
+      return std::make_unique<EngineRunner>(machine_.system(), rawAccess_, machine_.disks());
     };
   }
 
@@ -51,11 +51,7 @@ class ModelRunTests : public ModelFixture {
   const Path source_ = folder_.path() / "card";
   const Path a_ = folder_.path() / "T7";
   const Path b_ = folder_.path() / "RAID";
-  PlatformKit::LinuxFileSystem fileSystem_;
-  PlatformKit::LinuxVolumes volumes_;
-  PlatformKit::SystemClock systemClock_;
-  PlatformKit::System system_{fileSystem_, volumes_, systemClock_};
-  PlatformKit::LinuxDisks realDisks_{volumes_};
+  Composition::Machine machine_;
   PlatformKit::Testing::FakeRawDevices raw_;
   DeviceKit::RawDeviceAccess rawAccess_{raw_, {}};
 };
@@ -238,8 +234,9 @@ TEST_F(ModelRunTests, AnotherCardIsNeitherEjectedNorImaged) {
   OffloadKit::OffloadPlan plan;
   plan.source = source_;
   plan.cardImage = OffloadKit::CardImageRequest{"/dev/none", 0, 1};
-  EXPECT_THROW(EngineRunner(system_, rawAccess_, realDisks_).run(plan, [](const auto&) {}),
-               OffloadKit::OffloadError);
+  EXPECT_THROW(
+      EngineRunner(machine_.system(), rawAccess_, machine_.disks()).run(plan, [](const auto&) {}),
+      OffloadKit::OffloadError);
 }
 
 TEST_F(ModelRunTests, TheEndOfTheModelStopsTheRun) {

@@ -1,8 +1,6 @@
 // The model on the volumes of this machine: mounts come and go while it looks.
 
-#include "PlatformKit/Linux/LinuxDisks.h"
-#include "PlatformKit/Linux/LinuxMountedVolumes.h"
-#include "PlatformKit/Linux/LinuxVolumeWatcher.h"
+#include "Composition/Machine.h"
 #include "ZephrimarkOffload/Model/SystemDiskQueries.h"
 #include "tests/Model/ModelFixture.h"
 #include "tests/PlatformKit/MountedImage.h"
@@ -12,14 +10,9 @@
 namespace ZephrimarkOffload {
 namespace {
 
-struct RealMachine {
-  PlatformKit::LinuxFileSystem fileSystem;
-  PlatformKit::LinuxVolumes volumes;
-  PlatformKit::SystemClock clock;
-  PlatformKit::System system{fileSystem, volumes, clock};
-  PlatformKit::LinuxDisks disks{volumes};
-  PlatformKit::LinuxMountedVolumes mountedVolumes;
-  SystemDiskQueries queries{system, mountedVolumes, disks, nullptr};
+struct RealDisks {
+  Composition::Machine machine;
+  SystemDiskQueries queries{machine.system(), machine.mountedVolumes(), machine.disks(), nullptr};
 };
 
 TEST(RealVolumesTests, AMountedDriveAppearsIsReadAndDisappears) {
@@ -29,10 +22,10 @@ TEST(RealVolumesTests, AMountedDriveAppearsIsReadAndDisappears) {
   const PlatformKit::Testing::TempFolder folder;
   FakeDesktop desktop;
   Settings settings(QString::fromStdString((folder.path() / "settings.ini").native()));
-  PlatformKit::LinuxVolumeWatcher watcher;
-  const auto machine = std::make_shared<RealMachine>();
-  OffloadModel model({std::shared_ptr<DiskQueries>(machine, &machine->queries), watcher, desktop,
-                      settings, machine->clock, nullptr});
+  const auto watcher = Composition::Machine::makeVolumeWatcher();
+  const auto disks = std::make_shared<RealDisks>();
+  OffloadModel model({std::shared_ptr<DiskQueries>(disks, &disks->queries), *watcher, desktop,
+                      settings, disks->machine.system().clock, nullptr});
   const auto find = [&](const Path& root) {
     const auto& drives = model.setup().drives();
     return std::find_if(drives.begin(), drives.end(),
