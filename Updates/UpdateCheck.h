@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Updates/Download.h"
-#include "Updates/ProxyQuestion.h"
+#include "Updates/ProxyLookup.h"
 #include "Updates/Signature.h"
 #include "Updates/UpdateResult.h"
 #include "Updates/Version.h"
@@ -63,7 +63,7 @@ class UpdateCheck final : public QObject {
   QNetworkRequest request_;
   QTimer deadline_;
   QNetworkAccessManager network_;
-  ProxyQuestion proxy_;
+  ProxyLookup proxy_;
   std::unique_ptr<Download> feed_;
   std::unique_ptr<Download> signature_;
 };

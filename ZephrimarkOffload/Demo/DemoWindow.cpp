@@ -52,7 +52,7 @@ void DemoWindow::advance() {
   if (stage.index() != scene_.shows.index()) return;
   if (is<Running>(stage) && !std::get<Running>(stage).progress) return;
   if (!isDialogOpen()) return;
-  isSettled_ = true;
+  isReady_ = true;
   steps_.stop();
 }
 

@@ -22,7 +22,7 @@ class Screenshot final {
   const QString file_;
   QTimer again_;
   int looks_ = 0;
-  int looksWhenSettled_ = 0;
+  int looksWhenReady_ = 0;
 };
 
 }  // namespace ZephrimarkOffload::Demo

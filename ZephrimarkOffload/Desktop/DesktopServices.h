@@ -1,8 +1,8 @@
 #pragma once
 
-#include "ZephrimarkOffload/Desktop/AwakeHolder.h"
 #include "ZephrimarkOffload/Desktop/LauncherProgress.h"
 #include "ZephrimarkOffload/Desktop/Notifications.h"
+#include "ZephrimarkOffload/Desktop/SleepInhibitor.h"
 #include "ZephrimarkOffload/Model/Desktop.h"
 
 namespace ZephrimarkOffload {
@@ -19,13 +19,13 @@ class DesktopServices final : public Desktop {
   void requestNotificationPermission() override {}
   void notify(const QString& title, const QString& body) override;
   void setBadge(std::optional<double> fraction) override;
-  void holdAwake(const QString& reason) override;
-  void releaseAwake() override;
+  void inhibitSleep(const QString& reason) override;
+  void allowSleep() override;
 
  private:
   Notifications notifications_;
   LauncherProgress progress_;
-  AwakeHolder awake_;
+  SleepInhibitor sleep_;
 };
 
 }  // namespace ZephrimarkOffload

@@ -23,7 +23,7 @@ OffloadModel::~OffloadModel() {
   cancel();
   run_.reset();
   services_.desktop.setBadge(std::nullopt);
-  services_.desktop.releaseAwake();
+  services_.desktop.allowSleep();
 }
 
 const Stage& OffloadModel::stage() const {
@@ -48,7 +48,7 @@ void OffloadModel::start() {
   connect(run.get(), &Run::ended, this, &OffloadModel::finish);
   run_ = run;
   ejection_.forget();
-  services_.desktop.holdAwake(
+  services_.desktop.inhibitSleep(
       QString::fromStdString(TextKit::filled(TextKit::translate("Progress", "Copying %1"),
                                              {TextKit::singleLineText(run->plan().sourceName)})));
   emit stageChanged();
@@ -74,7 +74,7 @@ void OffloadModel::finish() {
   if (is<Choosing>(run->stage())) run_.reset();
   emit stageChanged();
   services_.desktop.setBadge(std::nullopt);
-  services_.desktop.releaseAwake();
+  services_.desktop.allowSleep();
   const auto* done = std::get_if<Done>(&run->stage());
   if (done == nullptr) return;
   const Notice notice = noticeOf(*done->result);

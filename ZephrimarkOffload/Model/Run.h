@@ -22,7 +22,7 @@ class Run final : public QObject, public std::enable_shared_from_this<Run> {
   Q_OBJECT
 
  public:
-  /// What is settled at the start and holds for the whole run.
+  /// What is fixed at the start and holds for the whole run.
   struct Order {
     OffloadKit::OffloadPlan plan;
     /// What was chosen to be offloaded; see SourceMonitor::source.

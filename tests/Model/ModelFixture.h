@@ -106,15 +106,15 @@ class FakeDesktop final : public Desktop {
     calls_.push_back("notify " + title.toStdString() + " | " + body.toStdString());
   }
   void setBadge(std::optional<double> fraction) override { badge_ = fraction; }
-  void holdAwake(const QString& reason) override {
-    isAwake_ = true;
-    calls_.push_back("awake " + reason.toStdString());
+  void inhibitSleep(const QString& reason) override {
+    isSleepInhibited_ = true;
+    calls_.push_back("inhibit " + reason.toStdString());
   }
-  void releaseAwake() override { isAwake_ = false; }
+  void allowSleep() override { isSleepInhibited_ = false; }
 
   std::vector<std::string> calls_;
   std::optional<double> badge_;
-  bool isAwake_ = false;
+  bool isSleepInhibited_ = false;
 };
 
 /// A card "/media/A001" and two drives, all made up, and a model on them. The settings are in a

@@ -66,7 +66,7 @@ TEST_F(ModelRunTests, AnOffloadIsVerifiedToldAndEjected) {
                    [&] { badge = std::max(badge, desktop_.badge_.value_or(0)); });
   model.start();
   EXPECT_TRUE(is<Running>(model.stage()));
-  EXPECT_TRUE(desktop_.isAwake_);
+  EXPECT_TRUE(desktop_.isSleepInhibited_);
   EXPECT_EQ(model.stepStatus(), "Copying A001 to 2 drives. Keep everything connected.");
   model.start();  // one at a time
 
@@ -75,9 +75,9 @@ TEST_F(ModelRunTests, AnOffloadIsVerifiedToldAndEjected) {
   EXPECT_TRUE(std::get<Done>(model.stage()).result->allVerified());
   EXPECT_EQ(badge, 1);
   EXPECT_FALSE(desktop_.badge_);
-  EXPECT_FALSE(desktop_.isAwake_);
+  EXPECT_FALSE(desktop_.isSleepInhibited_);
   EXPECT_THAT(desktop_.calls_,
-              ElementsAre("awake Copying A001", "permission",
+              ElementsAre("inhibit Copying A001", "permission",
                           "notify Offload verified | A001: 2 files, 3 MB, checked on 2 drives."));
   EXPECT_EQ(model.step(), 4);
   ASSERT_TRUE(waitUntil([&] { return !model.ejection().message().empty(); }));
@@ -103,7 +103,7 @@ TEST_F(ModelRunTests, StopGoesBackToTheSameChoices) {
   EXPECT_TRUE(is<Choosing>(model.stage()));
   EXPECT_EQ(model.setup().source()->path, source_);
   EXPECT_THAT(model.setup().destinations(), ElementsAre(a_, b_));
-  EXPECT_FALSE(desktop_.isAwake_);
+  EXPECT_FALSE(desktop_.isSleepInhibited_);
   EXPECT_EQ(desktop_.calls_.size(), 2);  // nothing is told
 }
 
@@ -139,7 +139,7 @@ TEST_F(ModelRunTests, AFailedStartSaysWhy) {
   ASSERT_TRUE(is<Failed>(model.stage()));
   EXPECT_THAT(std::get<Failed>(model.stage()).message, HasSubstr("The card couldn't be read"));
   EXPECT_EQ(model.stepStatus(), "The offload couldn't start. See the message below.");
-  EXPECT_FALSE(desktop_.isAwake_);
+  EXPECT_FALSE(desktop_.isSleepInhibited_);
   EXPECT_FALSE(desktop_.badge_);
   model.showSetup();
   EXPECT_TRUE(is<Choosing>(model.stage()));
@@ -245,7 +245,7 @@ TEST_F(ModelRunTests, TheEndOfTheModelStopsTheRun) {
   model.start();
   ASSERT_TRUE(waitUntil([&] { return desktop_.badge_ == 1; }));
   model_.reset();
-  EXPECT_FALSE(desktop_.isAwake_);
+  EXPECT_FALSE(desktop_.isSleepInhibited_);
   EXPECT_FALSE(desktop_.badge_);
 }
 
