@@ -72,7 +72,7 @@ std::optional<std::string> ejectCard(const OffloadKit::OffloadResult& result,
   }
   const OffloadKit::OffloadPlan& plan = result.plan;
   // Once it is taken out, its folder may lie on another disk.
-  if (!DeviceKit::isVolumeRoot(machine.system(), plan.source)) {
+  if (!DeviceKit::isVolumeRoot(machine.platform(), plan.source)) {
     return filled("%1 is not mounted any more, so it was not ejected.", {plan.sourceName});
   }
   return DeviceKit::CardEjector(machine.disks(), &machine.ejector())
@@ -99,7 +99,7 @@ void tellEjection(const OffloadArguments& arguments, const std::string& name,
 }  // namespace
 
 int runOffload(const OffloadArguments& arguments, const Composition::Machine& machine) {
-  const PlatformKit::System system = machine.system();
+  const PlatformKit::System system = machine.platform();
   OffloadKit::OffloadEngine engine(system, machine.rawDevices());
   std::atomic<int> interruptedBy = 0;
   const PlatformKit::Interrupts interrupts([&](int signal) {

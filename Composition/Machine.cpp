@@ -34,7 +34,7 @@ Machine::Machine() : parts_(std::make_unique<Parts>()) {}
 
 Machine::~Machine() = default;
 
-PlatformKit::System Machine::system() const {
+PlatformKit::System Machine::platform() const {
   return {parts_->fileSystem, parts_->volumes, parts_->clock};
 }
 

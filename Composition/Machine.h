@@ -12,10 +12,10 @@
 namespace Composition {
 
 /// The services of this computer, put together once for whichever program runs: the one place that
-/// knows which implementation stands behind an interface. To make one does nothing but that. What it
-/// hands out lives as long as it does and is safe to use from several threads; a query to a dead
-/// volume can outlive everything else, so whoever asks on threads that may be left behind shares the
-/// machine with them.
+/// knows which implementation stands behind an interface. To make one does nothing but that. What
+/// it hands out lives as long as it does and is safe to use from several threads; a query to a dead
+/// volume can outlive everything else, so whoever asks on threads that may be left behind shares
+/// the machine with them.
 class Machine {
  public:
   Machine();
@@ -24,7 +24,7 @@ class Machine {
   Machine& operator=(const Machine&) = delete;
 
   /// File system, volumes and clock.
-  [[nodiscard]] PlatformKit::System system() const;
+  [[nodiscard]] PlatformKit::System platform() const;
   [[nodiscard]] PlatformKit::MountedVolumes& mountedVolumes() const;
   [[nodiscard]] PlatformKit::Disks& disks() const;
   /// Ejects disks through the desktop's disk service.

@@ -18,13 +18,13 @@ class CardEjector {
 
   /// Unmounts every volume of the whole disk under the volume mounted at `volume`, and ejects the
   /// disk or switches it off where it can be. What it does is about the disk that is there now: the
-  /// caller makes sure that the volume is still mounted. A disk that cannot be a memory card, such as
-  /// the one the system runs from, is left alone.
+  /// caller makes sure that the volume is still mounted. A disk that cannot be a memory card, such
+  /// as the one the system runs from, is left alone.
   ///
-  /// Answers none when it was done and the card may be taken out. Else one or two full sentences for
-  /// people, in English: why not, and what to do. They call the volume `name`, bytes as given. Blocks while the
-  /// disk takes what was written to it and while the user is asked for a password, which can take
-  /// minutes. Never throws.
+  /// Answers none when it was done and the card may be taken out. Else one or two full sentences
+  /// for people, in English: why not, and what to do. They call the volume `name`, bytes as given.
+  /// Blocks while the disk takes what was written to it and while the user is asked for a password,
+  /// which can take minutes. Never throws.
   [[nodiscard]] std::optional<std::string> eject(const PlatformKit::Path& volume,
                                                  const std::string& name) const;
 

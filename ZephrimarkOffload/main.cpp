@@ -54,7 +54,7 @@ std::string help() {
 /// The computer and what is asked of its disks.
 struct Services {
   Composition::Machine machine;
-  ZephrimarkOffload::SystemDiskQueries disks{machine.system(), machine.mountedVolumes(),
+  ZephrimarkOffload::SystemDiskQueries disks{machine.platform(), machine.mountedVolumes(),
                                              machine.disks(), &machine.ejector()};
 };
 
@@ -143,10 +143,10 @@ int run(QGuiApplication& application, const std::vector<std::string>& arguments,
   ZephrimarkOffload::Settings settings;
   const auto watcher = Composition::Machine::makeVolumeWatcher();
   OffloadModel model({std::shared_ptr<ZephrimarkOffload::DiskQueries>(services, &services->disks),
-                      *watcher, desktop, settings, machine.system().clock, [services] {
+                      *watcher, desktop, settings, machine.platform().clock, [services] {
                         const Composition::Machine& computer = services->machine;
                         return std::make_unique<ZephrimarkOffload::EngineRunner>(
-                            computer.system(), computer.rawDevices(), computer.disks());
+                            computer.platform(), computer.rawDevices(), computer.disks());
                       }});
   UpdateCheck updates;
   OffloadWindow window(model, {settings, updates.presenter(),
@@ -171,7 +171,7 @@ int run(QGuiApplication& application, const std::vector<std::string>& arguments,
 int start(QGuiApplication& application, const std::vector<std::string>& arguments,
           const QString& activationToken) {
   const auto services = std::make_shared<Services>();
-  SingleInstance instance(services->machine.system().fileSystem,
+  SingleInstance instance(services->machine.platform().fileSystem,
                           ZephrimarkOffload::instanceFolder());
   if (instance.claim(activationToken) == SingleInstance::Role::second) return endAsSecond(instance);
   try {

@@ -23,8 +23,9 @@ struct CardImageRequest {
   std::uint64_t size = 0;            ///< bytes of the device, counted into that destination's need
 };
 
-/// The folder that somebody chose and that a destination is below, and the volume on which it lay then
-/// (see volumeOf). A run does not begin when it lies on another one by now: its drive was unmounted.
+/// The folder that somebody chose and that a destination is below, and the volume on which it lay
+/// then (see volumeOf). A run does not begin when it lies on another one by now: its drive was
+/// unmounted.
 struct ChosenPlace {
   PlatformKit::Path folder;
   std::optional<PlatformKit::VolumeIdentifier> volume;  ///< none: not known

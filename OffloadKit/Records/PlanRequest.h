@@ -19,8 +19,8 @@ struct PlanRequest {
   /// A folder to copy to.
   struct Destination {
     ChosenPlace place;
-    /// Bytes free on its volume. None while that is not known, which counts as 0 where the request's
-    /// destinations are compared.
+    /// Bytes free on its volume. None while that is not known, which counts as 0 where the
+    /// request's destinations are compared.
     std::optional<std::uint64_t> freeSpace = {};
   };
 

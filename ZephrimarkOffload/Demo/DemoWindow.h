@@ -29,8 +29,8 @@ class DemoWindow final {
 
   /// False when the window could not be made.
   [[nodiscard]] bool isShown() const { return window_->isShown(); }
-  /// Whether the model and the dialogs are where the scene wants them. What the window shows of that
-  /// can still be moving for a moment.
+  /// Whether the model and the dialogs are where the scene wants them. What the window shows of
+  /// that can still be moving for a moment.
   [[nodiscard]] bool isReady() const { return isReady_; }
   [[nodiscard]] OffloadModel& model() { return *model_; }
   [[nodiscard]] QQuickWindow& window() { return *window_->window(); }

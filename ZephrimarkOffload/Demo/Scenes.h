@@ -18,8 +18,8 @@ struct Scene {
   std::vector<ScriptedDrive> drives;
   Choices choices;
   PlatformKit::Path source;  ///< empty when none is chosen
-  /// Which stage it is about, whatever that carries. The offload is started for a later one than the
-  /// choosing.
+  /// Which stage it is about, whatever that carries. The offload is started for a later one than
+  /// the choosing.
   Stage shows = Choosing{};
   Script script;
   /// How long the offload seems to run already.

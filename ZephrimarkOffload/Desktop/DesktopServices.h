@@ -17,8 +17,11 @@ class DesktopServices final : public Desktop {
 
   /// Does nothing: no desktop on Linux wants to be asked.
   void requestNotificationPermission() override {}
+  /// As Notifications::notify.
   void notify(const QString& title, const QString& body) override;
+  /// As LauncherProgress::set.
   void setBadge(std::optional<double> fraction) override;
+  /// As SleepInhibitor::inhibit and allow.
   void inhibitSleep(const QString& reason) override;
   void allowSleep() override;
 

@@ -10,8 +10,8 @@
 
 namespace ZephrimarkOffload {
 
-/// Asks the disks in the background. Every query has a thread of its own, since one that waits for a
-/// dead network volume never ends and must not keep others waiting. Main thread.
+/// Asks the disks in the background. Every query has a thread of its own, since one that waits for
+/// a dead network volume never ends and must not keep others waiting. Main thread.
 class Background {
  public:
   /// `disks` lives until the last query that was asked is answered.
@@ -40,7 +40,8 @@ class Background {
     if (!started) asking_.erase(name);
   }
 
-  /// For what comes from other threads, such as a watcher's.
+  /// For what comes from other threads, such as a watcher's. What is given behind the end of this
+  /// object is dropped.
   [[nodiscard]] std::shared_ptr<MainQueue::Sender> main() const { return main_.sender(); }
 
  private:

@@ -9,7 +9,8 @@
 
 namespace ZephrimarkOffload {
 
-/// Ejects a card in the background and keeps how that went. One at a time. Main thread.
+/// Ejects a card in the background and keeps how that went, as one state: none, going on, done or
+/// failed. One at a time; it takes as long as disk and user do. Main thread.
 class CardEjection final : public QObject {
   Q_OBJECT
 

@@ -60,8 +60,9 @@ class OffloadModel final : public QObject {
   [[nodiscard]] int step() const;
   [[nodiscard]] std::string stepStatus() const;
 
-  /// Takes a folder that was dropped on the window, as the source or as a destination. Whether it is
-  /// a folder is asked in the background; it is taken only while the next offload is being chosen.
+  /// Takes a folder that was dropped on the window, as the source or as a destination. Whether it
+  /// is a folder is asked in the background; it is taken only while the next offload is being
+  /// chosen.
   void takeFolder(const PlatformKit::Path& path, bool asSource);
   /// Starts an offload of what is chosen; does nothing while one runs or something blocks it.
   void start();

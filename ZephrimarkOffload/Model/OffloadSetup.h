@@ -22,8 +22,8 @@ namespace ZephrimarkOffload {
 
 /// What is chosen for the next offload, by which rules it can be chosen, and what is known of the
 /// cards and drives to choose from. Knows nothing of offloads that run. It asks the disks in the
-/// background and shows what is known, so none of its calls waits for a disk. Everything on the main
-/// thread. Names are bytes as volumes and files have them.
+/// background and shows what is known, so none of its calls waits for a disk. Everything on the
+/// main thread. Names are bytes as volumes and files have them.
 class OffloadSetup final : public QObject {
   Q_OBJECT
 
@@ -36,7 +36,8 @@ class OffloadSetup final : public QObject {
   OffloadSetup(Background& background, PlatformKit::VolumeWatcher& watcher, Settings& settings,
                const PlatformKit::Clock& clock);
 
-  /// The cards and drives that are mounted, as far as they have been listed.
+  /// The cards and drives that are mounted, as far as they have been listed; in the order of
+  /// mounting. Valid until the event loop runs again.
   [[nodiscard]] const std::vector<DeviceKit::Volume>& cards() const { return volumes_.cards(); }
   [[nodiscard]] const std::vector<DeviceKit::Volume>& drives() const { return volumes_.drives(); }
   /// The drives to offer: without the source and without those that hold a destination.
@@ -55,10 +56,11 @@ class OffloadSetup final : public QObject {
   /// Whether there are destinations and all of them are on the computer's own disk.
   [[nodiscard]] bool onlyInternalCopies() const;
 
+  /// Those of the last time, until they are changed.
   [[nodiscard]] const Options& options() const { return choices_; }
 
-  /// All of it as a plan is made of: what is not known yet is missing in it, and a card image that is
-  /// not possible is not in it. For the moment of the call.
+  /// All of it as a plan is made of: what is not known yet is missing in it, and a card image that
+  /// is not possible is not in it. For the moment of the call.
   [[nodiscard]] OffloadKit::PlanRequest request() const;
   /// Why an offload cannot start, in words to act on; none when it can.
   [[nodiscard]] std::optional<std::string> blocker() const;
@@ -89,6 +91,7 @@ class OffloadSetup final : public QObject {
   void sourceChanged();
   /// Others are chosen, or something else is known of them, such as their free space.
   void destinationsChanged();
+  /// An option was set, to whatever value.
   void optionsChanged();
 
  private:

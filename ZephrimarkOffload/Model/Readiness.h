@@ -8,9 +8,9 @@
 
 namespace ZephrimarkOffload {
 
-/// The first reason why an offload cannot start, in words to act on and in the user's language; none
-/// when it can. `count`: of the request's source, zeros until it is known. Looks at nothing but its
-/// arguments; any thread.
+/// The first reason why an offload cannot start, in words to act on and in the user's language;
+/// none when it can. `count`: of the request's source, zeros until it is known. Looks at nothing
+/// but its arguments; any thread.
 std::optional<std::string> blocker(const OffloadKit::PlanRequest& request,
                                    const SourceCount& count);
 

@@ -14,10 +14,10 @@
 
 namespace ZephrimarkOffload {
 
-/// One offload, from its start to its end and what came of it: everything that a window shows of it.
-/// The engine works on a thread of its own; each of its reports and the outcome come to the main
-/// thread, in order. Main thread. Owned by shared pointers; what comes from the engine behind the
-/// end of the last one is dropped.
+/// One offload, from its start to its end and what came of it: everything that a window shows of
+/// it. The engine works on a thread of its own; each of its reports and the outcome come to the
+/// main thread, in order. Main thread. Owned by shared pointers; what comes from the engine behind
+/// the end of the last one is dropped.
 class Run final : public QObject, public std::enable_shared_from_this<Run> {
   Q_OBJECT
 
@@ -30,12 +30,14 @@ class Run final : public QObject, public std::enable_shared_from_this<Run> {
     bool ejectsCard = false;  ///< when everything that was asked for is there
   };
 
+  /// `main` brings what comes from the engine's thread to the main one.
   Run(Order order, std::unique_ptr<OffloadRunner> runner, std::shared_ptr<MainQueue::Sender> main)
       : order_(std::move(order)), runner_(std::move(runner)), main_(std::move(main)) {}
   /// Stops it and waits for its thread.
   ~Run() override;
 
-  /// Lets the engine begin, once. Where there is no thread to be had it has ended when this returns.
+  /// Lets the engine begin, once. Where there is no thread to be had it has ended when this
+  /// returns.
   void begin();
   /// Asks it to stop at its next step; also before `begin`.
   void cancel();

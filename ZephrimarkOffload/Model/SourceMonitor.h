@@ -19,8 +19,8 @@ struct ChosenSource {
 /// when another card lies in its place. Main thread.
 class SourceMonitor {
  public:
-  /// `changed` is called when a source is chosen and when more is known of it. `background` outlives
-  /// this object.
+  /// `changed` is called when a source is chosen and when more is known of it. `background`
+  /// outlives this object.
   SourceMonitor(Background& background, std::function<void()> changed);
 
   /// Chooses another source, or none with an empty path. The one that is chosen already stays as it

@@ -17,8 +17,8 @@ struct StepFacts {
   std::optional<std::string> blocker{};  ///< why the next offload cannot start; a sentence
 };
 
-/// Which of the steps "Card", "Drives", "Copy and verify", "Done" is the current one, from 0; 4 when
-/// all are complete. Any thread.
+/// Which of the steps "Card", "Drives", "Copy and verify", "Done" is the current one, from 0; 4
+/// when all are complete. Any thread.
 int step(const StepFacts& facts);
 
 /// The sentence below the steps, in the user's language: where the user is and what to do next. Any

@@ -8,13 +8,14 @@
 
 namespace ZephrimarkOffload {
 
-/// The queries, answered by this computer's disks.
+/// The queries, answered by this computer's disks: each call asks the system anew and has no state.
+/// What each answers and how long it may take, see DiskQueries.
 class SystemDiskQueries final : public DiskQueries {
  public:
-  /// `ejector`: null when nothing can be ejected. Everything outlives this object and is safe to use
-  /// from several threads.
+  /// `ejector`: null when nothing can be ejected. Everything outlives this object and is safe to
+  /// use from several threads.
   SystemDiskQueries(PlatformKit::System system, PlatformKit::MountedVolumes& mounted,
-                      PlatformKit::Disks& disks, PlatformKit::Ejector* ejector)
+                    PlatformKit::Disks& disks, PlatformKit::Ejector* ejector)
       : system_(system), mounted_(mounted), disks_(disks), ejector_(disks, ejector) {}
 
   [[nodiscard]] std::vector<PlatformKit::MountedVolume> volumes() override;

@@ -18,8 +18,8 @@ class VolumeMonitor {
  public:
   /// `changed` is called with every new state of the lists, first when all volumes have told their
   /// sizes or a moment has passed, then again for each that was late. `gone` is the path that
-  /// `refresh` was asked about, when nothing is there any more; it is told once. Never within a call
-  /// of this class. `background` outlives this object.
+  /// `refresh` was asked about, when nothing is there any more; it is told once. Never within a
+  /// call of this class. `background` outlives this object.
   using Changed = std::function<void(const std::optional<PlatformKit::Path>& gone)>;
   VolumeMonitor(Background& background, Changed changed);
 

@@ -31,7 +31,7 @@ class ModelRunTests : public ModelFixture {
       }
     });
     makeRunner_ = [this] {
-      return std::make_unique<EngineRunner>(machine_.system(), rawAccess_, machine_.disks());
+      return std::make_unique<EngineRunner>(machine_.platform(), rawAccess_, machine_.disks());
     };
   }
 
@@ -235,7 +235,7 @@ TEST_F(ModelRunTests, AnotherCardIsNeitherEjectedNorImaged) {
   plan.source = source_;
   plan.cardImage = OffloadKit::CardImageRequest{"/dev/none", 0, 1};
   EXPECT_THROW(
-      EngineRunner(machine_.system(), rawAccess_, machine_.disks()).run(plan, [](const auto&) {}),
+      EngineRunner(machine_.platform(), rawAccess_, machine_.disks()).run(plan, [](const auto&) {}),
       OffloadKit::OffloadError);
 }
 

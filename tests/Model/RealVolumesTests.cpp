@@ -12,7 +12,7 @@ namespace {
 
 struct RealDisks {
   Composition::Machine machine;
-  SystemDiskQueries queries{machine.system(), machine.mountedVolumes(), machine.disks(), nullptr};
+  SystemDiskQueries queries{machine.platform(), machine.mountedVolumes(), machine.disks(), nullptr};
 };
 
 TEST(RealVolumesTests, AMountedDriveAppearsIsReadAndDisappears) {
@@ -25,7 +25,7 @@ TEST(RealVolumesTests, AMountedDriveAppearsIsReadAndDisappears) {
   const auto watcher = Composition::Machine::makeVolumeWatcher();
   const auto disks = std::make_shared<RealDisks>();
   OffloadModel model({std::shared_ptr<DiskQueries>(disks, &disks->queries), *watcher, desktop,
-                      settings, disks->machine.system().clock, nullptr});
+                      settings, disks->machine.platform().clock, nullptr});
   const auto find = [&](const Path& root) {
     const auto& drives = model.setup().drives();
     return std::find_if(drives.begin(), drives.end(),
