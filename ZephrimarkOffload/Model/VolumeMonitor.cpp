@@ -39,8 +39,7 @@ void VolumeMonitor::refresh(const Path& source) {
       });
   if (source.empty()) return;
   background_.ask(
-      "exists " + source.native(),
-      [source](DiskQueries& disks) { return disks.exists(source); },
+      "exists " + source.native(), [source](DiskQueries& disks) { return disks.exists(source); },
       [this, round](bool exists) {
         if (round != round_) return;
         presence_ = exists ? Presence::there : Presence::gone;
