@@ -3,6 +3,7 @@
 #include "DeviceKit/Places.h"
 #include "OffloadKit/Card/CameraName.h"
 #include "OffloadKit/Records/FolderPreset.h"
+#include "OffloadKit/Records/PlanRequest.h"
 #include "OffloadKit/Wording/ShownReason.h"
 #include "PlatformKit/Paths.h"
 #include "TextKit/Translation.h"
@@ -63,31 +64,25 @@ std::uint64_t freeSpace(PlatformKit::System system, const Path& destination) {
   return DeviceKit::freeSpace(system, PlatformKit::nearestExisting(system.fileSystem, destination));
 }
 
-OffloadKit::CardImageRequest imageRequest(PlatformKit::System system,
-                                          const DeviceKit::DiskEnumerator& disks,
-                                          const OffloadKit::OffloadPlan& plan) {
-  if (!DeviceKit::isVolumeRoot(system, plan.source)) {
+OffloadKit::PlanRequest::CardDisk cardDisk(PlatformKit::System system,
+                                           const DeviceKit::DiskEnumerator& disks,
+                                           const Path& source) {
+  if (!DeviceKit::isVolumeRoot(system, source)) {
     throw ArgumentError(
         filled(translate("Terminal",
                          "\"%1\" is a folder, not a whole card. A card image needs a card as the "
                          "source."),
-               {singleLineText(plan.source.native())}));
+               {singleLineText(source.native())}));
   }
-  const auto disk = disks.wholeDisk(plan.source);
+  const auto disk = disks.wholeDisk(source);
   if (!disk) {
     throw ArgumentError(
         filled(translate("Terminal",
                          "There is no single disk behind \"%1\" that a card image could be made "
                          "of."),
-               {singleLineText(plan.source.native())}));
+               {singleLineText(source.native())}));
   }
-  std::size_t emptiest = 0;
-  for (std::size_t i = 1; i < plan.destinations.size(); ++i) {
-    if (freeSpace(system, plan.destinations[i]) > freeSpace(system, plan.destinations[emptiest])) {
-      emptiest = i;
-    }
-  }
-  return {disk->rawPath, emptiest, disk->size};
+  return {disk->rawPath, disk->size};
 }
 
 std::vector<Path> destinationFolders(PlatformKit::FileSystem& fileSystem,
@@ -124,24 +119,27 @@ std::vector<Path> destinationFolders(PlatformKit::FileSystem& fileSystem,
 
 OffloadKit::OffloadPlan planFor(const OffloadArguments& arguments, PlatformKit::System system,
                                 const DeviceKit::DiskEnumerator& disks) {
-  const auto destinations = destinationFolders(system.fileSystem, arguments.destinations);
-  OffloadKit::OffloadPlan plan;
+  OffloadKit::PlanRequest request;
   // Before the card is looked at, which can take its time.
-  for (const Path& destination : destinations) {
-    plan.chosen.push_back({destination, PlatformKit::volumeOf(system.fileSystem, destination)});
+  for (const Path& folder : destinationFolders(system.fileSystem, arguments.destinations)) {
+    request.destinations.push_back({{folder, PlatformKit::volumeOf(system.fileSystem, folder)}});
   }
-  plan.source = sourcePath(system.fileSystem, arguments.source);
-  plan.sourceName = sourceName(system, plan.source);
-  const OffloadKit::FolderPreset preset{arguments.folderTemplate};
-  const std::string folder =
-      preset.resolve({system.clock.now(), plan.sourceName,
-                      OffloadKit::cameraName(system.fileSystem, plan.source), arguments.project});
-  for (const Path& destination : destinations) plan.destinations.push_back(destination / folder);
-  plan.algorithm = arguments.checksum;
-  plan.verifySource = !arguments.readOnce;
-  plan.chunkSize = OffloadKit::kUsualChunkSize;
-  if (arguments.cardImage) plan.cardImage = imageRequest(system, disks, plan);
-  return plan;
+  request.source = sourcePath(system.fileSystem, arguments.source);
+  request.sourceName = sourceName(system, request.source);
+  request.camera = OffloadKit::cameraName(system.fileSystem, request.source);
+  request.preset = {arguments.folderTemplate};
+  request.project = arguments.project;
+  request.algorithm = arguments.checksum;
+  request.verifySource = !arguments.readOnce;
+  request.now = system.clock.now();
+  if (arguments.cardImage) {
+    request.imageOf = cardDisk(system, disks, request.source);
+    const std::string below = folderName(request);
+    for (auto& destination : request.destinations) {
+      destination.freeSpace = freeSpace(system, destination.place.folder / below);
+    }
+  }
+  return OffloadKit::planFor(request);
 }
 
 }  // namespace CommandLine

@@ -38,8 +38,8 @@ class SourceError : public std::runtime_error {
 };
 
 /// The plan that the arguments ask for: absolute paths, on every destination the folder that the
-/// template names, and the card image, if wanted, on the destination with the most free space. Throws
-/// ArgumentError and SourceError.
+/// template names, and the card image, if wanted, on the destination with the most free space.
+/// Throws ArgumentError and SourceError.
 OffloadKit::OffloadPlan planFor(const OffloadArguments& arguments, PlatformKit::System system,
                                 const DeviceKit::DiskEnumerator& disks);
 

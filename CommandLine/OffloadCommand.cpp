@@ -5,6 +5,7 @@
 #include "CommandLine/ProgressDisplay.h"
 #include "CommandLine/ResultJson.h"
 #include "CommandLine/Verdict.h"
+#include "DeviceKit/CardEjector.h"
 #include "DeviceKit/Places.h"
 #include "OffloadKit/OffloadEngine.h"
 #include "OffloadKit/Wording/ShownReason.h"
@@ -65,7 +66,7 @@ bool shallEject(const OffloadArguments& arguments, const OffloadKit::OffloadPlan
 
 // Answers none when it was done, else why not.
 std::optional<Reason> ejectCard(const OffloadKit::OffloadResult& result, const Verdict& verdict,
-                                const Services& services) {
+                                const Composition::Machine& machine) {
   if (!verdict.mayEject()) {
     return Reason(Reason::Kind::notAllVerified);
   }
@@ -74,10 +75,11 @@ std::optional<Reason> ejectCard(const OffloadKit::OffloadResult& result, const V
   }
   const OffloadKit::OffloadPlan& plan = result.plan;
   // Once it is taken out, its folder may lie on another disk.
-  if (!DeviceKit::isVolumeRoot(services.system, plan.source)) {
+  if (!DeviceKit::isVolumeRoot(machine.platform(), plan.source)) {
     return Reason(Reason::Kind::notMounted, {plan.sourceName});
   }
-  return services.cardEjector.eject(plan.source, plan.sourceName);
+  return DeviceKit::CardEjector(machine.disks(), &machine.ejector())
+      .eject(plan.source, plan.sourceName);
 }
 
 void tellEjection(const OffloadArguments& arguments, const std::string& name,
@@ -99,9 +101,9 @@ void tellEjection(const OffloadArguments& arguments, const std::string& name,
 
 }  // namespace
 
-int runOffload(const OffloadArguments& arguments, const Services& services) {
-  const PlatformKit::System& system = services.system;
-  OffloadKit::OffloadEngine engine(system, services.rawDevices);
+int runOffload(const OffloadArguments& arguments, const Composition::Machine& machine) {
+  const PlatformKit::System system = machine.platform();
+  OffloadKit::OffloadEngine engine(system, machine.rawDevices());
   std::atomic<int> interruptedBy = 0;
   const PlatformKit::Interrupts interrupts([&](int signal) {
     interruptedBy = signal;
@@ -116,7 +118,8 @@ int runOffload(const OffloadArguments& arguments, const Services& services) {
   });
   std::unique_ptr<ProgressDisplay> display = makeSilentDisplay();
   try {
-    const OffloadKit::OffloadPlan plan = planFor(arguments, system, services.disks);
+    const OffloadKit::OffloadPlan plan =
+        planFor(arguments, system, DeviceKit::DiskEnumerator(machine.disks(), nullptr));
     const bool eject = shallEject(arguments, plan, system);
     display = displayFor(arguments, plan, system.clock);
     const auto result = engine.run(
@@ -124,7 +127,7 @@ int runOffload(const OffloadArguments& arguments, const Services& services) {
     display->finish();
     const Verdict verdict(result);
     tellResult(arguments, result, verdict);
-    if (eject) tellEjection(arguments, plan.sourceName, ejectCard(result, verdict, services));
+    if (eject) tellEjection(arguments, plan.sourceName, ejectCard(result, verdict, machine));
     return verdict.isGood() ? allVerified : notEverything;
   } catch (const ArgumentError& error) {
     tellError(error.what());

@@ -6,9 +6,9 @@
 
 namespace CommandLine {
 
-/// Writes the text as it stands to standard output or standard error, at once. An offload goes on when
-/// nobody listens any more; that something for standard output was lost is told by `outputError`.
-/// Main thread, but for `printError`.
+/// Writes the text as it stands to standard output or standard error, at once. An offload goes on
+/// when nobody listens any more; that something for standard output was lost is told by
+/// `outputError`. Main thread, but for `printError`.
 void print(const std::string& text);
 void printError(const std::string& text);
 

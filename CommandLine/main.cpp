@@ -4,7 +4,7 @@
 #include "CommandLine/OffloadCommand.h"
 #include "CommandLine/Output.h"
 #include "CommandLine/ParserTexts.h"
-#include "CommandLine/Services.h"
+#include "Composition/Machine.h"
 #include "HashKit/HashAlgorithm.h"
 #include "OffloadKit/Wording/ShownReason.h"
 #include "PlatformKit/Posix/OpenFiles.h"
@@ -173,11 +173,14 @@ int main(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return tellParseError(program, error);
   }
-  CommandLine::Services services;
-  if (*offload) return tellLostOutput(CommandLine::runOffload(arguments, services));
-  if (*cards) return tellLostOutput(CommandLine::runCards(cardsAsJson, services.mountedVolumes));
+  const auto machine = std::make_shared<Composition::Machine>();
+  if (*offload) return tellLostOutput(CommandLine::runOffload(arguments, *machine));
+  if (*cards) {
+    return tellLostOutput(
+        CommandLine::runCards(cardsAsJson, {machine, &machine->mountedVolumes()}));
+  }
   if (*disks) {
-    return tellLostOutput(CommandLine::runDisks(allDisks, disksAsJson, services.physicalDisks));
+    return tellLostOutput(CommandLine::runDisks(allDisks, disksAsJson, machine->disks()));
   }
   CommandLine::printError(program.help());
   return CommandLine::wrongArguments;

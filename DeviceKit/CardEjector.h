@@ -19,8 +19,8 @@ class CardEjector {
 
   /// Unmounts every volume of the whole disk under the volume mounted at `volume`, and ejects the
   /// disk or switches it off where it can be. What it does is about the disk that is there now: the
-  /// caller makes sure that the volume is still mounted. A disk that cannot be a memory card, such as
-  /// the one the system runs from, is left alone.
+  /// caller makes sure that the volume is still mounted. A disk that cannot be a memory card, such
+  /// as the one the system runs from, is left alone.
   ///
   /// Answers none when it was done and the card may be taken out. Else why not, in
   /// one or two sentences that also say what to do. They call the volume `name`, bytes as given.

@@ -8,11 +8,14 @@
 
 namespace DeviceKit {
 
-/// Why a device or file could not be opened or read.
+/// Why a device or file could not be opened or read. A value; two are equal when their sentences
+/// are.
 class DeviceError final : public std::exception {
  public:
-  /// `error`: the system's error number.
+  /// The system would not open it, or not tell about it. `error`: the system's error number.
   static DeviceError cannotOpen(std::string path, int error);
+  /// The system wants the user's authorization, and the user, or everybody there was to ask, said
+  /// no.
   static DeviceError authorizationDenied(std::string path);
   static DeviceError notAFileOrDevice(std::string path);
   /// `offset`: of the first byte that could not be read.

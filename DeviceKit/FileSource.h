@@ -7,11 +7,13 @@
 
 namespace DeviceKit {
 
-/// A regular file. A read error fails the read, with the offset of the first byte not read; a file
-/// that became shorter since it was opened gives fewer bytes.
+/// A regular file, open from the beginning of this object to its end. A read error fails the read
+/// (DeviceError::readFailed), with the offset of the first byte not read; a file that became
+/// shorter since it was opened gives fewer bytes.
 class FileSource final : public ByteSource {
  public:
-  /// Opens the file, whose size stays what it is now. Throws DeviceError::cannotOpen.
+  /// Opens the file, through links too; its size stays what it is now. `devices` is not needed any
+  /// more afterwards. Throws DeviceError::cannotOpen.
   FileSource(PlatformKit::RawDevices& devices, std::string path);
 
   [[nodiscard]] std::uint64_t size() const override { return size_; }

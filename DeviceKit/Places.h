@@ -8,8 +8,8 @@
 namespace DeviceKit {
 
 /// How people know the places that cards, folders and destinations are, and how much room is there.
-/// Nothing here fails: what cannot be read gives the neutral value named. All of it asks the volume,
-/// which can block for long when that is a network's. Any thread.
+/// Nothing here fails: what cannot be read gives the neutral value named. All of it asks the
+/// volume, which can block for long when that is a network's. Any thread.
 
 /// Whether a volume is mounted at this folder; false when that cannot be told.
 [[nodiscard]] bool isVolumeRoot(PlatformKit::System system, const PlatformKit::Path& folder);

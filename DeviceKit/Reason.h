@@ -9,11 +9,12 @@
 
 namespace DeviceKit {
 
-/// Why something failed or was refused: a kind, the names and numbers that belong to it, and the reason
-/// behind it if there is one. Records and machines read its sentence in English, people read it in
-/// their language (`shown` in OffloadKit/Wording); both are made of one table of patterns, in
-/// Reason.cpp, and nothing reads a sentence back. It lies here, with the sentences of the engine, since
-/// devices are the lowest that give reasons and a second table would be a second place to translate.
+/// Why something failed or was refused: a kind, the names and numbers that belong to it, and the
+/// reason behind it if there is one. Records and machines read its sentence in English, people read
+/// it in their language (`shown` in OffloadKit/Wording); both are made of one table of patterns, in
+/// Reason.cpp, and nothing reads a sentence back. It lies here, with the sentences of the engine,
+/// since devices are the lowest that give reasons and a second table would be a second place to
+/// translate.
 ///
 /// A value; any thread.
 class Reason {
@@ -82,14 +83,14 @@ class Reason {
   explicit Reason(Kind kind, std::vector<Argument> arguments = {});
   Reason(Kind kind, std::vector<Argument> arguments, Reason behind);
 
-  /// What the system's error number means when it comes from a drive that is written to: noPermission,
-  /// writeError, disconnected, driveFull, or the system's own text. A number that the system does
-  /// not know counts as EIO.
+  /// What the system's error number means when it comes from a drive that is written to:
+  /// noPermission, writeError, disconnected, driveFull, or the system's own text. A number that the
+  /// system does not know counts as EIO.
   static Reason ofDrive(int error);
   /// The system's own text for an error number, such as "Input/output error".
   static Reason ofSystem(int error);
-  /// A sentence that somebody else made, such as a library's exception, as it is. Shown in the user's
-  /// language where it happens to be one of the system's texts.
+  /// A sentence that somebody else made, such as a library's exception, as it is. Shown in the
+  /// user's language where it happens to be one of the system's texts.
   static Reason fromOutside(std::string sentence);
   /// "A.MOV: Input/output error".
   static Reason about(std::string name, Reason reason);

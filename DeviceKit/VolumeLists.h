@@ -24,7 +24,8 @@ struct Volume {
 bool isDrive(const PlatformKit::MountedVolume& volume);
 
 /// Whether it can be offloaded as a card: not the root file system, a removable medium or an
-/// ejectable volume that is not internal, and neither a disk image nor a network volume. Any thread.
+/// ejectable volume that is not internal, and neither a disk image nor a network volume. Any
+/// thread.
 bool isCard(const PlatformKit::MountedVolume& volume);
 
 /// The volume as a row in the list of drives. Any thread.

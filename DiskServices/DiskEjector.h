@@ -19,8 +19,8 @@ class DiskEjector final : public PlatformKit::Ejector {
   /// - ejected: also when the drive turns out to know no ejecting, or is gone once it is unmounted.
   /// - unmountedOnly: all is unmounted, but what follows failed or was not allowed.
   /// - busy: also when somebody keeps mounting it again.
-  /// - declined: the user dismissed the prompt, the policy says no, or it wants the user to be asked
-  ///   and nobody is there to do so.
+  /// - declined: the user dismissed the prompt, the policy says no, or it wants the user to be
+  ///   asked and nobody is there to do so.
   /// - unavailable: no bus, no UDisks2, it does not know the disk, or it ended before it answered.
   /// - failed: every other error of UDisks2.
   [[nodiscard]] Answer ejectDisk(const std::string& identifier) override;

@@ -15,8 +15,8 @@ class UDisks final : public PlatformKit::PrivilegedOpener, public PlatformKit::U
   ///
   /// - opened: the descriptor is read-only, close-on-exec, and the device's.
   /// - declined: the user dismissed the prompt, could not authenticate, or the policy says no.
-  /// - unavailable: no bus, no UDisks2, it does not know the device, it could not open it, it answered
-  ///   with something else than such a descriptor, or it had nobody to ask the user with.
+  /// - unavailable: no bus, no UDisks2, it does not know the device, it could not open it, it
+  ///   answered with something else than such a descriptor, or it had nobody to ask the user with.
   [[nodiscard]] Answer openReadOnly(const PlatformKit::Path& device) override;
 
   /// Unmounts what is mounted from the disk `identifier` ("sdb"), its partitions, what is decrypted

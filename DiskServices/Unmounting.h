@@ -13,10 +13,10 @@ enum class Unmounting {
 };
 
 /// Unmounts what is mounted from the whole disk `device` ("/dev/sdb"), its partitions, what is
-/// decrypted from them, and other devices of the same drive, at all their mount points. Stops at the
-/// first that cannot be unmounted, since the next could ask the user again after a refusal. Waits
-/// for the user, and for the disk to take what was written to it, as long as that takes. Throws
-/// BusError with what UDisks2 or the bus answered.
+/// decrypted from them, and other devices of the same drive, at all their mount points. Stops at
+/// the first that cannot be unmounted, since the next could ask the user again after a refusal.
+/// Waits for the user, and for the disk to take what was written to it, as long as that takes.
+/// Throws BusError with what UDisks2 or the bus answered.
 [[nodiscard]] Unmounting unmountAll(SystemBus& bus, const std::string& device);
 
 }  // namespace DiskServices

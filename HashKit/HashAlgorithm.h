@@ -12,8 +12,8 @@
 
 namespace HashKit {
 
-/// The digests this product offers. All functions below may be called from any thread at once; given
-/// a value that is none of the enumerators they throw std::out_of_range.
+/// The digests this product offers. All functions below may be called from any thread at once;
+/// given a value that is none of the enumerators they throw std::out_of_range.
 enum class HashAlgorithm { xxh64, md5, sha256 };
 
 /// All algorithms, in the order in which user interfaces list them.
@@ -33,14 +33,14 @@ enum class HashAlgorithm { xxh64, md5, sha256 };
 /// `hashAlgorithmFromRawValue`. The characters live as long as the program.
 [[nodiscard]] std::string_view displayName(HashAlgorithm algorithm);
 
-/// Returns the algorithm whose raw value is exactly `text`, upper and lower case being different, or
-/// nothing.
+/// Returns the algorithm whose raw value is exactly `text`, upper and lower case being different,
+/// or nothing.
 [[nodiscard]] std::optional<HashAlgorithm> hashAlgorithmFromRawValue(std::string_view text);
 
 /// Returns a new hasher that has seen no bytes; the caller owns it. XXH64 starts from seed 0.
 ///
-/// Throws std::runtime_error if the digest library does not provide the algorithm (for MD5, that may
-/// be so where only certified algorithms are allowed).
+/// Throws std::runtime_error if the digest library does not provide the algorithm (for MD5, that
+/// may be so where only certified algorithms are allowed).
 [[nodiscard]] std::unique_ptr<StreamingHasher> makeHasher(HashAlgorithm algorithm);
 
 /// Returns the digest of all of `bytes` as `StreamingHasher::finalize` would. Meant for small data

@@ -24,8 +24,8 @@ class StreamingHasher {
 
   /// Returns the digest of all bytes added so far as lowercase hexadecimal text, two digits a byte:
   /// 16 characters for XXH64, 32 for MD5, 64 for SHA-256. Two digests are the same exactly when
-  /// their texts are equal. The state stays as it was: more bytes may follow, and asking again gives
-  /// the same text.
+  /// their texts are equal. The state stays as it was: more bytes may follow, and asking again
+  /// gives the same text.
   ///
   /// Throws std::runtime_error if the digest library fails (MD5 and SHA-256 only).
   [[nodiscard]] virtual std::string finalize() const = 0;

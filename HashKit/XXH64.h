@@ -19,8 +19,8 @@ class XXH64 final : public StreamingHasher {
   /// Starts a computation that has seen no bytes, with any seed.
   explicit XXH64(std::uint64_t seed);
 
-  /// As StreamingHasher. Absorbs whole stripes of 32 bytes straight from `bytes` and keeps a copy of
-  /// at most the last 31 bytes.
+  /// As StreamingHasher. Absorbs whole stripes of 32 bytes straight from `bytes` and keeps a copy
+  /// of at most the last 31 bytes.
   void update(std::span<const std::byte> bytes) override;
 
   /// Returns the digest of all bytes added so far as a number; the state stays as it was.

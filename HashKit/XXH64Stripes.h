@@ -22,8 +22,8 @@ struct XXH64Lanes {
 };
 
 /// Absorbs `stripes`, whose size must be a multiple of kXXH64StripeSize (0 is one), into `lanes`.
-/// The bytes need no alignment. All kernels give the same lanes; none throws or keeps a state of its
-/// own, so they may run on any thread.
+/// The bytes need no alignment. All kernels give the same lanes; none throws or keeps a state of
+/// its own, so they may run on any thread.
 using XXH64StripeKernel = void (*)(XXH64Lanes& lanes, std::span<const std::byte> stripes);
 
 /// The kernel for every processor.

@@ -35,9 +35,9 @@ struct VolumeFacts {
   /// Its file system runs as a process that reads the device through the computer's cache, as those
   /// for exFAT and NTFS do: what is read there need not come from the drive.
   bool readsThroughCache = false;
-  /// A file that was flushed and then moved is whole under its new name after a power cut. False also
-  /// where nobody has tried: FAT writes the new name without the file's size, and leaves the size to
-  /// the file's next flush.
+  /// A file that was flushed and then moved is whole under its new name after a power cut. False
+  /// also where nobody has tried: FAT writes the new name without the file's size, and leaves the
+  /// size to the file's next flush.
   bool moveKeepsContent = false;
 };
 

@@ -26,7 +26,8 @@ class WorkerPool {
   WorkerPool& operator=(const WorkerPool&) = delete;
 
   /// Runs `job(0)` to `job(count - 1)` on the workers, in any order, and returns when all are done.
-  /// `job` is anything that can be called with a number. Throws the first exception that a job threw.
+  /// `job` is anything that can be called with a number. Throws the first exception that a job
+  /// threw.
   template <class Callable>
   void parallelFor(std::size_t count, const Callable& job) {
     start(count, job).wait();
@@ -39,8 +40,8 @@ class WorkerPool {
     ~Batch();
     Batch(Batch&& other) noexcept : pool_(std::exchange(other.pool_, nullptr)) {}
     Batch& operator=(Batch&&) = delete;
-    /// Returns when every job is done; everything the jobs wrote is then visible to the caller. Throws
-    /// the first exception that a job threw, once.
+    /// Returns when every job is done; everything the jobs wrote is then visible to the caller.
+    /// Throws the first exception that a job threw, once.
     void wait();
 
    private:
@@ -49,8 +50,8 @@ class WorkerPool {
     WorkerPool* pool_;  // null once moved away
   };
 
-  /// As `parallelFor`, but returns at once. `job` must live until the batch is joined; another batch
-  /// cannot be started before: that throws std::logic_error.
+  /// As `parallelFor`, but returns at once. `job` must live until the batch is joined; another
+  /// batch cannot be started before: that throws std::logic_error.
   template <class Callable>
   Batch start(std::size_t count, const Callable& job) {
     return startJob(count, Job(job));

@@ -13,8 +13,8 @@ std::string languageOfUser();
 bool isKnown(const std::string& language);
 
 /// From now on every text is in that language, in Qt's own dialogs too when a QCoreApplication is
-/// there; call it again once there is one. An unknown language is English. Main thread, before others
-/// start.
+/// there; call it again once there is one. An unknown language is English. Main thread, before
+/// others start.
 void useLanguage(const std::string& language);
 
 }  // namespace Translations

@@ -20,18 +20,22 @@ class AppUpdater final : public QObject {
   Q_PROPERTY(bool canCheckForUpdates READ canCheckForUpdates NOTIFY canCheckForUpdatesChanged)
 
  public:
+  /// Asks nobody. `transport`: for tests; the usual one otherwise.
   explicit AppUpdater(const UpdateConfiguration& configuration, Transport transport = {});
   ~AppUpdater() override;
 
-  /// Whether this copy can check at all: the feed's address is valid, starts with "https://" and has
-  /// a host, the key is 32 bytes in base64, and the current version can be read. Does not change.
+  /// Whether this copy can check at all: the feed's address is valid, starts with "https://" and
+  /// has a host, the key is 32 bytes in base64, and the current version can be read. Does not
+  /// change.
   [[nodiscard]] bool isEnabled() const { return plan_.has_value(); }
+  /// As the property.
   [[nodiscard]] bool canCheckForUpdates() const { return isEnabled() && !check_; }
 
   /// Starts a check, whose result comes with finished(). Nothing when none can be started now.
   Q_INVOKABLE void checkForUpdates();
 
  Q_SIGNALS:
+  /// A check began or ended.
   void canCheckForUpdatesChanged();
   /// Comes once per check, when the next one can be started.
   void finished(const Updates::UpdateResult& result);

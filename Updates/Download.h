@@ -18,9 +18,9 @@ struct DownloadFailure {
     unreachable,       ///< no connection, or it broke; `reason` says why
     untrusted,         ///< no TLS connection to the right server; `reason` says why
     insecureRedirect,  ///< to an address that is not https
-    tooManyRedirects,
-    badStatus,  ///< `reason` is the HTTP status, such as "404"
-    tooLarge,
+    tooManyRedirects,  ///< more than kMostRedirects
+    badStatus,         ///< `reason` is the HTTP status, such as "404"
+    tooLarge,          ///< more than was allowed
   };
 
   Kind kind;
@@ -28,16 +28,17 @@ struct DownloadFailure {
 };
 
 /// Fetches one small document over https, redirects included, with no cookies, cache or log-ins.
-/// Takes as long as the server does: whoever started it has to give up, by destroying it, but not in
-/// a handler of its signals. Main thread; needs a running event loop.
+/// Takes as long as the server does: whoever started it has to give up, by destroying it, but not
+/// in a handler of its signals. Main thread; needs a running event loop.
 class Download final : public QObject {
   Q_OBJECT
 
  public:
+  /// One more is a failure.
   static constexpr int kMostRedirects = 5;
 
-  /// Starts at once. A document, or the text that comes with a redirect, of more than `largest` bytes
-  /// is a failure. `network` outlives this object.
+  /// Starts at once. A document, or the text that comes with a redirect, of more than `largest`
+  /// bytes is a failure. `network` outlives this object.
   Download(QNetworkAccessManager& network, const QNetworkRequest& request, qint64 largest);
   ~Download() override;
 

@@ -10,9 +10,10 @@
 
 namespace Updates {
 
-/// What the feed says about the newest release.
+/// What the feed says about the newest release. Nothing of it is to be believed before the
+/// signature over the bytes that it was read from was found good.
 struct Feed {
-  QString versionText;
+  QString versionText;  ///< as it stands there
   Version version;
   QUrl downloadPage;  ///< valid and with a host, of any scheme
   QString notes;      ///< what is new, as plain text; may be empty

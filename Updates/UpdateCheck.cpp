@@ -34,7 +34,7 @@ UpdateCheck::UpdateCheck(UpdatePlan plan, const Transport& transport)
   deadline_.setSingleShot(true);
   QObject::connect(&deadline_, &QTimer::timeout, this, &UpdateCheck::giveUp);
   deadline_.start(transport.patience);
-  QObject::connect(&proxy_, &ProxyQuestion::answered, this, [this](const QNetworkProxy& proxy) {
+  QObject::connect(&proxy_, &ProxyLookup::answered, this, [this](const QNetworkProxy& proxy) {
     network_.setProxy(proxy);
     fetchFeed();
   });

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Updates/Download.h"
-#include "Updates/ProxyQuestion.h"
+#include "Updates/ProxyLookup.h"
 #include "Updates/Signature.h"
 #include "Updates/UpdateResult.h"
 #include "Updates/Version.h"
@@ -20,13 +20,13 @@
 
 namespace Updates {
 
-/// A configuration that was found good.
+/// A configuration that was found good: all that a check needs to know. A value.
 struct UpdatePlan {
-  QUrl feed;  ///< an https address
-  QUrl signature;
-  PublicKey key;
-  QString currentVersionText;
-  Version currentVersion;
+  QUrl feed;                   ///< an https address
+  QUrl signature;              ///< beside the feed, with ".sig" appended
+  PublicKey key;               ///< whose signature over the feed counts
+  QString currentVersionText;  ///< as people know it
+  Version currentVersion;      ///< the same, to compare
 };
 
 /// How servers are spoken to.
@@ -37,18 +37,21 @@ struct Transport {
   std::optional<QSslConfiguration> tls;
 };
 
-/// One check from the first request to its result. Main thread; needs a running event loop. May be
-/// destroyed at any time but in a handler of its signal.
+/// One check from the first request to its result: the way to the server, the feed, its signature,
+/// the comparison of versions. It keeps nothing and tells the server nothing but what a download
+/// does. Main thread; needs a running event loop. May be destroyed at any time but in a handler of
+/// its signal; requests end then.
 class UpdateCheck final : public QObject {
   Q_OBJECT
 
  public:
-  /// Starts at once, and tells the result later. The feed is fetched, then its signature; nothing in
-  /// the feed is looked at before the signature was found good.
+  /// Starts at once, and tells the result later. The feed is fetched, then its signature; nothing
+  /// in the feed is looked at before the signature was found good.
   UpdateCheck(UpdatePlan plan, const Transport& transport);
 
  Q_SIGNALS:
-  /// Comes once.
+  /// Comes once, from the event loop: also when there is no network, the time is over or what came
+  /// is not to be believed. The check does nothing any more then.
   void finished(const UpdateResult& result);
 
  private:
@@ -63,7 +66,7 @@ class UpdateCheck final : public QObject {
   QNetworkRequest request_;
   QTimer deadline_;
   QNetworkAccessManager network_;
-  ProxyQuestion proxy_;
+  ProxyLookup proxy_;
   std::unique_ptr<Download> feed_;
   std::unique_ptr<Download> signature_;
 };

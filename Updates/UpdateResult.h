@@ -8,7 +8,8 @@
 
 namespace Updates {
 
-/// How a check ended, with the sentences for a dialog. All texts are plain text.
+/// How a check ended, with the sentences for a dialog. All texts are plain text in the user's
+/// language. A value; the functions are for any thread.
 struct UpdateResult {
   enum class Kind { upToDate, available, failed };
 

@@ -16,8 +16,9 @@ class Version {
   /// pre-release: up to 40 ASCII letters, digits, dots and "-". None for anything else.
   [[nodiscard]] static std::optional<Version> parse(const QString& text);
 
-  /// Whether this version came before `other`. Missing numbers are 0; a pre-release comes before its
-  /// release; numbers within the names of pre-releases count as numbers, so "rc2" is before "rc10".
+  /// Whether this version came before `other`. Missing numbers are 0; a pre-release comes before
+  /// its release; numbers within the names of pre-releases count as numbers, so "rc2" is before
+  /// "rc10".
   [[nodiscard]] bool isBefore(const Version& other) const;
 
  private:

@@ -1,3 +1,4 @@
+#include "Composition/Machine.h"
 #include "OffloadKit/Records/Version.h"
 #include "PlatformKit/Posix/Interrupts.h"
 #include "PlatformKit/Posix/OpenFiles.h"
@@ -8,8 +9,8 @@
 #include "ZephrimarkOffload/Desktop/DesktopServices.h"
 #include "ZephrimarkOffload/Desktop/FileManager.h"
 #include "ZephrimarkOffload/Desktop/SingleInstance.h"
-#include "ZephrimarkOffload/Machine.h"
 #include "ZephrimarkOffload/Model/OffloadModel.h"
+#include "ZephrimarkOffload/Model/SystemDiskQueries.h"
 #include "ZephrimarkOffload/Screens/OffloadWindow.h"
 #include "ZephrimarkOffload/Screens/Text.h"
 #include "ZephrimarkUI/Setup.h"
@@ -50,6 +51,13 @@ std::string help() {
          "\n";
 }
 
+/// The computer and what is asked of its disks.
+struct Services {
+  Composition::Machine machine;
+  ZephrimarkOffload::SystemDiskQueries disks{machine.platform(), machine.mountedVolumes(),
+                                             machine.disks(), &machine.ejector()};
+};
+
 /// The check for updates and what the window shows of it.
 class UpdateCheck {
  public:
@@ -86,8 +94,8 @@ void endBySignal(int /*signal*/) {
 }
 
 void applyLaunchOptions(OffloadModel& model, const ZephrimarkOffload::LaunchOptions& options) {
-  if (options.source) model.setSource(*options.source);
-  if (options.destinations) model.setDestinations(*options.destinations);
+  if (options.source) model.setup().setSource(*options.source);
+  if (options.destinations) model.setup().setDestinations(*options.destinations);
   if (options.autoStart) {
     QTimer::singleShot(std::chrono::seconds(1), &model, [&model] { model.start(); });
   }
@@ -97,7 +105,7 @@ void applyLaunchOptions(OffloadModel& model, const ZephrimarkOffload::LaunchOpti
 void delayLogout(const QGuiApplication& application, const OffloadModel& model) {
   QObject::connect(&application, &QGuiApplication::commitDataRequest, &model,
                    [&model](QSessionManager& session) {
-                     if (model.stage().kind() == ZephrimarkOffload::Stage::Kind::running &&
+                     if (ZephrimarkOffload::is<ZephrimarkOffload::Running>(model.stage()) &&
                          session.allowsInteraction()) {
                        session.cancel();
                      }
@@ -126,20 +134,20 @@ int endAsSecond(const SingleInstance& instance) {
 }
 
 int run(QGuiApplication& application, const std::vector<std::string>& arguments,
-        SingleInstance& instance) {
-  const auto machine = std::make_shared<ZephrimarkOffload::Machine>();
+        SingleInstance& instance, const std::shared_ptr<Services>& services) {
+  const Composition::Machine& machine = services->machine;
   const QDBusConnection session = QDBusConnection::sessionBus();
   ZephrimarkOffload::DesktopServices desktop(session, QDBusConnection::systemBus());
   ZephrimarkOffload::FileManager files(
       session, [](const QUrl& folder) { QDesktopServices::openUrl(folder); });
   ZephrimarkOffload::Settings settings;
-  PlatformKit::LinuxVolumeWatcher watcher;
-  OffloadModel model(
-      {std::shared_ptr<ZephrimarkOffload::DiskQuestions>(machine, &machine->questions), watcher,
-       desktop, settings, machine->clock, [machine] {
-         return std::make_unique<ZephrimarkOffload::EngineRunner>(
-             machine->system, machine->rawDevices, machine->disks);
-       }});
+  const auto watcher = Composition::Machine::makeVolumeWatcher();
+  OffloadModel model({std::shared_ptr<ZephrimarkOffload::DiskQueries>(services, &services->disks),
+                      *watcher, desktop, settings, machine.platform().clock, [services] {
+                        const Composition::Machine& computer = services->machine;
+                        return std::make_unique<ZephrimarkOffload::EngineRunner>(
+                            computer.platform(), computer.rawDevices(), computer.disks());
+                      }});
   UpdateCheck updates;
   OffloadWindow window(model, {settings, updates.presenter(),
                                PlatformKit::Path(QFile::encodeName(QDir::homePath()).toStdString()),
@@ -162,11 +170,12 @@ int run(QGuiApplication& application, const std::vector<std::string>& arguments,
 
 int start(QGuiApplication& application, const std::vector<std::string>& arguments,
           const QString& activationToken) {
-  PlatformKit::LinuxFileSystem fileSystem;
-  SingleInstance instance(fileSystem, ZephrimarkOffload::instanceFolder());
+  const auto services = std::make_shared<Services>();
+  SingleInstance instance(services->machine.platform().fileSystem,
+                          ZephrimarkOffload::instanceFolder());
   if (instance.claim(activationToken) == SingleInstance::Role::second) return endAsSecond(instance);
   try {
-    return run(application, arguments, instance);
+    return run(application, arguments, instance, services);
   } catch (const std::exception& error) {
     std::cerr << "zephrimark-offload: " << error.what() << "\n";
     return 1;

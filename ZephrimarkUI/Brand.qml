@@ -110,7 +110,8 @@ QtObject {
         // A lighter tone looks paler, so it gets more of its colour.
         const saturation = Math.min(1, color.hslSaturation * (lighter ? 1.25 : 1))
         let candidate = color
-        for (let lightness = color.hslLightness; contrast(candidate, background) < 4.6; lightness += step) {
+        for (let lightness = color.hslLightness; contrast(candidate, background) < 4.6;
+             lightness += step) {
             if (lightness < 0 || lightness > 1)
                 break
             candidate = Qt.hsla(hue, saturation, lightness, 1)
@@ -119,7 +120,8 @@ QtObject {
     }
 
     function luminance(color: color): real {
-        const linear = value => value <= 0.04045 ? value / 12.92 : Math.pow((value + 0.055) / 1.055, 2.4)
+        const linear = value => value <= 0.04045 ? value / 12.92
+                                                 : Math.pow((value + 0.055) / 1.055, 2.4)
         return 0.2126 * linear(color.r) + 0.7152 * linear(color.g) + 0.0722 * linear(color.b)
     }
 

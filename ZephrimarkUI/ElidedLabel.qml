@@ -1,7 +1,8 @@
 import QtQuick
 import ZephrimarkUI
 
-// One line that loses its middle when it is too long, and shows the whole of itself under the pointer.
+// One line that loses its middle when it is too long, and shows the whole of itself under the
+// pointer.
 TextLabel {
     id: label
 

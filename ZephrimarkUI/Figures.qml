@@ -34,7 +34,8 @@ Item {
         id: row
 
         Repeater {
-            // The number of parts and not the parts: a new value then changes texts and makes no items.
+            // The number of parts and not the parts: a new value then changes texts and makes no
+            // items.
             model: figures.parts.length
 
             Text {

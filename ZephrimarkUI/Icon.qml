@@ -23,6 +23,7 @@ Item {
         height: width
         sourceSize.width: pixels
         sourceSize.height: pixels
-        source: icon.name === "" ? "" : "image://icon/" + icon.name + "/" + String(icon.color).slice(1)
+        source: icon.name === ""
+                ? "" : "image://icon/" + icon.name + "/" + String(icon.color).slice(1)
     }
 }

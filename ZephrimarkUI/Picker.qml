@@ -18,7 +18,8 @@ T.ComboBox {
         return index >= 0 && textAt(index) === separator
     }
 
-    // The key that opened the list, until it is let go: the template takes the end of Return for a choice.
+    // The key that opened the list, until it is let go: the template takes the end of Return for a
+    // choice.
     property int openingKey: 0
 
     function openByKey(event: var) {
@@ -43,7 +44,8 @@ T.ComboBox {
     Accessible.name: name === "" ? displayText : name + ", " + displayText
     Accessible.onPressAction: if (picker.enabled) picker.popup.open()
 
-    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Return || event.key === Qt.Key_Enter
+    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Return
+                                                       || event.key === Qt.Key_Enter
     Keys.onReturnPressed: event => openByKey(event)
     Keys.onEnterPressed: event => openByKey(event)
     // Letters, Home and End would choose unseen.

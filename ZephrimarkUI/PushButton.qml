@@ -36,11 +36,13 @@ T.Button {
         return destructive ? Brand.redFill : Brand.accentFill
     }
 
-    font: large ? Brand.bodyStrong : filled ? Brand.calloutStrong : small ? Brand.caption : Brand.callout
+    font: large ? Brand.bodyStrong : filled ? Brand.calloutStrong : small ? Brand.caption
+                                                                          : Brand.callout
     opacity: enabled ? 1 : 0.45
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
-    implicitHeight: large ? Brand.largeControlHeight : small ? Brand.smallControlHeight : Brand.controlHeight
+    implicitHeight: large ? Brand.largeControlHeight : small ? Brand.smallControlHeight
+                                                             : Brand.controlHeight
     implicitWidth: Math.max(implicitHeight, contentItem.implicitWidth + leftPadding + rightPadding)
     topPadding: 0
     bottomPadding: 0
@@ -51,7 +53,8 @@ T.Button {
     Accessible.description: text !== "" ? tip : ""
     Accessible.onPressAction: if (button.enabled) button.clicked()
 
-    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Return || event.key === Qt.Key_Enter
+    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Return
+                                                       || event.key === Qt.Key_Enter
     Keys.onReturnPressed: event => pressedByKey(event)
     Keys.onEnterPressed: event => pressedByKey(event)
 

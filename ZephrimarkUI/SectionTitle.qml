@@ -15,7 +15,8 @@ RowLayout {
 
     Accessible.role: Accessible.Heading
     Accessible.name: title
-    Accessible.description: !complete ? detail : detail === "" ? qsTr("Complete") : qsTr("Complete. %1").arg(detail)
+    Accessible.description: !complete ? detail : detail === "" ? qsTr("Complete")
+                                                               : qsTr("Complete. %1").arg(detail)
 
     Icon {
         size: Brand.symbol

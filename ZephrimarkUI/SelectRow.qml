@@ -3,8 +3,8 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import ZephrimarkUI
 
-// One of several, as a whole row: the rows beside it in the same parent lose their choice when it is
-// chosen. `text` names it to assistive technology; what is declared inside is shown in a row.
+// One of several, as a whole row: the rows beside it in the same parent lose their choice when it
+// is chosen. `text` names it to assistive technology; what is declared inside is shown in a row.
 T.RadioButton {
     id: row
 
@@ -27,7 +27,8 @@ T.RadioButton {
     Accessible.onPressAction: row.choose()
     Accessible.onToggleAction: row.choose()
 
-    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Return || event.key === Qt.Key_Enter
+    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Return
+                                                       || event.key === Qt.Key_Enter
     Keys.onReturnPressed: event => { if (!event.isAutoRepeat) choose() }
     Keys.onEnterPressed: event => { if (!event.isAutoRepeat) choose() }
     Keys.onUpPressed: event => event.accepted = focusNeighbour(-1)
@@ -46,7 +47,8 @@ T.RadioButton {
 
     // Moves the keyboard to the row before or behind, without choosing it.
     function focusNeighbour(step: int): bool {
-        const rows = Array.from(parent.children).filter(item => item instanceof SelectRow && item.visible && item.enabled)
+        const rows = Array.from(parent.children).filter(
+            item => item instanceof SelectRow && item.visible && item.enabled)
         const next = rows[rows.indexOf(row) + step]
         if (next === undefined)
             return false
@@ -79,7 +81,8 @@ T.RadioButton {
         Rectangle {
             anchors.fill: parent
             radius: parent.radius
-            color: row.down ? Brand.faded(Brand.text, 0.06) : row.hovered && !row.checked ? Brand.faded(Brand.text, 0.025) : "transparent"
+            color: row.down ? Brand.faded(Brand.text, 0.06)
+                 : row.hovered && !row.checked ? Brand.faded(Brand.text, 0.025) : "transparent"
         }
 
         FocusRing {

@@ -22,7 +22,8 @@ Item {
         const count = steps.length
         if (count === 0)
             return status
-        const parts = [Math.min(current + 1, count), count, steps[Math.min(current, count - 1)], status]
+        const parts = [Math.min(current + 1, count), count, steps[Math.min(current, count - 1)],
+                       status]
         // Not arg(), which would take a "%1" in the status for a place to fill.
         return qsTr("Step %1 of %2: %3. %4").replace(/%(\d)/g, (place, number) => parts[number - 1])
     }
@@ -63,7 +64,10 @@ Item {
                         Layout.maximumWidth: 56
                         implicitHeight: 2
                         radius: 1
-                        color: step.index <= bar.current ? Brand.accent : Brand.faded(Brand.secondaryText, 0.25) // qmllint disable unqualified
+                        // qmllint disable unqualified
+                        color: step.index <= bar.current ? Brand.accent
+                                                         : Brand.faded(Brand.secondaryText, 0.25)
+                        // qmllint enable unqualified
                     }
 
                     StepCircle {
@@ -79,7 +83,8 @@ Item {
                         textFormat: Text.PlainText
                         elide: Text.ElideRight
                         font: step.isCurrent ? Brand.calloutStrong : Brand.callout
-                        color: step.isCurrent ? Brand.text : step.complete ? Brand.secondaryText : Brand.tertiaryText
+                        color: step.isCurrent ? Brand.text
+                               : step.complete ? Brand.secondaryText : Brand.tertiaryText
                     }
                 }
             }

@@ -11,7 +11,8 @@ Rectangle {
     property bool current: false
 
     // One and a half, in whole pixels of the screen: a half one would be missing on some sides.
-    readonly property real line: Math.max(1, Math.round(1.5 * Screen.devicePixelRatio)) / Screen.devicePixelRatio
+    readonly property real line: Math.max(1, Math.round(1.5 * Screen.devicePixelRatio))
+                                 / Screen.devicePixelRatio
 
     implicitWidth: 22
     implicitHeight: 22

@@ -26,6 +26,7 @@ class SystemLook final : public QObject {
   Q_PROPERTY(bool dark READ dark NOTIFY changed FINAL)
   /// The accent colour the user chose for the desktop; fully transparent when it names none.
   Q_PROPERTY(QColor accent READ accent NOTIFY changed FINAL)
+  /// As the functions above; they do not change while the program runs.
   Q_PROPERTY(QString textFamily READ textFamily CONSTANT FINAL)
   Q_PROPERTY(QString titleFamily READ titleFamily CONSTANT FINAL)
   Q_PROPERTY(QString monoFamily READ monoFamily CONSTANT FINAL)
@@ -40,6 +41,7 @@ class SystemLook final : public QObject {
   [[nodiscard]] QString monoFamily() const { return ZephrimarkUI::monoFamily(); }
 
  signals:
+  /// The desktop changed its palette. What was read before may be the same.
   void changed();
 
  protected:

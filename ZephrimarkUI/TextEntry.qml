@@ -33,7 +33,8 @@ T.TextField {
     Accessible.name: name
     Accessible.description: tip
 
-    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Return || event.key === Qt.Key_Enter
+    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Return
+                                                       || event.key === Qt.Key_Enter
 
     Text {
         x: entry.leftPadding
@@ -52,7 +53,8 @@ T.TextField {
         radius: Brand.controlRadius
         color: Brand.field
         border.width: 1
-        border.color: entry.wrong ? Brand.red : entry.hovered ? Brand.tertiaryText : Brand.controlBorder
+        border.color: entry.wrong ? Brand.red
+                      : entry.hovered ? Brand.tertiaryText : Brand.controlBorder
 
         FocusRing {
             shown: entry.activeFocus

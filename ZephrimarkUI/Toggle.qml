@@ -21,12 +21,15 @@ T.Switch {
     implicitHeight: Math.max(indicator.implicitHeight, contentItem.implicitHeight)
 
     Accessible.name: text
-    Accessible.description: (trailing === "" || caption === "" ? trailing + caption : trailing + ". " + caption).replace(/<[^>]*>/g, "")
+    Accessible.description: (trailing === "" || caption === "" ? trailing + caption
+                                                               : trailing + ". " + caption)
+                            .replace(/<[^>]*>/g, "")
         .replace(/&lt;/g, "<").replace(/&gt;/g, ">").replace(/&quot;/g, '"').replace(/&amp;/g, "&")
     Accessible.onPressAction: control.flip()
     Accessible.onToggleAction: control.flip()
 
-    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Return || event.key === Qt.Key_Enter
+    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Return
+                                                       || event.key === Qt.Key_Enter
     Keys.onReturnPressed: event => { if (!event.isAutoRepeat) flip() }
     Keys.onEnterPressed: event => { if (!event.isAutoRepeat) flip() }
 
@@ -56,7 +59,12 @@ T.Switch {
             radius: 8
             color: Brand.accentInk
 
-            Behavior on x { NumberAnimation { duration: Brand.quick; easing.type: Easing.OutCubic } }
+            Behavior on x {
+                NumberAnimation {
+                    duration: Brand.quick
+                    easing.type: Easing.OutCubic
+                }
+            }
         }
 
         FocusRing {

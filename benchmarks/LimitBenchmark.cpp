@@ -1,13 +1,14 @@
-// The least time in which a card's bytes can come onto drives with all that makes a copy certain: the
-// card is read twice, every copy is written, flushed and read back, past the cache. Nothing is hashed or
-// compared, there is one long file, and what is written was made before the clock starts. Nobody who
-// does the same work can be faster, provided that the best way was looked for: how long requests are,
-// how many are under way, whether one part is read back while the next is written. Prints the seconds.
+// The least time in which a card's bytes can come onto drives with all that makes a copy certain:
+// the card is read twice, every copy is written, flushed and read back, past the cache. Nothing is
+// hashed or compared, there is one long file, and what is written was made before the clock starts.
+// Nobody who does the same work can be faster, provided that the best way was looked for: how long
+// requests are, how many are under way, whether one part is read back while the next is written.
+// Prints the seconds.
 //   LimitBenchmark [--request BYTES] [--depth REQUESTS] [--parts N]
 //                  [--write extend|reserve|overwrite|cached] [--read direct|mapped] [--bytes N]
 //                  CARD FOLDER...
-// CARD is a file, of which the first N bytes are read. Each FOLDER is on a drive and gets a file "limit",
-// which is removed afterwards. Any error ends the program with status 1 and a message.
+// CARD is a file, of which the first N bytes are read. Each FOLDER is on a drive and gets a file
+// "limit", which is removed afterwards. Any error ends the program with status 1 and a message.
 #include "benchmarks/DirectFile.h"
 #include "benchmarks/LimitPlan.h"
 #include "benchmarks/Timing.h"

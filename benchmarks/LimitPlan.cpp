@@ -94,7 +94,8 @@ std::optional<LimitPlan> LimitPlan::parse(int argc, char** argv) {
     std::perror(plan.card.c_str());
     return std::nullopt;
   }
-  // The last bytes of a card that is no multiple of a block are left out: the limit must not be too long.
+  // The last bytes of a card that is no multiple of a block are left out: the limit must not be too
+  // long.
   plan.bytes = std::min(plan.bytes, static_cast<std::uint64_t>(info.st_size)) / kBlock * kBlock;
   if (plan.bytes > 0) return plan;
   std::fprintf(stderr, "%s: shorter than %llu bytes\n", plan.card.c_str(),

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# run.sh BUILD [OPTION...]: runs every benchmark of a build and prints its figures; options are those of
-# peers.py, which compares whole offloads with other tools. With --quick only that comparison runs, in about
-# two minutes, for rough figures. Only ratios mean anything on a machine that does other things too.
+# run.sh BUILD [OPTION...]: runs every benchmark of a build and prints its figures; options are
+# those of peers.py, which compares whole offloads with other tools. With --quick only that
+# comparison runs, in about two minutes, for rough figures. Only ratios mean anything on a machine
+# that does other things too.
 set -uo pipefail
 build=$1/benchmarks
 status=0

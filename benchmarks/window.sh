@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# window.sh PROGRAM: how long the window's program takes to its first frame, the best of five launches,
-# and how much memory it holds then. Without a screen and a graphics card.
+# window.sh PROGRAM: how long the window's program takes to its first frame, the best of five
+# launches, and how much memory it holds then. Without a screen and a graphics card.
 set -euo pipefail
 program=$1
 budget_ms=1000
@@ -35,5 +35,6 @@ for _ in 1 2 3 4 5; do
   [ "$most_mb" -ge "$mb" ] || most_mb=$mb
 done
 
-echo "Window: first frame after $best_ms ms (budget $budget_ms ms), $most_mb MB resident (budget $budget_mb MB)"
+echo "Window: first frame after $best_ms ms (budget $budget_ms ms)," \
+  "$most_mb MB resident (budget $budget_mb MB)"
 [ "$best_ms" -le "$budget_ms" ] && [ "$most_mb" -le "$budget_mb" ]

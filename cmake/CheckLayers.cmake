@@ -2,11 +2,11 @@
 # not know. Linking is checked at configuration; a header could still be included without linking.
 #
 # Three rules:
-#   1. A module includes headers of the modules in its list and its own; a folder of a module that is
-#      listed as a floor includes only floors below it.
+#   1. A module includes headers of the modules in its list and its own; a folder of a module that
+#      is listed as a floor includes only floors below it.
 #   2. What lies in an internal folder of a module is included by that module alone.
-#   3. Headers of the operating system belong to the lowest layer's implementations, and what is made
-#      for tests belongs to tests.
+#   3. Headers of the operating system belong to the lowest layer's implementations, and what is
+#      made for tests belongs to tests.
 
 cmake_minimum_required(VERSION 3.25)
 if(NOT ROOT)
@@ -14,6 +14,10 @@ if(NOT ROOT)
 endif()
 
 set(engine "HashKit PlatformKit TextKit DeviceKit OffloadKit")
+set(below_engine "HashKit PlatformKit TextKit DeviceKit")
+set(records "OffloadKit/Records OffloadKit/Wording")
+set(floors "OffloadKit/Card OffloadKit/Transfer OffloadKit/Copying OffloadKit/Proof")
+set(window "ZephrimarkOffload ZephrimarkOffload/Model ZephrimarkOffload/Screens ZephrimarkUI")
 # Folder: what it may include, beside its own headers. The most exact folder of a file counts.
 set(rules
   "PlatformKit:"
@@ -21,6 +25,7 @@ set(rules
   "HashKit:"
   "DeviceKit:PlatformKit TextKit"
   "DiskServices:PlatformKit"
+  "Composition:PlatformKit DeviceKit DiskServices"
   "DeviceHelper:PlatformKit"
   "Translations:TextKit"
   "Updates:"
@@ -29,24 +34,24 @@ set(rules
   "OffloadKit/Card:PlatformKit TextKit OffloadKit/Records"
   "OffloadKit/Wording:HashKit PlatformKit TextKit OffloadKit/Records"
   "OffloadKit/Transfer:HashKit PlatformKit TextKit"
-  "OffloadKit/Copying:HashKit PlatformKit TextKit DeviceKit OffloadKit/Records OffloadKit/Transfer OffloadKit/Wording"
-  "OffloadKit/Proof:HashKit PlatformKit TextKit DeviceKit OffloadKit/Records OffloadKit/Transfer OffloadKit/Wording"
-  "OffloadKit/Run:HashKit PlatformKit TextKit DeviceKit OffloadKit/Records OffloadKit/Card OffloadKit/Wording OffloadKit/Transfer OffloadKit/Copying OffloadKit/Proof"
+  "OffloadKit/Copying:${below_engine} ${records} OffloadKit/Transfer"
+  "OffloadKit/Proof:${below_engine} ${records} OffloadKit/Transfer"
+  "OffloadKit/Run:${below_engine} ${records} ${floors}"
   "OffloadKit:${engine}"
   "ZephrimarkOffload/Model:${engine}"
   "ZephrimarkOffload/Desktop:PlatformKit TextKit ZephrimarkOffload/Model"
   "ZephrimarkOffload/Screens:${engine} ZephrimarkUI ZephrimarkOffload/Model"
-  "ZephrimarkOffload/Demo:${engine} Translations ZephrimarkUI ZephrimarkOffload/Model ZephrimarkOffload/Screens ZephrimarkOffload"
-  "ZephrimarkOffload:${engine} DiskServices Translations Updates ZephrimarkUI"
-  "CommandLine:${engine} DiskServices Translations")
-# Folders whose headers are their module's own. Programs put the system's implementations together,
-# so they name those of PlatformKit.
+  "ZephrimarkOffload/Demo:${engine} Translations ${window}"
+  "ZephrimarkOffload:${engine} Composition Translations Updates ZephrimarkUI"
+  "CommandLine:${engine} Composition Translations")
+# Folders whose headers are their module's own. Composition puts the system's implementations
+# together, so it alone names those of PlatformKit.
 set(internal PlatformKit/Linux OffloadKit/Transfer OffloadKit/Copying
     OffloadKit/Proof OffloadKit/Run)
-set(composition_roots ZephrimarkOffload/main.cpp ZephrimarkOffload/Machine.h CommandLine/Services.h
-    CommandLine/main.cpp)
+set(composition_root Composition)
 
-set(system_headers "<(unistd|fcntl|dirent|poll|pthread|sched|signal|termios|langinfo|locale)\\.h>|<sys/|<linux/|<csignal>")
+set(system_headers "unistd|fcntl|dirent|poll|pthread|sched|signal|termios|langinfo|locale")
+set(system_headers "<(${system_headers})\\.h>|<sys/|<linux/|<csignal>")
 set(system_folders "^(PlatformKit/(Posix|Linux|Testing)|DiskServices|DeviceHelper)/")
 
 # The longest of the folders (in `folders`) that hold `file`, in `answer`; empty without one.
@@ -105,7 +110,7 @@ foreach(folder IN LISTS folders)
       folder_of(${header} "${internal}" hidden)
       string(REGEX REPLACE "/.*" "" hidden_module "${hidden}")
       set(may_compose FALSE)
-      if(hidden_module STREQUAL "PlatformKit" AND source IN_LIST composition_roots)
+      if(hidden_module STREQUAL "PlatformKit" AND module STREQUAL composition_root)
         set(may_compose TRUE)
       endif()
       if(hidden AND NOT hidden_module STREQUAL module AND NOT may_compose)

@@ -1,13 +1,15 @@
 # cmake -P CheckNoShell.cmake: fails when a source of the product starts a shell, or starts programs
-# anywhere but where the device helper is started, whose arguments are a fixed list. What a card or a
-# drive is called must never be read as a command.
+# anywhere but where the device helper is started, whose arguments are a fixed list. What a card or
+# a drive is called must never be read as a command.
 
 cmake_minimum_required(VERSION 3.25)
 get_filename_component(root ${CMAKE_CURRENT_LIST_DIR}/.. ABSOLUTE)
 
-set(shell "(^|[^A-Za-z0-9_])(system|popen|wordexp|v?fork|exec(l|lp|le|v|vp|ve|vpe)|fexecve)[ ]*\\(|\"(/bin/|/usr/bin/)?(env|(ba|da|k|z)?sh)\"|\"-c\"|QProcess|<stdlib\\.h>")
+set(calls "(^|[^A-Za-z0-9_])(system|popen|wordexp|v?fork|exec(l|lp|le|v|vp|ve|vpe)|fexecve)[ ]*\\(")
+set(names "\"(/bin/|/usr/bin/)?(env|(ba|da|k|z)?sh)\"|\"-c\"|QProcess|<stdlib\\.h>")
+set(shell "${calls}|${names}")
 set(spawn "posix_spawn|clone3? *\\(|\"pkexec\"")
-set(spawns_allowed "^(PlatformKit/Posix/HelperOpener|CommandLine/Services|ZephrimarkOffload/Machine)\\.(h|cpp)$")
+set(spawns_allowed "^(PlatformKit/Posix/HelperOpener|Composition/Machine)\\.(h|cpp)$")
 
 # A pattern that finds nothing would never complain.
 foreach(sample "  std::system(command.c_str());" "popen(\"ls\", \"r\")" "x = ::fork();"
@@ -16,15 +18,16 @@ foreach(sample "  std::system(command.c_str());" "popen(\"ls\", \"r\")" "x = ::f
     message(SEND_ERROR "The pattern does not find: ${sample}")
   endif()
 endforeach()
-foreach(sample "PlatformKit::System system_(all);" "execute(plan)" "engine_.execute()" "filesystem(x)")
+foreach(sample "PlatformKit::System system_(all);" "execute(plan)" "engine_.execute()"
+        "filesystem(x)")
   if(sample MATCHES "${shell}")
     message(SEND_ERROR "The pattern finds: ${sample}")
   endif()
 endforeach()
 
 set(count 0)
-foreach(module PlatformKit HashKit DeviceKit OffloadKit DiskServices DeviceHelper Updates ZephrimarkUI
-        ZephrimarkOffload CommandLine)
+foreach(module PlatformKit TextKit HashKit DeviceKit OffloadKit DiskServices Composition
+        DeviceHelper Translations Updates ZephrimarkUI ZephrimarkOffload CommandLine)
   file(GLOB_RECURSE sources RELATIVE ${root} ${root}/${module}/*.h ${root}/${module}/*.cpp
        ${root}/${module}/*.qml)
   foreach(source IN LISTS sources)

@@ -1,7 +1,8 @@
 # zephrimark_module(NAME LAYER n SOURCES ... [MODULES ...] [LIBRARIES ...])
 #
 # Declares one module: a static library whose folder, name and namespace are the same. MODULES are
-# modules of ours; each must lie in a lower layer, or the configuration stops. LIBRARIES are foreign.
+# modules of ours; each must lie in a lower layer, or the configuration stops. LIBRARIES are
+# foreign.
 function(zephrimark_module name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "LAYER" "SOURCES;MODULES;LIBRARIES")
   add_library(${name} STATIC ${arg_SOURCES})

@@ -1,5 +1,5 @@
-# One target that every module of ours links privately. The presets for development make a warning an
-# error; with a compiler or a library that nobody here has seen, it is none.
+# One target that every module of ours links privately. The presets for development make a warning
+# an error; with a compiler or a library that nobody here has seen, it is none.
 add_library(ZephrimarkWarnings INTERFACE)
 target_compile_options(ZephrimarkWarnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Builds the fuzzers and runs them one after another.
 #   fuzz/run.sh [SECONDS] [NAME...]     600 seconds each, and all of them, unless told otherwise
-# Inputs that reach new code are kept in build/fuzz/corpus from run to run; those that break something
-# go to build/fuzz/findings. Exit status: 1 when there are any.
+# Inputs that reach new code are kept in build/fuzz/corpus from run to run; those that break
+# something go to build/fuzz/findings. Exit status: 1 when there are any.
 set -uo pipefail
 . "$(dirname "$(readlink -f "$0")")/../scripts/common.sh"
 

@@ -1,13 +1,13 @@
 # shellcheck shell=bash disable=SC2154
-# For tests in a bare Debian, which need root: makes it and runs scripts there. Sourced by bash after
-# common.sh.
+# For tests in a bare Debian, which need root: makes it and runs scripts there. Sourced by bash
+# after common.sh.
 #   ZEPHRIMARK_MIRROR    Debian's packages come from here
 
 as_root=()
 [ "$(id -u)" -eq 0 ] || as_root=(sudo)
 
-# unpack_bare 12|13 FOLDER: puts that Debian into FOLDER, which must not be there yet. It is made only
-# once, which takes a minute.
+# unpack_bare 12|13 FOLDER: puts that Debian into FOLDER, which must not be there yet. It is made
+# only once, which takes a minute.
 unpack_bare() {
   local bare=$root/build/bare/debian-$1.tar suite
   case $1 in

@@ -18,7 +18,8 @@ listed() {
 changes_as_debian() {
   local line version='' date entry=''
   flush_entry() {
-    [ -z "$entry" ] || fold -s -w 74 <<<"$entry" | sed -e '1s/^/  * /' -e '2,$s/^/    /' -e 's/ *$//'
+    [ -z "$entry" ] || fold -s -w 74 <<<"$entry" |
+      sed -e '1s/^/  * /' -e '2,$s/^/    /' -e 's/ *$//'
     entry=''
   }
   end_version() {
@@ -45,7 +46,8 @@ homepage=$(sed -n 's/^ *HOMEPAGE_URL \([^ )]*\).*/\1/p' "$root/CMakeLists.txt")
 folder=$root/build/package
 source=$folder/source
 
-# Debian's tools write into the folder they build, and beside it; objects of an earlier build are kept.
+# Debian's tools write into the folder they build, and beside it; objects of an earlier build are
+# kept.
 rm -rf "$source" "$folder"/*.deb
 mkdir -p "$source"
 tar -C "$root" --exclude=./build --exclude=./.git -cf - . | tar -C "$source" --no-same-owner -xf -

@@ -9,11 +9,15 @@ fail() {
   echo "FAILED: $*"
   exit 1
 }
-add() { apt-get install -y -q --no-install-recommends "$@" >/root/apt.log 2>&1 || { cat /root/apt.log && exit 1; }; }
+add() {
+  apt-get install -y -q --no-install-recommends "$@" >/root/apt.log 2>&1 ||
+    { cat /root/apt.log && exit 1; }
+}
 # All files but what package tools keep for themselves.
 files() {
-  find / -xdev \( -path /proc -o -path /sys -o -path /dev -o -path /tmp -o -path /root -o -path /run \
-    -o -path /home -o -path /var/lib/apt -o -path /var/cache -o -path /var/log \) -prune -o -print | sort
+  find / -xdev \( -path /proc -o -path /sys -o -path /dev -o -path /tmp -o -path /root \
+    -o -path /run -o -path /home -o -path /var/lib/apt -o -path /var/cache -o -path /var/log \) \
+    -prune -o -print | sort
 }
 
 step "Install with what it depends on, and nothing that it only recommends"
@@ -148,10 +152,12 @@ files | grep -i zephrimark
 apt-get purge -y -q zephrimark-offload
 ! files | grep -i zephrimark || fail "Files are left."
 ! dpkg -s zephrimark-offload >/dev/null 2>&1 || fail "dpkg still knows it."
-! grep -rli --exclude='*-old' zephrimark /etc /usr/share/applications /usr/share/mime /usr/share/icons /var/lib/dpkg ||
+! grep -rli --exclude='*-old' zephrimark /etc /usr/share/applications /usr/share/mime \
+  /usr/share/icons /var/lib/dpkg ||
   fail "It is still named somewhere."
 files >/root/files.tools
 add "$package"
 apt-get purge -y -q zephrimark-offload
-files | diff /root/files.tools - || fail "Installing and removing it changed the files of the system."
+files | diff /root/files.tools - ||
+  fail "Installing and removing it changed the files of the system."
 echo "Nothing is left."

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # test-package.sh [PACKAGE]: makes the Debian package, unless one is given, and looks at it with
-# Debian's own tools; then installs it into a bare Debian 12, uses it as an ordinary user, removes it,
-# and looks for what is left.
+# Debian's own tools; then installs it into a bare Debian 12, uses it as an ordinary user, removes
+# it, and looks for what is left.
 #   ZEPHRIMARK_PACKAGE_LOGS    where the logs and a picture of the window go, build/package/logs
 #                              otherwise
 #   ZEPHRIMARK_MIRROR          Debian's packages come from here
@@ -31,7 +31,8 @@ appstreamcli validate --no-net --explain \
 echo "Installing, using and removing it in a bare Debian 12"
 unpack_bare 12 "$work/root"
 "${as_root[@]}" cp "$package" "$root/scripts/test-package-inside.sh" "$work/root/root/"
-run_in_bare "$work/root" /root/test-package-inside.sh >"$logs/inside.txt" 2>&1 && status=0 || status=$?
+run_in_bare "$work/root" /root/test-package-inside.sh >"$logs/inside.txt" 2>&1 &&
+  status=0 || status=$?
 "${as_root[@]}" cat "$work/root/root/window.png" >"$logs/window.png" || status=1
 if [ "$status" -ne 0 ]; then
   cat "$logs/inside.txt"

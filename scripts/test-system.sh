@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# test-system.sh 12|13: gives the last commit to a bare Debian of that release and follows the README
-# there from nothing: ./run and ./test, which get what they need by themselves.
+# test-system.sh 12|13: gives the last commit to a bare Debian of that release and follows the
+# README there from nothing: ./run and ./test, which get what they need by themselves.
 #   ZEPHRIMARK_MIRROR    Debian's packages come from here
 set -euo pipefail
 . "$(dirname "$(readlink -f "$0")")/common.sh"
@@ -22,7 +22,8 @@ unpack_bare "$1" "$work/root"
 "${as_root[@]}" mkdir "$work/root/root/offload"
 git -C "$root" archive HEAD | "${as_root[@]}" tar -C "$work/root/root/offload" --no-same-owner -xf -
 
-echo "Following the README on Debian $1 at $(git -C "$root" log -1 --format='%h (%s)'); it takes a while"
+commit=$(git -C "$root" log -1 --format='%h (%s)')
+echo "Following the README on Debian $1 at $commit; it takes a while"
 run_in_bare "$work/root" /root/offload/scripts/test-system-inside.sh >"$log" 2>&1 && status=0 ||
   status=$?
 if [ "$status" -ne 0 ]; then

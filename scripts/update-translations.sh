@@ -9,5 +9,6 @@ install_missing qt6-l10n-tools
 cd "$root"
 files=("$@")
 [ $# -gt 0 ] || files=(Translations/zephrimark_*.ts)
-/usr/lib/qt6/bin/lupdate -no-obsolete -locations none -I . -tr-function-alias QT_TRANSLATE_NOOP+=translatable \
+/usr/lib/qt6/bin/lupdate -no-obsolete -locations none -I . \
+  -tr-function-alias QT_TRANSLATE_NOOP+=translatable \
   TextKit DeviceKit OffloadKit CommandLine Updates ZephrimarkUI ZephrimarkOffload -ts "${files[@]}"

@@ -22,8 +22,8 @@ constexpr std::array<std::string_view, 8> kIgnoredNames = {".DS_Store",
                                                            "System Volume Information",
                                                            "ascmhl"};
 
-// A damaged card, or a driver that believes it, can tell names that would lead out of their folder, here
-// and on the drives.
+// A damaged card, or a driver that believes it, can tell names that would lead out of their folder,
+// here and on the drives.
 bool isPlainName(std::string_view name) {
   return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos;
 }

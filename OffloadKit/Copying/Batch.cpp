@@ -265,8 +265,8 @@ void Batch::flushTogether(Batch* next) {
     std::atomic<std::size_t> failed = 0;
   };
   std::vector<Flushes> flushes(context_.lanes.size());
-  // The drive writes everything in one go, so that the flush of each copy, which alone tells of that
-  // copy's errors, finds little to do.
+  // The drive writes everything in one go, so that the flush of each copy, which alone tells of
+  // that copy's errors, finds little to do.
   const auto flushVolume = [&](std::size_t lane) {
     flushes[lane].isAsked = std::any_of(files_.begin(), files_.end(), [lane](const File& file) {
       return file.copies[lane].isWriting();

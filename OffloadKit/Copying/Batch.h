@@ -56,8 +56,8 @@ struct CopyProgress {
 ///
 /// What can be seen from outside is as if one file had been copied after the other: the calls of
 /// progress and of `isCancelled` and the final names come in the order of the files; only temporary
-/// copies are made earlier. Belongs to the run's thread; what is not finished when it goes leaves no
-/// temporary copy.
+/// copies are made earlier. Belongs to the run's thread; what is not finished when it goes leaves
+/// no temporary copy.
 class Batch final : private Load {
  public:
   /// `files`: as many as BatchLength says; they and `context` outlive it.
@@ -72,8 +72,8 @@ class Batch final : private Load {
   void begin();
 
   /// Finishes file `number` of the batch; to be called for each, in order. `next`: the batch whose
-  /// files come next, null at the end; it fetches and begins while the drives are busy with this one.
-  /// What goes wrong on one destination becomes that destination's outcome. Throws
+  /// files come next, null at the end; it fetches and begins while the drives are busy with this
+  /// one. What goes wrong on one destination becomes that destination's outcome. Throws
   /// OffloadError::sourceUnreadable when the original cannot be read, changed its size or read
   /// differently the second time, and OffloadError::cancelled.
   OffloadedFile finish(std::size_t number, const CopyProgress& progress, Batch* next);

@@ -11,15 +11,15 @@
 namespace OffloadKit {
 
 /// How many of a card's files are copied together. What small files cost one by one is mostly
-/// waiting, for one flush and one answer of the drive each, so the more are taken at a time, the less
-/// is waited for; but until a batch is done nobody sees progress, and Stop waits for it. So a batch
-/// of small files should be done in less than a second, whatever the drives. One thread.
+/// waiting, for one flush and one answer of the drive each, so the more are taken at a time, the
+/// less is waited for; but until a batch is done nobody sees progress, and Stop waits for it. So a
+/// batch of small files should be done in less than a second, whatever the drives. One thread.
 class BatchLength {
  public:
   /// `chunkSize`: bytes of a buffer, which is what the first batch takes. `lanes`: drives that are
-  /// written at once; so many copies of each file are open at a time. `isGrouping`: whether files are
-  /// copied together at all. `names` outlives it; `namesAreDistinct`: whether all of the run's files
-  /// can be on their way at the same time.
+  /// written at once; so many copies of each file are open at a time. `isGrouping`: whether files
+  /// are copied together at all. `names` outlives it; `namesAreDistinct`: whether all of the run's
+  /// files can be on their way at the same time.
   BatchLength(std::size_t chunkSize, std::size_t lanes, bool isGrouping,
               const TemporaryNames& names, bool namesAreDistinct);
 

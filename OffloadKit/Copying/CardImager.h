@@ -27,10 +27,10 @@ struct Caller {
   std::function<void(double)> progress;
 };
 
-/// Writes the image of `source` to the folder "Card Image" in `folder`, which people know as `path`,
-/// under `name`, reads it back from the drive and compares. Blocks that cannot be read are zeros in
-/// the image and counted. The name appears only once the image is verified; an image of that name is
-/// never overwritten. `pipeline`: one that nothing is being done with.
+/// Writes the image of `source` to the folder "Card Image" in `folder`, which people know as
+/// `path`, under `name`, reads it back from the drive and compares. Blocks that cannot be read are
+/// zeros in the image and counted. The name appears only once the image is verified; an image of
+/// that name is never overwritten. `pipeline`: one that nothing is being done with.
 ///
 /// What goes wrong is told in the result. Throws only OffloadError::cancelled (and std::bad_alloc,
 /// std::system_error when the system gives no memory or threads); no temporary file is left.

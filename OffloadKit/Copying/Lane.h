@@ -14,8 +14,9 @@
 namespace OffloadKit {
 
 /// One destination of a run, from its start to its end: the folder that is held open, what is known
-/// of its drive, whether it is still of use, and the names that were given there. It knows
-/// what an error means that is met there. Any thread, but for `open` and `names`, which belong to the run's (see LaneNames for its exception).
+/// of its drive, whether it is still of use, and the names that were given there. It knows what an
+/// error means that is met there. Any thread, but for `open` and `names`, which belong to the run's
+/// (see LaneNames for its exception).
 ///
 /// A pulled drive seldom says so: Linux answers EIO, EROFS, on FAT even ENOENT, while the volume
 /// goes on being listed. Any error counts as ENODEV once the drive's block device is gone from the
@@ -46,8 +47,8 @@ class Lane {
   /// Gives the lane up as disconnected unless it is in place.
   void checkPlace();
 
-  /// What an error means that is met while writing or flushing content. Gives the lane up if the error
-  /// means that the drive is of no more use: EIO, ENXIO, ENODEV or ENOSPC.
+  /// What an error means that is met while writing or flushing content. Gives the lane up if the
+  /// error means that the drive is of no more use: EIO, ENXIO, ENODEV or ENOSPC.
   Reason contentError(int error);
   /// The same for any other error. Gives the lane up only if its drive is gone.
   Reason otherError(int error);

@@ -34,10 +34,10 @@ class LaneCopy {
   /// Both outlive it.
   LaneCopy(Lane& lane, const SourceFile& file) : lane_(lane), file_(file) {}
 
-  /// Decides what to do, unless the lane is given up: nothing where something else has the name or a
-  /// link is in the way, resume where a copy is already there, else write; missing folders are made,
-  /// the temporary copy is opened. `card`: where the original lies. `temporary`: the relative path of
-  /// the temporary copy.
+  /// Decides what to do, unless the lane is given up: nothing where something else has the name or
+  /// a link is in the way, resume where a copy is already there, else write; missing folders are
+  /// made, the temporary copy is opened. `card`: where the original lies. `temporary`: the relative
+  /// path of the temporary copy.
   void choose(PlatformKit::Folder& card, const std::string& temporary, KnownFolder& known);
 
   /// Whether it is being written and has not failed.
@@ -46,14 +46,14 @@ class LaneCopy {
   }
   /// Writes the next `chunk`, which begins at `offset` (bytes); `window`: see writeBehind.
   void write(std::span<const std::byte> chunk, std::uint64_t offset, std::uint64_t window);
-  /// Dates the copy as the original, before it is flushed, so that a power cut before the move leaves
-  /// one that the next run knows.
+  /// Dates the copy as the original, before it is flushed, so that a power cut before the move
+  /// leaves one that the next run knows.
   void setDates();
   /// Returns when the copy is on the drive. Answers whether one was flushed without an error.
   bool flush();
 
-  /// Turns what went wrong into the outcome. Behind a flush that succeeded `afterWrite`, which may be
-  /// empty, is told the copy's whole path.
+  /// Turns what went wrong into the outcome. Behind a flush that succeeded `afterWrite`, which may
+  /// be empty, is told the copy's whole path.
   void settle(const std::function<void(const PlatformKit::Path&)>& afterWrite);
 
   /// The digest to be read back; null where there is nothing to be read.

@@ -52,8 +52,8 @@ void LaneNames::verified(const Path& final, bool resumed) {
 
 void LaneNames::flushNow() {
   if (durable_ == verified_) return;
-  // A file was flushed since: the flush before was no empty yes. Some file systems have no flush for
-  // folders that could fail.
+  // A file was flushed since: the flush before was no empty yes. Some file systems have no flush
+  // for folders that could fail.
   if (failures_.empty() && lane_.isPresent()) durable_ = flushed_;
   flush();
 }

@@ -13,9 +13,9 @@ namespace OffloadKit {
 
 class Lane;
 
-/// The final names that verified copies got on a lane, and up to which copy they are on the drive for
-/// certain, so that they survive a power cut and a drive that dies. Remembers the folders they lie
-/// in and flushes them, together with all folders above them on their volume: those may be new
+/// The final names that verified copies got on a lane, and up to which copy they are on the drive
+/// for certain, so that they survive a power cut and a drive that dies. Remembers the folders they
+/// lie in and flushes them, together with all folders above them on their volume: those may be new
 /// without being the run's, since a run that was killed left them, or somebody made them just
 /// before. The run's thread, but for `flushNow`.
 class LaneNames {
@@ -35,9 +35,9 @@ class LaneNames {
   /// thread, while no names are given here.
   void flushNow();
 
-  /// The lane's volume was flushed as a whole after the last name was given here. `error`: 0, or the
-  /// number that this answered. `provenSince`: files were flushed on it afterwards, all without an
-  /// error; some file systems say yes to the flush of a volume that is lost already.
+  /// The lane's volume was flushed as a whole after the last name was given here. `error`: 0, or
+  /// the number that this answered. `provenSince`: files were flushed on it afterwards, all without
+  /// an error; some file systems say yes to the flush of a volume that is lost already.
   void volumeFlushed(int error, bool provenSince);
 
   /// Flushes everything, and makes failures of the verified outcomes on destination `index` whose

@@ -11,8 +11,8 @@
 namespace OffloadKit {
 
 /// A file on the card while it is read the first time. Its beginning can be fetched ahead, into the
-/// cache; what comes behind the first chunk, and a file that is worth requests of its own and fits a
-/// chunk, comes past the cache. Belongs to one thread, but for `read`.
+/// cache; what comes behind the first chunk, and a file that is worth requests of its own and fits
+/// a chunk, comes past the cache. Belongs to one thread, but for `read`.
 class Original {
  public:
   /// `card` and `file` outlive it. `chunkSize`: bytes that are asked for at a time.
@@ -25,9 +25,10 @@ class Original {
   /// Opens what `read` needs for that offset (bytes), and lets the card fetch what comes behind the
   /// chunk there.
   void prepare(std::uint64_t offset);
-  /// Reads what lies at `offset`, which was prepared, as much as `memory` takes, or little more than
-  /// is left of the file by its known size. Answers how many bytes there were: fewer than `memory`
-  /// only where the file ends; or the error of opening or reading. Any thread, several at once.
+  /// Reads what lies at `offset`, which was prepared, as much as `memory` takes, or little more
+  /// than is left of the file by its known size. Answers how many bytes there were: fewer than
+  /// `memory` only where the file ends; or the error of opening or reading. Any thread, several at
+  /// once.
   [[nodiscard]] PlatformKit::Result<std::size_t> read(std::span<std::byte> memory,
                                                       std::uint64_t offset);
   /// Lets the cache drop what was read of it.

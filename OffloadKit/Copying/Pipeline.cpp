@@ -100,8 +100,8 @@ void Pipeline::transfer(Load& load) {
   }
 }
 
-// One of `threads` equal parts of a lane's buffer, of whole pages; empty when there is not a page for
-// each.
+// One of `threads` equal parts of a lane's buffer, of whole pages; empty when there is not a page
+// for each.
 std::span<std::byte> Pipeline::readBackMemory(std::size_t lane, std::size_t threads,
                                               std::size_t thread) {
   const auto whole = readBackBuffers_[lane].bytes().first(chunkSize_);

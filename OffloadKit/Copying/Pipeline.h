@@ -11,15 +11,16 @@
 
 namespace OffloadKit {
 
-/// What goes through a pipeline: it comes in rounds, each as much as one buffer takes. The pipeline's
-/// caller is the one thread that owns it; two methods are called on other threads and say so.
+/// What goes through a pipeline: it comes in rounds, each as much as one buffer takes. The
+/// pipeline's caller is the one thread that owns it; two methods are called on other threads and
+/// say so.
 class Load {
  public:
   virtual ~Load() = default;
 
   /// Lays round `round` out in this memory, which belongs to it until the round after the next is
-  /// laid out. Answers how many parts it is read in, each by a thread; 0 behind the last round. Called
-  /// for each round in order, when the one before has been accepted.
+  /// laid out. Answers how many parts it is read in, each by a thread; 0 behind the last round.
+  /// Called for each round in order, when the one before has been accepted.
   virtual std::size_t layOut(std::size_t round, std::span<std::byte> memory) = 0;
   /// Reads one part of a round. Any thread, several at once.
   virtual void read(std::size_t round, std::size_t part) = 0;
@@ -44,8 +45,8 @@ struct ReadBackLane {
 
 /// The only loop between a card and its drives, with its threads and its memory: while the lanes
 /// write one round, the next one is read; and what the lanes hold is read back on all of them at
-/// once. It knows bytes and lanes, and neither plans nor names. One thread owns it and calls it; what
-/// it starts is joined before a call returns.
+/// once. It knows bytes and lanes, and neither plans nor names. One thread owns it and calls it;
+/// what it starts is joined before a call returns.
 ///
 /// Memory: (lanes + 2) × the chunk size, allocated once.
 class Pipeline {
@@ -57,8 +58,8 @@ class Pipeline {
   /// that wait for one.
   static constexpr std::size_t flushesPerDrive = 12;
 
-  /// `chunkSize`: bytes of each buffer, at least 1. Throws std::bad_alloc and std::system_error when
-  /// the system gives no memory or threads.
+  /// `chunkSize`: bytes of each buffer, at least 1. Throws std::bad_alloc and std::system_error
+  /// when the system gives no memory or threads.
   Pipeline(std::size_t lanes, std::size_t chunkSize);
 
   [[nodiscard]] std::size_t chunkSize() const { return chunkSize_; }
@@ -77,8 +78,8 @@ class Pipeline {
   void readBack(std::span<const ReadBackLane> lanes, std::uint64_t fileSize,
                 const std::function<void()>& firstReading = {});
 
-  /// Calls `step(lane)` for every lane, each on a thread of its own, and `meanwhile()` here. Returns
-  /// when all are done.
+  /// Calls `step(lane)` for every lane, each on a thread of its own, and `meanwhile()` here.
+  /// Returns when all are done.
   void onEveryLane(const std::function<void(std::size_t)>& step,
                    const std::function<void()>& meanwhile = {});
   /// Calls `step(lane, number)` for every lane and every number below `count`, on each lane so many

@@ -79,8 +79,8 @@ std::vector<Entry> inFileBrowserOrder(std::vector<Entry> rows) {
   return sorted;
 }
 
-// Whether copies lie in the folder of lists: on a drive that does not tell upper from lower case, where a
-// card's folder "ASCMHL" is the same one.
+// Whether copies lie in the folder of lists: on a drive that does not tell upper from lower case,
+// where a card's folder "ASCMHL" is the same one.
 bool holdsCopies(PlatformKit::Folder& folder, const Path& lists,
                  const std::vector<OffloadedFile>& files) {
   const auto ours = folder.status(lists);

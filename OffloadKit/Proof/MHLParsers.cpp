@@ -17,8 +17,8 @@ constexpr std::size_t kLongestText = std::size_t{1} << 20;
 // How far the reader may fall behind what it was fed, waiting for the end of one tag.
 constexpr std::int64_t kLongestToken = std::int64_t{4} << 20;
 
-// Expat keeps what is open and every name it has met; the format nests less than ten elements and has
-// less than a hundred names.
+// Expat keeps what is open and every name it has met; the format nests less than ten elements and
+// has less than a hundred names.
 constexpr std::size_t kDeepest = 100;
 constexpr std::size_t kLargestVocabulary = std::size_t{1} << 20;  // bytes
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "HashKit/HashAlgorithm.h"
+#include "PlatformKit/Dates.h"
 #include "PlatformKit/FileSystem.h"
 #include "PlatformKit/Volumes.h"
 
@@ -22,11 +23,13 @@ struct CardImageRequest {
   std::uint64_t size = 0;            ///< bytes of the device, counted into that destination's need
 };
 
-/// The folder that somebody chose and that a destination is below, and the volume on which it lay then
-/// (see volumeOf). A run does not begin when it lies on another one by now: its drive was unmounted.
+/// The folder that somebody chose and that a destination is below, and the volume on which it lay
+/// then (see volumeOf). A run does not begin when it lies on another one by now: its drive was
+/// unmounted.
 struct ChosenPlace {
   PlatformKit::Path folder;
   std::optional<PlatformKit::VolumeIdentifier> volume;  ///< none: not known
+  std::string name = {};                                ///< how people know it; may be empty
 };
 
 /// What one run is asked to do. Nothing is checked or clamped here.
@@ -42,6 +45,7 @@ struct OffloadPlan {
   bool verifySource = true;   ///< read every source file a second time and compare
   std::size_t chunkSize = 0;  ///< bytes of every transfer buffer; 8 MiB is usual
   std::optional<CardImageRequest> cardImage;
+  PlatformKit::Date made{};  ///< when; what is left of a run is reckoned from there
 };
 
 /// The chunk size that applications use, in bytes.

@@ -104,8 +104,8 @@ struct OffloadResult {
   PlatformKit::Date finished{};
   /// Destinations that the run gave up on, with what made it give up.
   std::map<std::size_t, Reason> destinationErrors;
-  /// Destinations whose copies were read back through the computer's cache, which may not have asked
-  /// the drive; see PlatformKit::VolumeFacts::readsThroughCache.
+  /// Destinations whose copies were read back through the computer's cache, which may not have
+  /// asked the drive; see PlatformKit::VolumeFacts::readsThroughCache.
   std::set<std::size_t> readThroughCache;
   std::vector<PlatformKit::Path> mhlFiles;  ///< hash lists written, in destination order
   std::vector<PlatformKit::Path> reports;   ///< reports written, in destination order

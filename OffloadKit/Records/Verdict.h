@@ -8,9 +8,10 @@
 
 namespace OffloadKit {
 
-/// What a result amounts to. Whatever tells or acts on how an offload ended asks here: window, terminal,
-/// JSON, notification, report, exit status and ejecting never weigh the result themselves, so that they
-/// cannot disagree. A value, made once from a result that does not change any more; any thread.
+/// What a result amounts to. Whatever tells or acts on how an offload ended asks here: window,
+/// terminal, JSON, notification, report, exit status and ejecting never weigh the result
+/// themselves, so that they cannot disagree. A value, made once from a result that does not change
+/// any more; any thread.
 class Verdict {
  public:
   /// What can be found in a result, the worst first.
@@ -37,8 +38,8 @@ class Verdict {
 
   /// All that was asked for is there and proven: green, a check mark, and exit status 0.
   [[nodiscard]] bool isGood() const;
-  /// Whether the card may be ejected unasked. Nobody reads a card again that is in a bag, so it stays
-  /// while anything of it may be missing.
+  /// Whether the card may be ejected unasked. Nobody reads a card again that is in a bag, so it
+  /// stays while anything of it may be missing.
   [[nodiscard]] bool mayEject() const;
 
  private:

@@ -83,8 +83,8 @@ void OffloadRun::openDestinations() {
   }
 }
 
-// Two runs into one folder would take each other's temporary copies, and two destinations that are one
-// folder would be one copy counted twice.
+// Two runs into one folder would take each other's temporary copies, and two destinations that are
+// one folder would be one copy counted twice.
 void OffloadRun::lockDestinations() {
   for (const Lane& lane : lanes_) {
     auto lock = lane.folder().lockFolder({});

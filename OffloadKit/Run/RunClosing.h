@@ -34,9 +34,8 @@ class RunClosing {
   [[nodiscard]] std::uint64_t imageWork() const;
 
   /// Writes and checks the image, if the device was opened and its destination exists. One on a
-  /// destination that was given up fails with that sentence. `progress` gets the image's name and the
-  /// bytes just handled. Failures are in the result. Throws
-  /// OffloadError::cancelled.
+  /// destination that was given up fails with that sentence. `progress` gets the image's name and
+  /// the bytes just handled. Failures are in the result. Throws OffloadError::cancelled.
   std::optional<CardImageResult> writeCardImage(
       PlatformKit::Date started, Pipeline& pipeline, const std::function<bool()>& isCancelled,
       const std::function<void(const std::string&, double)>& progress);

@@ -9,8 +9,8 @@
 
 /// The steps of a copy from an empty file to its final name. Each step is a type that only the step
 /// before can make, so a copy that was not flushed cannot be read back, and one that was not found
-/// identical cannot be named. Whatever step it goes away in, its temporary file goes with it, except
-/// behind the last. Move-only; one thread at a time.
+/// identical cannot be named. Whatever step it goes away in, its temporary file goes with it,
+/// except behind the last. Move-only; one thread at a time.
 namespace OffloadKit {
 
 class FlushedCopy;

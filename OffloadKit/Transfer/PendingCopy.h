@@ -7,8 +7,8 @@
 
 namespace OffloadKit {
 
-/// A copy under its temporary name in a held folder. Removes its file unless it was committed, on every way out.
-/// Move-only; one thread at a time.
+/// A copy under its temporary name in a held folder. Removes its file unless it was committed, on
+/// every way out. Move-only; one thread at a time.
 class PendingCopy {
  public:
   /// Makes the temporary file, in place of a leftover of that name. `temporary` and `final` are
@@ -33,8 +33,8 @@ class PendingCopy {
   void close() { file_.reset(); }
 
   /// Gives the copy its final name; whatever has that name by now stays. Answers 0, or the error
-  /// number; the temporary file then goes with this object. ESTALE when the temporary name is no longer
-  /// this copy's: somebody else took it.
+  /// number; the temporary file then goes with this object. ESTALE when the temporary name is no
+  /// longer this copy's: somebody else took it.
   [[nodiscard]] int commit();
   /// The modification date that the copy had when it was committed; none before.
   [[nodiscard]] std::optional<PlatformKit::Date> modified() const { return modified_; }

@@ -15,13 +15,13 @@ namespace OffloadKit {
 /// Writes a chunk of a long file that is written in chunks, at `offset` (bytes), and keeps the
 /// drive at work: it starts on this chunk at once, and the chunk before, `window` bytes, is waited
 /// for and dropped from the cache. So memory does not fill with what is not written yet, and the
-/// flush at the end is short. With a file of at most `window` bytes the drive starts at once if it is
-/// worth requests of its own. Answers 0 or the first error number.
+/// flush at the end is short. With a file of at most `window` bytes the drive starts at once if it
+/// is worth requests of its own. Answers 0 or the first error number.
 [[nodiscard]] int writeBehind(PlatformKit::WritableFile& file, std::span<const std::byte> chunk,
                               std::uint64_t offset, std::uint64_t window, std::uint64_t fileSize);
 
-/// From so many bytes on a file is worth requests of its own. What is smaller is better sent off and
-/// fetched together with others, by way of the cache.
+/// From so many bytes on a file is worth requests of its own. What is smaller is better sent off
+/// and fetched together with others, by way of the cache.
 inline constexpr std::uint64_t kOwnRequests = std::uint64_t{256} * 1024;
 
 /// Direct reads want whole pages of so many bytes.

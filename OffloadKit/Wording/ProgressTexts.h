@@ -8,8 +8,8 @@
 
 namespace OffloadKit::ProgressTexts {
 
-/// What the last report says to people, in the window as on the terminal; none before the first. In the
-/// user's language, valid UTF-8, one line each. Any thread.
+/// What the last report says to people, in the window as on the terminal; none before the first. In
+/// the user's language, valid UTF-8, one line each. Any thread.
 using Progress = std::optional<OffloadProgress>;
 
 /// What the offload is doing, `destinations` drives being written.

@@ -11,8 +11,8 @@ namespace OffloadKit::ResultTexts {
 /// What a result says to people, in the window as on the terminal. In the user's language, valid
 /// UTF-8, one line each. Any thread.
 
-/// What the verdict finds worst: "Some files weren't verified", "Some of the card couldn't be read",
-/// "Offload finished with problems" (of an image or a record), or "Offload verified".
+/// What the verdict finds worst: "Some files weren't verified", "Some of the card couldn't be
+/// read", "Offload finished with problems" (of an image or a record), or "Offload verified".
 std::string title(const OffloadResult& result);
 
 /// What the title means, and what to do.
@@ -27,8 +27,8 @@ std::string took(const OffloadResult& result);
 /// "XXH64, card read twice".
 std::string checksum(const OffloadResult& result);
 
-/// "1204 of 1204 verified · stopped: The drive is full"; tells, too, where the read-back may not have
-/// reached the drive.
+/// "1204 of 1204 verified · stopped: The drive is full"; tells, too, where the read-back may not
+/// have reached the drive.
 std::string drive(const OffloadResult& result, std::size_t destination);
 
 /// What became of the card image: "128 GB verified · 3 unreadable blocks saved as zeros · …" or

@@ -10,8 +10,8 @@
 
 namespace PlatformKit {
 
-/// Dates that 64 bits of nanoseconds cannot hold (before 1677, after 2262) become the nearest that they
-/// can.
+/// Dates that 64 bits of nanoseconds cannot hold (before 1677, after 2262) become the nearest that
+/// they can.
 template <class Timestamp>
 Date dateOf(const Timestamp& time) {
   constexpr std::int64_t kFarthest = 9'223'372'035;

@@ -6,11 +6,11 @@
 
 namespace PlatformKit {
 
-/// Turns Ctrl-C (SIGINT), SIGTERM and SIGHUP into a call; those that were ignored at the start (as by
-/// nohup) stay ignored. Make it before any other thread: the
+/// Turns Ctrl-C (SIGINT), SIGTERM and SIGHUP into a call; those that were ignored at the start (as
+/// by nohup) stay ignored. Make it before any other thread: the
 /// signals are blocked in the calling thread and in every thread started later, and a thread of its
-/// own waits for them. A broken output pipe (SIGPIPE) or a file that may not grow any more (SIGXFSZ)
-/// does not end the process from then on.
+/// own waits for them. A broken output pipe (SIGPIPE) or a file that may not grow any more
+/// (SIGXFSZ) does not end the process from then on.
 class Interrupts {
  public:
   /// `onFirst` is called once, on the watching thread, with the number of the first signal; it must

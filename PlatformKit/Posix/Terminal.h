@@ -8,8 +8,8 @@ namespace PlatformKit {
 enum class OutputStream { standardOutput, standardError };
 
 /// Opens /dev/null for each of the three standard streams that whoever started the program left
-/// closed, for reading only: what is written there fails. Without it the next file opened would take
-/// the stream's number, and text for people would end up in it. Call it first in main.
+/// closed, for reading only: what is written there fails. Without it the next file opened would
+/// take the stream's number, and text for people would end up in it. Call it first in main.
 void openMissingStandardStreams();
 
 /// Whether the stream ends at a terminal that can redraw a line. Any thread.

@@ -11,8 +11,8 @@
 
 namespace PlatformKit::Testing {
 
-/// The calls of the seam. `setFileDates` is the one on an open file, `flushRead` the flush of one that
-/// is open for reading; `entryStatus` stands for what a listing says of one entry.
+/// The calls of the seam. `setFileDates` is the one on an open file, `flushRead` the flush of one
+/// that is open for reading; `entryStatus` stands for what a listing says of one entry.
 enum class Call {
   status,
   resolve,

@@ -4,9 +4,9 @@
 
 namespace PlatformKit::Testing {
 
-/// A held folder that passes every call to a file system, with the whole path: for file systems that
-/// watch or break calls by their paths. What the folder's own promises are worth is not tried here:
-/// the path is looked up anew for each call.
+/// A held folder that passes every call to a file system, with the whole path: for file systems
+/// that watch or break calls by their paths. What the folder's own promises are worth is not tried
+/// here: the path is looked up anew for each call.
 class FolderByPath final : public Folder {
  public:
   FolderByPath(FileSystem& fileSystem, Path path)

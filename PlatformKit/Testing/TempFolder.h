@@ -28,8 +28,8 @@ void writeFile(const Path& path, std::string_view content);
 /// The content of a file; throws std::runtime_error when it cannot be read.
 std::string readFile(const Path& path);
 
-/// Copies a program into the folder and lets everybody reach it, as a build folder may not. Answers the
-/// copy's path. Throws std::filesystem::filesystem_error.
+/// Copies a program into the folder and lets everybody reach it, as a build folder may not. Answers
+/// the copy's path. Throws std::filesystem::filesystem_error.
 Path programForEverybody(const Path& program, const TempFolder& folder);
 
 /// Relative paths of everything below the folder, sorted; folders end in "/".

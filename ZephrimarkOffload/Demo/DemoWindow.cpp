@@ -24,7 +24,7 @@ DemoWindow::DemoWindow(Scene scene, Options options)
                                                   return footage(disks->count(source));
                                                 });
       }});
-  model_->setSource(scene_.source);
+  model_->setup().setSource(scene_.source);
   window_ = std::make_unique<OffloadWindow>(
       *model_, OffloadWindow::Surroundings{settings_, updates_, "/home/kim",
                                            std::move(options.reveal), std::move(options.open)});
@@ -43,25 +43,27 @@ void DemoWindow::setDark(bool dark) {
 
 void DemoWindow::advance() {
   if (!isAnswered()) return;
-  if (scene_.shows != Stage::Kind::setup && !isStarted_) {
+  if (!is<Choosing>(scene_.shows) && !isStarted_) {
     isStarted_ = true;
     model_->start();
     clock_.advance(scene_.elapsed);
   }
-  if (model_->stage().kind() != scene_.shows) return;
-  if (scene_.shows == Stage::Kind::running && !model_->progress()) return;
+  const Stage& stage = model_->stage();
+  if (stage.index() != scene_.shows.index()) return;
+  if (is<Running>(stage) && !std::get<Running>(stage).progress) return;
   if (!isDialogOpen()) return;
-  isSettled_ = true;
+  isReady_ = true;
   steps_.stop();
 }
 
 bool DemoWindow::isAnswered() const {
-  for (std::size_t i = 0; i < model_->destinations().size(); ++i) {
-    if (!model_->destinationFacts(i)) return false;
+  const OffloadSetup& setup = model_->setup();
+  for (std::size_t i = 0; i < setup.destinations().size(); ++i) {
+    if (!setup.destinationFacts(i)) return false;
   }
-  return model_->cards().size() == scene_.cards.size() &&
-         model_->drives().size() == scene_.drives.size() &&
-         (!scene_.source || model_->sourceFileCount() > 0);
+  return setup.cards().size() == scene_.cards.size() &&
+         setup.drives().size() == scene_.drives.size() &&
+         (scene_.source.empty() || setup.source()->count.files > 0);
 }
 
 bool DemoWindow::isDialogOpen() {

@@ -29,9 +29,9 @@ class DemoWindow final {
 
   /// False when the window could not be made.
   [[nodiscard]] bool isShown() const { return window_->isShown(); }
-  /// Whether the model and the dialogs are where the scene wants them. What the window shows of that
-  /// can still be moving for a moment.
-  [[nodiscard]] bool isSettled() const { return isSettled_; }
+  /// Whether the model and the dialogs are where the scene wants them. What the window shows of
+  /// that can still be moving for a moment.
+  [[nodiscard]] bool isReady() const { return isReady_; }
   [[nodiscard]] OffloadModel& model() { return *model_; }
   [[nodiscard]] QQuickWindow& window() { return *window_->window(); }
 
@@ -54,7 +54,7 @@ class DemoWindow final {
   std::unique_ptr<OffloadWindow> window_;
   QTimer steps_;
   bool isStarted_ = false;
-  bool isSettled_ = false;
+  bool isReady_ = false;
 };
 
 }  // namespace ZephrimarkOffload::Demo

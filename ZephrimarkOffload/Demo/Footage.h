@@ -1,7 +1,7 @@
 #pragma once
 
 #include "OffloadKit/Records/SourceFile.h"
-#include "ZephrimarkOffload/Model/DiskQuestions.h"
+#include "ZephrimarkOffload/Model/DiskQueries.h"
 
 #include <vector>
 

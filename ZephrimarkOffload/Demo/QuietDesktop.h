@@ -10,8 +10,8 @@ class QuietDesktop final : public Desktop {
   void requestNotificationPermission() override {}
   void notify(const QString&, const QString&) override {}
   void setBadge(std::optional<double>) override {}
-  void holdAwake(const QString&) override {}
-  void releaseAwake() override {}
+  void inhibitSleep(const QString&) override {}
+  void allowSleep() override {}
 };
 
 }  // namespace ZephrimarkOffload::Demo

@@ -65,7 +65,7 @@ Scene longNames() {
 
 Scene offloading() {
   Scene scene = readySetup();
-  scene.shows = Stage::Kind::running;
+  scene.shows = Running{};
   scene.script = heldAt(0.37);
   scene.elapsed = 130s;
   return scene;
@@ -79,7 +79,7 @@ Scene stopQuestion() {
 
 Scene endedBy(Script script) {
   Scene scene = readySetup();
-  scene.shows = Stage::Kind::done;
+  scene.shows = Done{};
   scene.script = std::move(script);
   return scene;
 }
@@ -100,7 +100,7 @@ Scene doneWithImage() {
 Scene failedToStart() {
   Scene scene = endedBy(refused(
       OffloadKit::OffloadError::notEnoughSpace("Backup (A001)", 64'307'000'000, 51'200'000'000)));
-  scene.shows = Stage::Kind::failed;
+  scene.shows = Failed{};
   return scene;
 }
 
@@ -140,7 +140,7 @@ std::optional<Scene> sceneNamed(const std::string& name) {
 
 Scene interactiveScene() {
   Scene scene = readySetup();
-  scene.source = std::nullopt;
+  scene.source.clear();
   scene.choices.destinations.clear();
   scene.script = wholeRun(19s, verified);
   scene.isFrozen = false;

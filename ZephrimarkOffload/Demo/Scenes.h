@@ -17,9 +17,10 @@ struct Scene {
   std::vector<ScriptedCard> cards;
   std::vector<ScriptedDrive> drives;
   Choices choices;
-  std::optional<PlatformKit::Path> source;
-  /// The offload is started when the scene is about a later stage than the setup.
-  Stage::Kind shows = Stage::Kind::setup;
+  PlatformKit::Path source;  ///< empty when none is chosen
+  /// Which stage it is about, whatever that carries. The offload is started for a later one than
+  /// the choosing.
+  Stage shows = Choosing{};
   Script script;
   /// How long the offload seems to run already.
   std::chrono::seconds elapsed{0};

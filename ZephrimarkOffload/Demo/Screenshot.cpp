@@ -29,9 +29,9 @@ void Screenshot::look() {
     QCoreApplication::exit(1);
     return;
   }
-  if (!demo_.isSettled()) return;
-  if (looksWhenSettled_ == 0) looksWhenSettled_ = looks_;
-  if (looks_ - looksWhenSettled_ < kLooksUntilStill) return;
+  if (!demo_.isReady()) return;
+  if (looksWhenReady_ == 0) looksWhenReady_ = looks_;
+  if (looks_ - looksWhenReady_ < kLooksUntilStill) return;
   again_.stop();
   QCoreApplication::exit(save() ? 0 : 1);
 }

@@ -7,8 +7,8 @@
 
 namespace ZephrimarkOffload::Demo {
 
-/// Saves a picture of a window once its scene stands still, at the scale of the screen, and ends the
-/// application: with 1 and a sentence on standard error when that does not work. Main thread.
+/// Saves a picture of a window once its scene stands still, at the scale of the screen, and ends
+/// the application: with 1 and a sentence on standard error when that does not work. Main thread.
 class Screenshot final {
  public:
   /// The window outlives it.
@@ -22,7 +22,7 @@ class Screenshot final {
   const QString file_;
   QTimer again_;
   int looks_ = 0;
-  int looksWhenSettled_ = 0;
+  int looksWhenReady_ = 0;
 };
 
 }  // namespace ZephrimarkOffload::Demo

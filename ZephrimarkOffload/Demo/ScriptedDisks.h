@@ -1,7 +1,7 @@
 #pragma once
 
 #include "PlatformKit/VolumeWatcher.h"
-#include "ZephrimarkOffload/Model/DiskQuestions.h"
+#include "ZephrimarkOffload/Model/DiskQueries.h"
 
 #include <functional>
 #include <mutex>
@@ -28,7 +28,7 @@ struct ScriptedDrive {
 
 /// The made-up cards and drives of a demonstration, which touches no disk of the computer. Every
 /// other path is a folder on a made-up internal disk. Any thread.
-class ScriptedDisks final : public DiskQuestions, public PlatformKit::VolumeWatcher {
+class ScriptedDisks final : public DiskQueries, public PlatformKit::VolumeWatcher {
  public:
   ScriptedDisks(std::vector<ScriptedCard> cards, std::vector<ScriptedDrive> drives)
       : cards_(std::move(cards)), drives_(std::move(drives)) {}

@@ -14,8 +14,8 @@ using Ending =
 /// Reports from the first to the last file in about this time, then ends.
 Script wholeRun(std::chrono::milliseconds time, Ending ending);
 
-/// Reports this share of the work, with a failed file on the last drive, and stays there until it is
-/// stopped.
+/// Reports this share of the work, with a failed file on the last drive, and stays there until it
+/// is stopped.
 Script heldAt(double fraction);
 
 /// Ends at once.

@@ -3,7 +3,7 @@
 namespace ZephrimarkOffload {
 
 DesktopServices::DesktopServices(const QDBusConnection& session, const QDBusConnection& system)
-    : notifications_(session), progress_(session), awake_(session, system) {}
+    : notifications_(session), progress_(session), sleep_(session, system) {}
 
 void DesktopServices::notify(const QString& title, const QString& body) {
   notifications_.notify(title, body);
@@ -13,12 +13,12 @@ void DesktopServices::setBadge(std::optional<double> fraction) {
   progress_.set(fraction);
 }
 
-void DesktopServices::holdAwake(const QString& reason) {
-  awake_.hold(reason);
+void DesktopServices::inhibitSleep(const QString& reason) {
+  sleep_.inhibit(reason);
 }
 
-void DesktopServices::releaseAwake() {
-  awake_.release();
+void DesktopServices::allowSleep() {
+  sleep_.allow();
 }
 
 }  // namespace ZephrimarkOffload

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "ZephrimarkOffload/Desktop/AwakeHolder.h"
 #include "ZephrimarkOffload/Desktop/LauncherProgress.h"
 #include "ZephrimarkOffload/Desktop/Notifications.h"
+#include "ZephrimarkOffload/Desktop/SleepInhibitor.h"
 #include "ZephrimarkOffload/Model/Desktop.h"
 
 namespace ZephrimarkOffload {
@@ -17,15 +17,18 @@ class DesktopServices final : public Desktop {
 
   /// Does nothing: no desktop on Linux wants to be asked.
   void requestNotificationPermission() override {}
+  /// As Notifications::notify.
   void notify(const QString& title, const QString& body) override;
+  /// As LauncherProgress::set.
   void setBadge(std::optional<double> fraction) override;
-  void holdAwake(const QString& reason) override;
-  void releaseAwake() override;
+  /// As SleepInhibitor::inhibit and allow.
+  void inhibitSleep(const QString& reason) override;
+  void allowSleep() override;
 
  private:
   Notifications notifications_;
   LauncherProgress progress_;
-  AwakeHolder awake_;
+  SleepInhibitor sleep_;
 };
 
 }  // namespace ZephrimarkOffload

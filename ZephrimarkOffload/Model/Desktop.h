@@ -23,10 +23,10 @@ class Desktop {
 
   /// From now on the computer is asked to stay awake, and a logout or shutdown to wait; `reason` is
   /// shown to the user. A second call changes nothing.
-  virtual void holdAwake(const QString& reason) = 0;
+  virtual void inhibitSleep(const QString& reason) = 0;
 
   /// Takes that back; without it nothing happens.
-  virtual void releaseAwake() = 0;
+  virtual void allowSleep() = 0;
 };
 
 }  // namespace ZephrimarkOffload

@@ -9,8 +9,9 @@
 
 namespace ZephrimarkOffload {
 
-/// Brings work from other threads to the main thread, one turn of its event loop each, in order.
-/// Made and destroyed on the main thread; what was not run by then never is.
+/// Brings work from other threads to the main thread, one turn of its event loop each, in the order
+/// in which it was given. Made and destroyed on the main thread, with an event loop; what was not
+/// run by then never is. Work may destroy anything but the queue.
 class MainQueue final : public QObject {
  public:
   MainQueue();
@@ -19,7 +20,7 @@ class MainQueue final : public QObject {
   /// The end that other threads hold; may outlive the queue, and then drops what it is given.
   class Sender {
    public:
-    /// Any thread.
+    /// Any thread; never waits for the work. Throws std::bad_alloc only.
     void post(std::function<void()> work);
 
    private:
@@ -29,6 +30,7 @@ class MainQueue final : public QObject {
     MainQueue* queue_ = nullptr;
   };
 
+  /// Any thread. One for all who ask.
   [[nodiscard]] std::shared_ptr<Sender> sender() const { return sender_; }
 
  protected:

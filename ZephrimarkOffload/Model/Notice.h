@@ -6,7 +6,8 @@
 
 namespace ZephrimarkOffload {
 
-/// The notification that tells of an offload's end. Plain text.
+/// The notification that tells of an offload's end. Plain text in the user's language, one line
+/// each.
 struct Notice {
   std::string title;
   std::string body;

@@ -4,8 +4,8 @@
 
 namespace ZephrimarkOffload {
 
-/// The words that name the platform, everything else in the texts being the same everywhere. They are
-/// English, of the context "Platform".
+/// The words that name the platform, everything else in the texts being the same everywhere. They
+/// are English, of the context "Platform".
 struct PlatformWords {
   const char* thisComputer;      ///< the name of a destination on the computer's own disk
   const char* onlyThisComputer;  ///< the warning that all copies are there

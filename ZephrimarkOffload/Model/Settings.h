@@ -34,8 +34,8 @@ class Settings {
   /// What was saved last. Destinations need not exist any more; the caller drops those.
   [[nodiscard]] Choices load() const;
 
-  /// Writes every value, a moment later or at the end of this object. Where the file cannot be written, the choices last until the end of this
-  /// launch; a warning goes to the log, once.
+  /// Writes every value, a moment later or at the end of this object. Where the file cannot be
+  /// written, the choices last until the end of this launch; a warning goes to the log, once.
   void save(const Choices& choices);
 
   /// The launch options among `arguments` (each a hyphen and the key, then its value) and, where

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "DeviceKit/VolumeLists.h"
-#include "ZephrimarkOffload/Model/DiskQuestions.h"
+#include "ZephrimarkOffload/Model/DiskQueries.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -10,8 +10,8 @@
 
 namespace ZephrimarkOffload::SetupTexts {
 
-/// What the setup screen says of the choices. In the user's language, valid UTF-8, one line each. Any
-/// thread.
+/// What the setup screen says of the choices. In the user's language, valid UTF-8, one line each.
+/// Any thread.
 
 /// "64.2 GB used of 128 GB"; empty when the size is unknown.
 std::string used(std::int64_t capacity, std::int64_t available);

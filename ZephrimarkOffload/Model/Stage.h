@@ -1,45 +1,42 @@
 #pragma once
 
+#include "OffloadKit/Records/OffloadProgress.h"
 #include "OffloadKit/Records/OffloadResult.h"
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <variant>
 
 namespace ZephrimarkOffload {
 
-/// Which screen the window shows, with what that screen is about.
-class Stage {
- public:
-  enum class Kind { setup, running, done, failed };
+/// Card, drives and options are being chosen.
+struct Choosing {};
 
-  static Stage setup() { return Stage(Kind::setup); }
-  static Stage running() { return Stage(Kind::running); }
-  static Stage done(OffloadKit::OffloadResult result) {
-    Stage stage(Kind::done);
-    stage.result_ = std::make_shared<const OffloadKit::OffloadResult>(std::move(result));
-    return stage;
-  }
-  /// `message`: a sentence for people.
-  static Stage failed(std::string message) {
-    Stage stage(Kind::failed);
-    stage.message_ = std::move(message);
-    return stage;
-  }
-
-  [[nodiscard]] Kind kind() const { return kind_; }
-  /// Null but in `done`. Lives as long as somebody holds it.
-  [[nodiscard]] const std::shared_ptr<const OffloadKit::OffloadResult>& result() const {
-    return result_;
-  }
-  /// Empty but in `failed`.
-  [[nodiscard]] const std::string& message() const { return message_; }
-
- private:
-  explicit Stage(Kind kind) : kind_(kind) {}
-
-  Kind kind_;
-  std::shared_ptr<const OffloadKit::OffloadResult> result_;
-  std::string message_;
+/// An offload runs.
+struct Running {
+  std::optional<OffloadKit::OffloadProgress> progress;  ///< its last report; none before the first
+  bool isStopping = false;  ///< it was asked to stop and has not ended yet
 };
+
+/// It came to its end, whatever became of its files.
+struct Done {
+  std::shared_ptr<const OffloadKit::OffloadResult> result;  ///< never null
+};
+
+/// It could not start, or an error ended it.
+struct Failed {
+  std::string message;  ///< a sentence for people, in their language
+};
+
+/// How far an offload is, with what that stage alone knows; so also which screen a window shows.
+/// One value: what belongs to another stage cannot be asked for.
+using Stage = std::variant<Choosing, Running, Done, Failed>;
+
+/// Whether the stage is this one. Any thread.
+template <class Kind>
+[[nodiscard]] bool is(const Stage& stage) {
+  return std::holds_alternative<Kind>(stage);
+}
 
 }  // namespace ZephrimarkOffload

@@ -26,8 +26,8 @@ std::string doneStatus(const OffloadKit::OffloadResult& result) {
       "Every file is verified on every drive. Check the report before you format the card.");
 }
 
-std::string runningStatus(const StepFacts& facts) {
-  const Phase phase = facts.progress ? facts.progress->phase : Phase::scanning;
+std::string runningStatus(const Running& running, const StepFacts& facts) {
+  const Phase phase = running.progress ? running.progress->phase : Phase::scanning;
   if (phase == Phase::finishing) return translate("Steps", "Writing the report and checksums.");
   if (phase == Phase::imaging)
     return translate("Steps", "Saving the card image for Kestrine, then checking it.");
@@ -52,22 +52,19 @@ std::string setupStatus(const StepFacts& facts) {
 }  // namespace
 
 int step(const StepFacts& facts) {
-  if (facts.stage.kind() == Stage::Kind::done) return 4;
-  if (facts.stage.kind() == Stage::Kind::running) return 2;
+  if (is<Done>(facts.stage)) return 4;
+  if (is<Running>(facts.stage)) return 2;
   if (!facts.hasSource) return 0;
   return facts.destinations == 0 ? 1 : 2;
 }
 
 std::string stepStatus(const StepFacts& facts) {
-  switch (facts.stage.kind()) {
-    case Stage::Kind::done:
-      return doneStatus(*facts.stage.result());
-    case Stage::Kind::failed:
-      return translate("Steps", "The offload couldn't start. See the message below.");
-    case Stage::Kind::running:
-      return runningStatus(facts);
-    case Stage::Kind::setup:
-      break;
+  if (const auto* done = std::get_if<Done>(&facts.stage)) return doneStatus(*done->result);
+  if (const auto* running = std::get_if<Running>(&facts.stage)) {
+    return runningStatus(*running, facts);
+  }
+  if (is<Failed>(facts.stage)) {
+    return translate("Steps", "The offload couldn't start. See the message below.");
   }
   return setupStatus(facts);
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "OffloadKit/Records/OffloadProgress.h"
 #include "ZephrimarkOffload/Model/Stage.h"
 
 #include <cstddef>
@@ -13,17 +12,17 @@ namespace ZephrimarkOffload {
 struct StepFacts {
   const Stage& stage;
   bool hasSource = false;
-  std::string sourceName;
-  std::size_t destinations = 0;
-  std::optional<std::string> blocker;
-  const std::optional<OffloadKit::OffloadProgress>& progress;
+  std::string sourceName;                ///< while an offload runs, of its source
+  std::size_t destinations = 0;          ///< likewise
+  std::optional<std::string> blocker{};  ///< why the next offload cannot start; a sentence
 };
 
-/// Which of the steps "Card", "Drives", "Copy and verify", "Done" is the current one, from 0; 4 when
-/// all are complete. Any thread.
+/// Which of the steps "Card", "Drives", "Copy and verify", "Done" is the current one, from 0; 4
+/// when all are complete. Any thread.
 int step(const StepFacts& facts);
 
-/// The sentence below the steps: where the user is and what to do next. Any thread.
+/// The sentence below the steps, in the user's language: where the user is and what to do next. Any
+/// thread.
 std::string stepStatus(const StepFacts& facts);
 
 }  // namespace ZephrimarkOffload

@@ -13,7 +13,8 @@ MessageDialog {
     title: qsTr("Zephrimark Offload %1").arg(version)
     symbol: "appicon"
     symbolSize: 48
-    message: qsTr("Copies cards to several drives at once, reads every copy back and compares it with the card.\n\nMade with:")
+    message: qsTr("Copies cards to several drives at once, reads every copy back and compares it "
+                  + "with the card.\n\nMade with:")
 
     details: Repeater {
         model: about.components

@@ -19,7 +19,8 @@ ColumnLayout {
 
     TextLabel {
         Layout.fillWidth: true
-        text: qsTr("Every copy is read back from the drive and compared with the card. Checksums are saved in each folder as an ASC MHL file.")
+        text: qsTr("Every copy is read back from the drive and compared with the card. Checksums "
+                   + "are saved in each folder as an ASC MHL file.")
         font: Brand.caption
         color: Brand.secondaryText
         wrapMode: Text.Wrap
@@ -49,7 +50,8 @@ ColumnLayout {
     Toggle {
         Layout.fillWidth: true
         text: qsTr("Read the card twice")
-        caption: qsTr("Reads every file from the card a second time and compares, to catch a failing card or reader.")
+        caption: qsTr("Reads every file from the card a second time and compares, to catch a "
+                      + "failing card or reader.")
         checked: section.presenter.verifySource
         onToggled: section.presenter.verifySource = checked
     }

@@ -1,7 +1,6 @@
 #include "ZephrimarkOffload/Screens/DonePresenter.h"
 
 #include "OffloadKit/Wording/ResultTexts.h"
-#include "PlatformKit/Paths.h"
 #include "ZephrimarkOffload/Screens/Text.h"
 
 #include <algorithm>
@@ -23,13 +22,15 @@ DonePresenter::DonePresenter(OffloadModel& model, PathAction reveal, PathAction 
       open_(std::move(open)),
       drives_({"key", "name", "detail", "place", "isVerified"}) {
   connect(&model_, &OffloadModel::stageChanged, this, &DonePresenter::stageChanged);
-  connect(&model_, &OffloadModel::sourceChanged, this, &DonePresenter::changed);
-  connect(&model_, &OffloadModel::ejectChanged, this, &DonePresenter::changed);
+  connect(&model_.setup(), &OffloadSetup::sourceChanged, this, &DonePresenter::changed);
+  connect(&model_.ejection(), &CardEjection::changed, this, &DonePresenter::changed);
 }
 
 void DonePresenter::stageChanged() {
-  if (!model_.stage().result()) return;
-  result_ = model_.stage().result();
+  const auto* done = std::get_if<Done>(&model_.stage());
+  if (done == nullptr) return;
+  run_ = model_.run();
+  result_ = done->result;
   verdict_ = OffloadKit::Verdict(*result_);
   drives_.setRows(driveRows());
   std::vector<std::string> unreadable;
@@ -46,11 +47,9 @@ void DonePresenter::stageChanged() {
 std::vector<QVariantMap> DonePresenter::driveRows() const {
   std::vector<QVariantMap> rows;
   const auto& folders = result_->plan.destinations;
-  const auto& names = model_.driveNames();
   for (std::size_t i = 0; i < folders.size(); ++i) {
-    const std::string name = i < names.size() ? names[i] : PlatformKit::lastComponent(folders[i]);
     rows.push_back({{"key", static_cast<int>(i)},
-                    {"name", lineText(name)},
+                    {"name", lineText(result_->plan.chosen.at(i).name)},
                     {"detail", lineText(ResultTexts::drive(*result_, i))},
                     {"place", lineText(folders[i].native())},
                     {"isVerified", verdict_.isVerifiedOn(i)}});
@@ -97,11 +96,11 @@ bool DonePresenter::canOpenReport() const {
 }
 
 bool DonePresenter::canEject() const {
-  return model_.isSourceOfRun() && model_.sourceFacts().isVolumeRoot;
+  return run_ && model_.isSourceOf(*run_) && run_->order().source->facts.isVolumeRoot;
 }
 
 QString DonePresenter::ejectMessage() const {
-  return lineText(model_.ejectMessage());
+  return lineText(model_.ejection().message());
 }
 
 bool DonePresenter::canTryAgain() const {

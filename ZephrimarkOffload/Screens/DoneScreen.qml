@@ -35,7 +35,8 @@ ColumnLayout {
 
             Icon {
                 anchors.horizontalCenter: parent.horizontalCenter
-                name: screen.presenter.isGood ? "checkmark.seal.fill" : "exclamationmark.triangle.fill"
+                name: screen.presenter.isGood ? "checkmark.seal.fill"
+                                              : "exclamationmark.triangle.fill"
                 color: screen.presenter.isGood ? Brand.green : Brand.orange
                 size: 38
             }
@@ -98,7 +99,9 @@ ColumnLayout {
 
                         Layout.fillWidth: true
                         buttonText: screen.showInFileBrowser // qmllint disable unqualified
-                        onRevealed: screen.presenter.revealDrive(index) // qmllint disable unqualified
+                        // qmllint disable unqualified
+                        onRevealed: screen.presenter.revealDrive(index)
+                        // qmllint enable unqualified
                     }
                 }
 
@@ -126,7 +129,8 @@ ColumnLayout {
             LineList {
                 width: parent.width
                 title: qsTr("Could not be read from the card")
-                note: qsTr("There may be more on the card than was copied. Don't erase it; try another reader, or look for the files with a card image.")
+                note: qsTr("There may be more on the card than was copied. Don't erase it; try "
+                           + "another reader, or look for the files with a card image.")
                 lines: screen.presenter.unreadable
             }
 
@@ -179,7 +183,8 @@ ColumnLayout {
             visible: screen.presenter.canTryAgain
             text: qsTr("Try Again")
             symbol: "arrow.clockwise"
-            tip: qsTr("Runs the offload again. Files already verified are checked, not copied again.")
+            tip: qsTr("Runs the offload again. Files already verified are checked, not copied "
+                      + "again.")
             onClicked: screen.presenter.tryAgain()
         }
 

@@ -32,7 +32,8 @@ ColumnLayout {
         }
 
         ElidedLabel {
-            Layout.maximumWidth: section.width - beginning.implicitWidth - ending.implicitWidth - 2 * sentence.spacing
+            Layout.maximumWidth: section.width - beginning.implicitWidth - ending.implicitWidth
+                                 - 2 * sentence.spacing
             text: section.presenter.folderName
             font: Brand.mono
         }

@@ -149,7 +149,8 @@ ApplicationWindow {
 
         objectName: "stopQuestion"
         title: qsTr("Stop the offload?")
-        message: qsTr("Files already verified stay on the drives. Start again with the same card and drives to pick up where it left off.")
+        message: qsTr("Files already verified stay on the drives. Start again with the same card "
+                      + "and drives to pick up where it left off.")
         confirmText: qsTr("Stop")
         cancelText: qsTr("Keep Going")
         onAccepted: {

@@ -10,7 +10,9 @@
 
 namespace ZephrimarkOffload {
 
-/// The application's window on a model. Main thread.
+/// The application's window on a model: the screens, made from QML, and the presenters behind them.
+/// Closing it ends the application unless an offload runs, after which it asks. Main thread, after
+/// ZephrimarkUI::prepareApplication.
 class OffloadWindow final {
  public:
   /// What the window uses besides the model; all outlive it.
@@ -30,6 +32,7 @@ class OffloadWindow final {
   OffloadWindow& operator=(const OffloadWindow&) = delete;
 
   [[nodiscard]] bool isShown() const { return !window_.isNull(); }
+  /// Owned by this object; null when it could not be made.
   [[nodiscard]] QQuickWindow* window() const { return window_; }
 
   /// Brings the window to the front. `activationToken`: what the desktop gave whoever wants that;

@@ -11,7 +11,8 @@
 namespace ZephrimarkOffload {
 
 /// What happened so far in an offload, told from its reports: one line for each turn of events,
-/// none for each file. Any thread, one at a time.
+/// none for each file. The same failure of a drive again is not told anew. A value; any thread, one
+/// at a time.
 class RunLog {
  public:
   /// `driveNames`: of the destinations, in their order.
@@ -20,11 +21,15 @@ class RunLog {
   /// Takes in the next report, which came at `time`; answers whether there are new lines.
   bool add(const OffloadKit::OffloadProgress& progress, PlatformKit::Date time);
 
+  /// One turn of events: when its report came, what it was in the user's language on one line, and
+  /// whether it is something to worry about.
   struct Line {
     PlatformKit::Date time;
     std::string text;
     bool isProblem = false;
   };
+  /// In the order of the reports; two hundred problems at most, however many there are. Valid until
+  /// the next `add`.
   [[nodiscard]] const std::vector<Line>& lines() const { return lines_; }
 
  private:

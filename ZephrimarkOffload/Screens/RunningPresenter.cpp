@@ -31,16 +31,20 @@ RunningPresenter::RunningPresenter(OffloadModel& model)
 }
 
 void RunningPresenter::stageChanged() {
-  if (model_.stage().kind() != Stage::Kind::running) return;
-  events_ = RunLog(model_.driveNames());
+  if (!is<Running>(model_.stage())) return;
+  run_ = model_.run();
+  std::vector<std::string> names;
+  for (const auto& place : run_->plan().chosen) names.push_back(place.name);
+  events_ = RunLog(std::move(names));
   shown_.reset();
   show();
 }
 
 void RunningPresenter::progressed() {
   // Every report counts for what happened, also those that are not shown.
-  if (model_.progress()) {
-    if (events_.add(*model_.progress(), model_.now())) showLog();
+  const auto* running = std::get_if<Running>(&model_.stage());
+  if (running != nullptr && running->progress) {
+    if (events_.add(*running->progress, model_.now())) showLog();
   }
   if (next_.isActive()) {
     isWaiting_ = true;
@@ -53,8 +57,9 @@ void RunningPresenter::show() {
   isWaiting_ = false;
   next_.start();
   // What the running screen showed last stays on it while it is being left.
-  if (model_.stage().kind() != Stage::Kind::running) return;
-  shown_ = model_.progress();
+  const auto* running = std::get_if<Running>(&model_.stage());
+  if (running == nullptr) return;
+  shown_ = running->progress;
   showDrives();
   if (!shown_) showLog();
   emit changed();
@@ -62,15 +67,13 @@ void RunningPresenter::show() {
 
 void RunningPresenter::showDrives() {
   std::vector<QVariantMap> rows;
-  const auto& destinations = model_.runDestinations();
-  for (std::size_t i = 0; i < destinations.size(); ++i) {
-    const auto& names = model_.driveNames();
-    QVariantMap row{
-        {"key", static_cast<int>(i)},
-        {"place", lineText((i < names.size() ? names[i] : "") + ": " + destinations[i].native())},
-        {"outcome", QString()},
-        {"fraction", 0.0},
-        {"isProblem", false}};
+  const auto& chosen = run_->plan().chosen;
+  for (std::size_t i = 0; i < chosen.size(); ++i) {
+    QVariantMap row{{"key", static_cast<int>(i)},
+                    {"place", lineText(chosen[i].name + ": " + chosen[i].folder.native())},
+                    {"outcome", QString()},
+                    {"fraction", 0.0},
+                    {"isProblem", false}};
     if (shown_ && i < shown_->drives.size()) {
       const auto& drive = shown_->drives[i];
       row["outcome"] = QString::fromStdString(ProgressTexts::drive(drive));
@@ -95,11 +98,17 @@ void RunningPresenter::showLog() {
 }
 
 QString RunningPresenter::heading() const {
-  return tr("Offloading %1").arg(lineText(model_.runPlan().sourceName));
+  return tr("Offloading %1").arg(run_ ? lineText(run_->plan().sourceName) : QString());
 }
 
 QString RunningPresenter::phase() const {
-  return QString::fromStdString(ProgressTexts::phase(shown_, model_.runDestinations().size()));
+  return QString::fromStdString(
+      ProgressTexts::phase(shown_, run_ ? run_->plan().destinations.size() : 0));
+}
+
+bool RunningPresenter::isStopping() const {
+  const auto* running = std::get_if<Running>(&model_.stage());
+  return running != nullptr && running->isStopping;
 }
 
 double RunningPresenter::fraction() const {
@@ -119,7 +128,8 @@ QString RunningPresenter::speed() const {
 }
 
 QString RunningPresenter::remaining() const {
-  const auto elapsed = std::chrono::duration<double>(model_.now() - model_.startedAt()).count();
+  const PlatformKit::Date start = run_ ? run_->plan().made : PlatformKit::Date{};
+  const auto elapsed = std::chrono::duration<double>(model_.now() - start).count();
   return QString::fromStdString(ProgressTexts::remaining(shown_, elapsed));
 }
 

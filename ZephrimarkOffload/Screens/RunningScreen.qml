@@ -117,7 +117,8 @@ ColumnLayout {
         id: log
 
         // With less room than for a line or two it gives way: the drives show the problems too.
-        readonly property real room: screen.height - figures.implicitHeight - drives.implicitHeight - footer.implicitHeight
+        readonly property real room: screen.height - figures.implicitHeight
+                                     - drives.implicitHeight - footer.implicitHeight
 
         visible: events.count > 0 && room > 150
 
@@ -147,7 +148,9 @@ ColumnLayout {
 
         TextLabel {
             Layout.fillWidth: true
-            text: screen.presenter.isStopping ? qsTr("Stopping after this step…") : qsTr("Keep the card and drives connected until the offload is verified.")
+            text: screen.presenter.isStopping
+                  ? qsTr("Stopping after this step…")
+                  : qsTr("Keep the card and drives connected until the offload is verified.")
             font: Brand.callout
             color: Brand.secondaryText
             wrapMode: Text.Wrap

@@ -26,17 +26,19 @@ Path pathAt(const RowModel& rows, int row) {
 
 SetupPresenter::SetupPresenter(OffloadModel& model, Path home)
     : model_(model),
+      setup_(model.setup()),
       home_(std::move(home)),
       cards_({"key", "name", "detail", "selected", "symbol"}),
       destinations_({"key", "name", "place", "free", "isShort", "isInternal"}),
       suggestedDrives_({"key", "name", "free"}) {
-  for (const auto signal : {&OffloadModel::volumesChanged, &OffloadModel::sourceChanged,
-                            &OffloadModel::destinationsChanged, &OffloadModel::optionsChanged,
-                            &OffloadModel::stageChanged, &OffloadModel::ejectChanged}) {
-    connect(&model_, signal, this, &SetupPresenter::update);
+  for (const auto signal : {&OffloadSetup::volumesChanged, &OffloadSetup::sourceChanged,
+                            &OffloadSetup::destinationsChanged, &OffloadSetup::optionsChanged}) {
+    connect(&setup_, signal, this, &SetupPresenter::update);
   }
+  connect(&model_, &OffloadModel::stageChanged, this, &SetupPresenter::update);
+  connect(&model_.ejection(), &CardEjection::changed, this, &SetupPresenter::update);
   clock_.callOnTimeout([this] {
-    if (model_.stage().kind() == Stage::Kind::setup) emit changed();
+    if (is<Choosing>(model_.stage())) emit changed();
   });
   clock_.start(std::chrono::seconds(10));
   update();
@@ -53,21 +55,22 @@ void SetupPresenter::update() {
 
 void SetupPresenter::updateCards() {
   std::vector<QVariantMap> rows;
-  const auto& source = model_.source();
+  const auto source = setup_.source();
   bool isListed = false;
-  for (const auto& card : model_.cards()) {
-    isListed |= card.url == source;
+  for (const auto& card : setup_.cards()) {
+    const bool isSelected = card.url == source->path;
+    isListed |= isSelected;
     rows.push_back({{"key", keyOf(card.url)},
                     {"name", lineText(card.name)},
                     {"detail", toText(SetupTexts::used(card.capacity, card.available))},
-                    {"selected", card.url == source},
+                    {"selected", isSelected},
                     {"symbol", "sdcard"}});
   }
-  if (source && !isListed) {
-    const SourceFacts& facts = model_.sourceFacts();
-    rows.push_back({{"key", keyOf(*source)},
+  if (hasSource() && !isListed) {
+    const SourceFacts& facts = source->facts;
+    rows.push_back({{"key", keyOf(source->path)},
                     {"name", lineText(facts.name)},
-                    {"detail", toText(SetupTexts::sourceDetail(facts, *source, home_))},
+                    {"detail", toText(SetupTexts::sourceDetail(facts, source->path, home_))},
                     {"selected", true},
                     {"symbol", facts.isVolumeRoot ? "sdcard" : "folder"}});
   }
@@ -75,25 +78,24 @@ void SetupPresenter::updateCards() {
 }
 
 QString SetupPresenter::cardHint() const {
-  if (hasSource() || !model_.cards().empty()) return {};
+  if (hasSource() || !setup_.cards().empty()) return {};
   return tr("Insert a card, or choose a folder to offload.");
 }
 
 QString SetupPresenter::sourceSummary() const {
   if (!hasSource()) return {};
-  return toText(
-      SetupTexts::sourceSummary({model_.sourceFileCount(), model_.sourceSize()}, model_.camera()));
+  return toText(SetupTexts::sourceSummary(setup_.source()->count, setup_.camera()));
 }
 
 void SetupPresenter::selectCard(int row) {
-  if (row >= 0 && row < cards_.count()) model_.setSource(pathAt(cards_, row));
+  if (row >= 0 && row < cards_.count()) setup_.setSource(pathAt(cards_, row));
   // A row that was chosen already was unchecked by the click.
   updateCards();
 }
 
 void SetupPresenter::chooseSource(const QUrl& folder) {
   const Path path = pathOf(folder);
-  if (!path.empty()) model_.setSource(path);
+  if (!path.empty()) setup_.setSource(path);
 }
 
 bool SetupPresenter::canTake(const QList<QUrl>& urls) {
@@ -111,19 +113,19 @@ void SetupPresenter::take(const QList<QUrl>& urls, bool asSource) {
 
 void SetupPresenter::updateDestinations() {
   std::vector<QVariantMap> rows;
-  for (std::size_t i = 0; i < model_.destinations().size(); ++i) {
-    const Path& path = model_.destinations()[i];
+  for (std::size_t i = 0; i < setup_.destinations().size(); ++i) {
+    const Path& path = setup_.destinations()[i];
     QVariantMap row{{"key", keyOf(path)},
                     {"name", lineText(path.filename().native())},
                     {"place", lineText(path.native())},
                     {"free", QString()},
                     {"isShort", false},
                     {"isInternal", false}};
-    if (const auto facts = model_.destinationFacts(i)) {
+    if (const auto facts = setup_.destinationFacts(i)) {
       row["name"] = toText(SetupTexts::destinationName(*facts));
       row["place"] = toText(SetupTexts::placeOnDrive(*facts, path, home_));
       row["free"] = toText(SetupTexts::freeText(facts->freeSpace));
-      row["isShort"] = facts->freeSpace < model_.sourceSize();
+      row["isShort"] = facts->freeSpace < setup_.source()->count.bytes;
       row["isInternal"] = facts->isInternal;
     }
     rows.push_back(std::move(row));
@@ -134,7 +136,7 @@ void SetupPresenter::updateDestinations() {
 void SetupPresenter::updateSuggested() {
   std::vector<QVariantMap> rows;
   if (canAdd()) {
-    for (const auto& drive : model_.suggestedDrives()) {
+    for (const auto& drive : setup_.suggestedDrives()) {
       const auto available = static_cast<std::uint64_t>(std::max<std::int64_t>(drive.available, 0));
       rows.push_back(
           {{"key", keyOf(drive.url)},
@@ -147,7 +149,7 @@ void SetupPresenter::updateSuggested() {
 }
 
 bool SetupPresenter::canAdd() const {
-  return model_.destinations().size() < OffloadModel::kMostDestinations;
+  return setup_.destinations().size() < OffloadSetup::kMostDestinations;
 }
 
 QString SetupPresenter::drivesHint() const {
@@ -156,39 +158,40 @@ QString SetupPresenter::drivesHint() const {
 }
 
 QString SetupPresenter::internalWarning() const {
-  if (!model_.onlyInternalCopies()) return {};
+  if (!setup_.onlyInternalCopies()) return {};
   return toText(TextKit::translate("Platform", kWords.onlyThisComputer));
 }
 
 QString SetupPresenter::ejectMessage() const {
-  return toText(model_.ejectMessage());
+  return toText(model_.ejection().message());
 }
 
 void SetupPresenter::removeDestination(int row) {
   if (row >= 0 && row < destinations_.count()) {
-    model_.removeDestination(pathAt(destinations_, row));
+    setup_.removeDestination(pathAt(destinations_, row));
   }
 }
 
 void SetupPresenter::addSuggested(int row) {
   if (row >= 0 && row < suggestedDrives_.count()) {
-    model_.addDestination(pathAt(suggestedDrives_, row));
+    setup_.addDestination(pathAt(suggestedDrives_, row));
   }
 }
 
 void SetupPresenter::addDestination(const QUrl& folder) {
   const Path path = pathOf(folder);
-  if (!path.empty()) model_.addDestination(path);
+  if (!path.empty()) setup_.addDestination(path);
 }
 
 // Folder
 
 QString SetupPresenter::folderName() const {
-  return model_.destinations().empty() ? QString() : lineText(model_.folderName());
+  return setup_.destinations().empty() ? QString()
+                                       : lineText(OffloadKit::folderName(setup_.request()));
 }
 
 QString SetupPresenter::onDrives() const {
-  return toText(SetupTexts::onDrives(model_.destinations().size()));
+  return toText(SetupTexts::onDrives(setup_.destinations().size()));
 }
 
 QStringList SetupPresenter::presetNames() {
@@ -202,13 +205,13 @@ QStringList SetupPresenter::presetNames() {
 bool SetupPresenter::isCustom() const {
   const auto& presets = OffloadKit::FolderPreset::presets();
   return customPreset_ ||
-         std::find(presets.begin(), presets.end(), model_.preset()) == presets.end();
+         std::find(presets.begin(), presets.end(), setup_.options().preset) == presets.end();
 }
 
 int SetupPresenter::presetIndex() const {
   const auto& presets = OffloadKit::FolderPreset::presets();
   if (isCustom()) return static_cast<int>(presets.size()) + 1;
-  return static_cast<int>(std::find(presets.begin(), presets.end(), model_.preset()) -
+  return static_cast<int>(std::find(presets.begin(), presets.end(), setup_.options().preset) -
                           presets.begin());
 }
 
@@ -216,19 +219,19 @@ void SetupPresenter::choosePreset(int index) {
   const auto& presets = OffloadKit::FolderPreset::presets();
   const auto chosen = static_cast<std::size_t>(std::max(index, 0));
   customPreset_ = chosen >= presets.size();
-  if (!customPreset_) model_.setPreset(presets[chosen]);
+  if (!customPreset_) setup_.set(&Options::preset, presets[chosen]);
   emit changed();
 }
 
 QString SetupPresenter::templateText() const {
-  return QString::fromStdString(model_.preset().templateText);
+  return QString::fromStdString(setup_.options().preset.templateText);
 }
 
 void SetupPresenter::setTemplateText(const QString& text) {
   if (text == templateText()) return;
   // Also when it is one of the presets on the way to something longer.
   customPreset_ = true;
-  model_.setPreset({text.toStdString()});
+  setup_.set(&Options::preset, {text.toStdString()});
 }
 
 QString SetupPresenter::tokensHelp() {
@@ -236,15 +239,15 @@ QString SetupPresenter::tokensHelp() {
 }
 
 bool SetupPresenter::needsProject() const {
-  return model_.preset().templateText.find("{project}") != std::string::npos;
+  return setup_.options().preset.templateText.find("{project}") != std::string::npos;
 }
 
 QString SetupPresenter::project() const {
-  return QString::fromStdString(model_.project());
+  return QString::fromStdString(setup_.options().project);
 }
 
 void SetupPresenter::setProject(const QString& project) {
-  if (project != this->project()) model_.setProject(project.toStdString());
+  if (project != this->project()) setup_.set(&Options::project, project.toStdString());
 }
 
 void SetupPresenter::reopen() {
@@ -264,25 +267,27 @@ QStringList SetupPresenter::algorithmNames() {
 
 int SetupPresenter::algorithmIndex() const {
   const auto all = HashKit::allHashAlgorithms();
-  return static_cast<int>(std::find(all.begin(), all.end(), model_.algorithm()) - all.begin());
+  return static_cast<int>(std::find(all.begin(), all.end(), setup_.options().algorithm) -
+                          all.begin());
 }
 
 void SetupPresenter::setAlgorithmIndex(int index) {
   const auto all = HashKit::allHashAlgorithms();
   if (index >= 0 && index < static_cast<int>(all.size())) {
-    model_.setAlgorithm(all[static_cast<std::size_t>(index)]);
+    setup_.set(&Options::algorithm, all[static_cast<std::size_t>(index)]);
   }
 }
 
 QString SetupPresenter::cardImageDetail() const {
-  if (!model_.cardDisk()) return {};
+  const auto source = setup_.source();
+  if (!source->facts.disk) return {};
   std::string name;
-  if (const auto index = model_.imageDestinationIndex()) {
-    const auto facts = model_.destinationFacts(*index);
+  if (const auto index = imageDestination(setup_.request())) {
+    const auto facts = setup_.destinationFacts(*index);
     if (facts) name = SetupTexts::destinationName(*facts);
   }
   // Shown where markup is understood, and a volume can be named anything.
-  return toText(SetupTexts::cardImageDetail(model_.cardDisk()->size, name)).toHtmlEscaped();
+  return toText(SetupTexts::cardImageDetail(source->facts.disk->size, name)).toHtmlEscaped();
 }
 
 QString SetupPresenter::cardImageCaption() const {
@@ -296,7 +301,8 @@ QString SetupPresenter::blocker() const {
 }
 
 QString SetupPresenter::startSummary() const {
-  return toText(SetupTexts::startSummary(model_.sourceSize(), model_.destinations().size()));
+  return toText(
+      SetupTexts::startSummary(setup_.source()->count.bytes, setup_.destinations().size()));
 }
 
 }  // namespace ZephrimarkOffload

@@ -65,7 +65,8 @@ ColumnLayout {
 
         TextLabel {
             Layout.fillWidth: true
-            text: screen.presenter.blocker !== "" ? screen.presenter.blocker : screen.presenter.startSummary
+            text: screen.presenter.blocker !== "" ? screen.presenter.blocker
+                                                  : screen.presenter.startSummary
             textFormat: Text.PlainText
             font: Brand.callout
             color: screen.presenter.blocker !== "" ? Brand.secondaryText : Brand.text

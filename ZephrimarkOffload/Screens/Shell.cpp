@@ -17,12 +17,15 @@ Shell::Shell(OffloadModel& model, PlatformKit::Path home, DonePresenter::PathAct
       done_(model, std::move(reveal), std::move(open)) {
   // Behind the screens' own: when one becomes visible, what it shows is there.
   connect(&model_, &OffloadModel::stageChanged, this, &Shell::stageChanged);
-  connect(&model_, &OffloadModel::ejectChanged, this, &Shell::ejectChanged);
-  for (const auto signal : {&OffloadModel::stageChanged, &OffloadModel::sourceChanged,
-                            &OffloadModel::destinationsChanged, &OffloadModel::optionsChanged,
-                            &OffloadModel::progressChanged, &OffloadModel::ejectChanged}) {
+  connect(&model_.ejection(), &CardEjection::changed, this, &Shell::ejectChanged);
+  for (const auto signal : {&OffloadModel::stageChanged, &OffloadModel::progressChanged}) {
     connect(&model_, signal, this, &Shell::update);
   }
+  for (const auto signal : {&OffloadSetup::sourceChanged, &OffloadSetup::destinationsChanged,
+                            &OffloadSetup::optionsChanged}) {
+    connect(&model_.setup(), signal, this, &Shell::update);
+  }
+  connect(&model_.ejection(), &CardEjection::changed, this, &Shell::update);
   update();
 }
 
@@ -37,17 +40,10 @@ void Shell::update() {
 }
 
 QString Shell::stage() const {
-  switch (model_.stage().kind()) {
-    case Stage::Kind::running:
-      return "running";
-    case Stage::Kind::done:
-      return "done";
-    case Stage::Kind::failed:
-      return "failed";
-    case Stage::Kind::setup:
-      break;
-  }
-  return "setup";
+  const Stage& stage = model_.stage();
+  if (is<Running>(stage)) return "running";
+  if (is<Done>(stage)) return "done";
+  return is<Failed>(stage) ? "failed" : "setup";
 }
 
 QStringList Shell::steps() {
@@ -55,7 +51,8 @@ QStringList Shell::steps() {
 }
 
 QString Shell::failedMessage() const {
-  return lineText(model_.stage().message());
+  const auto* failed = std::get_if<Failed>(&model_.stage());
+  return failed == nullptr ? QString() : lineText(failed->message);
 }
 
 QString Shell::showInFileBrowser() {

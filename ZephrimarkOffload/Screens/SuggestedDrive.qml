@@ -21,7 +21,8 @@ T.Button {
     Accessible.description: free
     Accessible.onPressAction: row.clicked()
 
-    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Return || event.key === Qt.Key_Enter
+    Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Return
+                                                       || event.key === Qt.Key_Enter
     Keys.onReturnPressed: event => pressedByKey(event)
     Keys.onEnterPressed: event => pressedByKey(event)
 

@@ -12,11 +12,13 @@
 
 namespace ZephrimarkOffload {
 
-/// Bytes of a name as one line of a screen.
+/// Bytes of a name as one line of a screen: what is no text, and what would make more lines of it
+/// or steer something, is replaced (see TextKit::singleLineText). All functions here any thread.
 inline QString lineText(std::string_view bytes) {
   return QString::fromStdString(TextKit::singleLineText(bytes));
 }
 
+/// The same for each of several.
 inline QStringList lineTexts(const std::vector<std::string>& lines) {
   QStringList texts;
   for (const std::string& line : lines) texts.push_back(lineText(line));

@@ -62,7 +62,7 @@ class DesktopOnABus : public ::testing::Test {
   }
 
   // All that the application sent so far has arrived.
-  void settle() {
+  void waitForArrival() {
     const QDBusMessage ping = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"),
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"));
@@ -117,7 +117,7 @@ TEST_F(DesktopOnABus, NotifiesInPlainText) {
 TEST_F(DesktopOnABus, ShowsProgressOnTheLauncher) {
   ASSERT_TRUE(bus_->services().connect({}, {}, "com.canonical.Unity.LauncherEntry", kUpdate,
                                        &*services_, SLOT(record(QDBusMessage))));
-  settle();
+  waitForArrival();
   const auto updates = [this] { return services_->calls(kUpdate); };
   desktop_->setBadge(0);
   for (int tenth = 1; tenth < 10; ++tenth) desktop_->setBadge(tenth / 10.0);
@@ -128,7 +128,7 @@ TEST_F(DesktopOnABus, ShowsProgressOnTheLauncher) {
   desktop_->setBadge(2);
   ASSERT_TRUE(until([&] { return updates().size() == 4; }));
   desktop_.reset();  // in the pause behind an update: taking away does not wait
-  settle();
+  waitForArrival();
 
   std::vector<std::pair<double, bool>> shown;
   for (const QDBusMessage& update : updates()) {
@@ -144,7 +144,7 @@ TEST_F(DesktopOnABus, ShowsProgressOnTheLauncher) {
                        {0.1, true}, {0.9, true}, {0, false}, {1, true}, {0, false}}));
 }
 
-TEST_F(DesktopOnABus, HoldsTheComputerAwakeAndLetsGo) {
+TEST_F(DesktopOnABus, InhibitsSleepAndAllowsItAgain) {
   services_->provide(QStringLiteral("org.freedesktop.login1"));
   services_->provide(QStringLiteral("org.gnome.SessionManager"));
   services_->answers[kUninhibit] = [](const QDBusMessage& call) { return call.createReply(); };
@@ -160,11 +160,11 @@ TEST_F(DesktopOnABus, HoldsTheComputerAwakeAndLetsGo) {
     return until([&] { return services_->calls(kInhibit).size() == std::size_t(holds) * 4; });
   };
 
-  desktop_->releaseAwake();
-  desktop_->holdAwake("Copying.");
-  desktop_->holdAwake("Changes nothing.");
+  desktop_->allowSleep();
+  desktop_->inhibitSleep("Copying.");
+  desktop_->inhibitSleep("Changes nothing.");
   ASSERT_TRUE(taken(1));
-  settle();
+  waitForArrival();
   std::vector<QVariantList> asked;
   for (const QDBusMessage& call : services_->calls(kInhibit)) asked.push_back(call.arguments());
   const QString who = "Zephrimark Offload";
@@ -175,13 +175,13 @@ TEST_F(DesktopOnABus, HoldsTheComputerAwakeAndLetsGo) {
                                               {"shutdown", who, why, "delay"}}));
   EXPECT_EQ(open(), 2);
 
-  desktop_->releaseAwake();
+  desktop_->allowSleep();
   EXPECT_TRUE(until([&] { return open() == 0 && services_->calls(kUninhibit).size() == 1; }));
   EXPECT_EQ(services_->calls(kUninhibit).back().arguments(), QVariantList{42U});
 
-  desktop_->holdAwake("Again.");
+  desktop_->inhibitSleep("Again.");
   ASSERT_TRUE(taken(2));
-  settle();
+  waitForArrival();
   EXPECT_EQ(open(), 2);
   desktop_.reset();
   EXPECT_TRUE(until([&] { return open() == 0 && services_->calls(kUninhibit).size() == 2; }));
@@ -193,10 +193,10 @@ TEST_F(DesktopOnABus, GivesBackWhatIsGrantedTooLate) {
   services_->answers[kInhibit] = [](const QDBusMessage&) { return QDBusMessage(); };
   services_->answers[kUninhibit] = [](const QDBusMessage& call) { return call.createReply(); };
   for (const bool byItsEnd : {false, true}) {
-    desktop_->holdAwake("Copying.");
+    desktop_->inhibitSleep("Copying.");
     const std::size_t before = services_->calls(kUninhibit).size();
     ASSERT_TRUE(until([&] { return services_->calls(kInhibit).size() == 3 * (before + 1); }));
-    desktop_->releaseAwake();
+    desktop_->allowSleep();
     if (byItsEnd) desktop_.reset();
     const std::vector<QDBusMessage> calls = services_->calls(kInhibit);
     for (std::size_t i = calls.size() - 3; i < calls.size(); ++i) {
@@ -244,13 +244,13 @@ TEST_F(DesktopOnABus, IsSilentWhereNobodyServes) {
     desktop.requestNotificationPermission();
     desktop.notify("Title", "Body");
     desktop.setBadge(0.5);
-    desktop.holdAwake("Copying.");
+    desktop.inhibitSleep("Copying.");
     int opened = 0;
     FileManager files(connection, [&](const QUrl&) { ++opened; });
     files.reveal("/tmp/x");
     EXPECT_TRUE(until([&] { return opened == 1; }));
-    settle();
-    desktop.releaseAwake();
+    waitForArrival();
+    desktop.allowSleep();
   }
 }
 

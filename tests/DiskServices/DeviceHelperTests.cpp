@@ -35,7 +35,8 @@ class DeviceHelper : public ::testing::Test {
     if (geteuid() != 0) GTEST_SKIP() << "Only the administrator can make block devices.";
   }
 
-  // Runs the helper with this output; answers its status. `prepare` is called in its process before.
+  // Runs the helper with this output; answers its status. `prepare` is called in its process
+  // before.
   int run(
       const std::vector<std::string>& arguments, int output,
       const std::function<void()>& prepare = [] {}) {
@@ -195,7 +196,8 @@ TEST_F(DeviceHelper, GivesAnOrdinaryUserNothingByItself) {
   EXPECT_TRUE(readFile(errors_).ends_with("Permission denied.\n")) << readFile(errors_);
 }
 
-// What it could do beyond its purpose, it would have to call: the names are in the table of symbols.
+// What it could do beyond its purpose, it would have to call: the names are in the table of
+// symbols.
 TEST(DeviceHelperProgram, CannotStartProgramsAndReadsNoEnvironment) {
   const std::string program = readFile(ZEPHRIMARK_DEVICE_HELPER);
   const auto calls = [&](const std::string& function) {

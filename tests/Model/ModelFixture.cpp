@@ -24,7 +24,7 @@ PlatformKit::MountedVolume ModelFixture::driveVolume(const Path& root) {
 }
 
 void ModelFixture::addDrive(const Path& root, std::uint64_t room, std::uint64_t identifier) {
-  questions_->change([&](FakeDiskQuestions& disks) {
+  disks_->change([&](FakeDiskQueries& disks) {
     const PlatformKit::VolumeIdentifier volume{identifier};
     disks.volumes_.push_back(driveVolume(root));
     disks.volumeAnswers_[root] = {PlatformKit::VolumeSpace{2 * room, room}, volume};
@@ -33,7 +33,7 @@ void ModelFixture::addDrive(const Path& root, std::uint64_t room, std::uint64_t 
 }
 
 void ModelFixture::addCard(const Path& root, std::size_t files, std::uint64_t bytes) {
-  questions_->change([&](FakeDiskQuestions& disks) {
+  disks_->change([&](FakeDiskQueries& disks) {
     const PlatformKit::VolumeSpace space{128'000'000'000, 128'000'000'000 - bytes};
     disks.volumes_.push_back(cardVolume(root));
     disks.volumeAnswers_[root] = {space, PlatformKit::VolumeIdentifier{9}};
@@ -48,15 +48,15 @@ OffloadModel& ModelFixture::makeModel() {
   settings_ = std::make_unique<Settings>(settingsPath());
   watcher_ = std::make_unique<PlatformKit::Testing::FakeVolumeWatcher>();
   model_ = std::make_unique<OffloadModel>(
-      OffloadModel::Services{questions_, *watcher_, desktop_, *settings_, clock_, makeRunner_});
+      OffloadModel::Services{disks_, *watcher_, desktop_, *settings_, clock_, makeRunner_});
   return *model_;
 }
 
 OffloadModel& ModelFixture::makeReadyModel() {
   OffloadModel& model = makeModel();
-  model.setSource(card_);
-  model.addDestination(t7_);
-  model.addDestination(raid_);
+  model.setup().setSource(card_);
+  model.setup().addDestination(t7_);
+  model.setup().addDestination(raid_);
   EXPECT_TRUE(waitUntil([&] { return !model.blocker(); })) << model.blocker().value_or("");
   return model;
 }

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "PlatformKit/Linux/LinuxFileSystem.h"
-#include "PlatformKit/Linux/LinuxVolumes.h"
 #include "PlatformKit/Testing/FakeRawDevices.h"
 #include "PlatformKit/Testing/FakeVolumeWatcher.h"
 #include "PlatformKit/Testing/ManualClock.h"
@@ -34,9 +32,9 @@ bool waitUntil(Condition holds) {
 }
 
 /// Disks that a test makes up. A path on a dead volume keeps whoever asks waiting until the end.
-class FakeDiskQuestions final : public DiskQuestions {
+class FakeDiskQueries final : public DiskQueries {
  public:
-  ~FakeDiskQuestions() override = default;
+  ~FakeDiskQueries() override = default;
 
   /// Changes the made-up state.
   template <class Change>
@@ -110,15 +108,15 @@ class FakeDesktop final : public Desktop {
     calls_.push_back("notify " + title.toStdString() + " | " + body.toStdString());
   }
   void setBadge(std::optional<double> fraction) override { badge_ = fraction; }
-  void holdAwake(const QString& reason) override {
-    isAwake_ = true;
-    calls_.push_back("awake " + reason.toStdString());
+  void inhibitSleep(const QString& reason) override {
+    isSleepInhibited_ = true;
+    calls_.push_back("inhibit " + reason.toStdString());
   }
-  void releaseAwake() override { isAwake_ = false; }
+  void allowSleep() override { isSleepInhibited_ = false; }
 
   std::vector<std::string> calls_;
   std::optional<double> badge_;
-  bool isAwake_ = false;
+  bool isSleepInhibited_ = false;
 };
 
 /// A card "/media/A001" and two drives, all made up, and a model on them. The settings are in a
@@ -130,7 +128,7 @@ class ModelFixture : public ::testing::Test {
   const Path raid_ = "/media/RAID";
 
   ModelFixture();
-  ~ModelFixture() override { questions_->revive(); }
+  ~ModelFixture() override { disks_->revive(); }
 
   static PlatformKit::MountedVolume cardVolume(const Path& root);
   static PlatformKit::MountedVolume driveVolume(const Path& root);
@@ -147,7 +145,7 @@ class ModelFixture : public ::testing::Test {
   }
 
   PlatformKit::Testing::TempFolder folder_;
-  std::shared_ptr<FakeDiskQuestions> questions_ = std::make_shared<FakeDiskQuestions>();
+  std::shared_ptr<FakeDiskQueries> disks_ = std::make_shared<FakeDiskQueries>();
   std::unique_ptr<PlatformKit::Testing::FakeVolumeWatcher> watcher_;
   FakeDesktop desktop_;
   PlatformKit::Testing::ManualClock clock_{std::chrono::sys_days{std::chrono::year{2026} / 10 / 7} +

@@ -1,9 +1,7 @@
 // The model on the volumes of this machine: mounts come and go while it looks.
 
-#include "PlatformKit/Linux/LinuxDisks.h"
-#include "PlatformKit/Linux/LinuxMountedVolumes.h"
-#include "PlatformKit/Linux/LinuxVolumeWatcher.h"
-#include "ZephrimarkOffload/Model/SystemDiskQuestions.h"
+#include "Composition/Machine.h"
+#include "ZephrimarkOffload/Model/SystemDiskQueries.h"
 #include "tests/Model/ModelFixture.h"
 #include "tests/PlatformKit/MountedImage.h"
 
@@ -12,14 +10,9 @@
 namespace ZephrimarkOffload {
 namespace {
 
-struct RealMachine {
-  PlatformKit::LinuxFileSystem fileSystem;
-  PlatformKit::LinuxVolumes volumes;
-  PlatformKit::SystemClock clock;
-  PlatformKit::System system{fileSystem, volumes, clock};
-  PlatformKit::LinuxDisks disks{volumes};
-  PlatformKit::LinuxMountedVolumes mountedVolumes;
-  SystemDiskQuestions questions{system, mountedVolumes, disks, nullptr};
+struct RealDisks {
+  Composition::Machine machine;
+  SystemDiskQueries queries{machine.platform(), machine.mountedVolumes(), machine.disks(), nullptr};
 };
 
 TEST(RealVolumesTests, AMountedDriveAppearsIsReadAndDisappears) {
@@ -29,12 +22,12 @@ TEST(RealVolumesTests, AMountedDriveAppearsIsReadAndDisappears) {
   const PlatformKit::Testing::TempFolder folder;
   FakeDesktop desktop;
   Settings settings(QString::fromStdString((folder.path() / "settings.ini").native()));
-  PlatformKit::LinuxVolumeWatcher watcher;
-  const auto machine = std::make_shared<RealMachine>();
-  OffloadModel model({std::shared_ptr<DiskQuestions>(machine, &machine->questions), watcher,
-                      desktop, settings, machine->clock, nullptr});
+  const auto watcher = Composition::Machine::makeVolumeWatcher();
+  const auto disks = std::make_shared<RealDisks>();
+  OffloadModel model({std::shared_ptr<DiskQueries>(disks, &disks->queries), *watcher, desktop,
+                      settings, disks->machine.platform().clock, nullptr});
   const auto find = [&](const Path& root) {
-    const auto& drives = model.drives();
+    const auto& drives = model.setup().drives();
     return std::find_if(drives.begin(), drives.end(),
                         [&](const auto& drive) { return drive.url == root; });
   };
@@ -42,25 +35,25 @@ TEST(RealVolumesTests, AMountedDriveAppearsIsReadAndDisappears) {
   PlatformKit::Testing::MountedImage image(folder.path());
   if (!image.isMounted()) GTEST_SKIP() << "No loop devices here.";
   const Path root = image.point();
-  ASSERT_TRUE(waitUntil([&] { return find(root) != model.drives().end(); }));
+  ASSERT_TRUE(waitUntil([&] { return find(root) != model.setup().drives().end(); }));
   EXPECT_GT(find(root)->capacity, 4'000'000);
   EXPECT_GT(find(root)->available, 0);
   // A disk image is no card.
-  EXPECT_TRUE(std::none_of(model.cards().begin(), model.cards().end(),
+  EXPECT_TRUE(std::none_of(model.setup().cards().begin(), model.setup().cards().end(),
                            [&](const auto& card) { return card.url == root; }));
 
-  model.addDestination(root / "Footage");
-  model.setSource(root);
-  ASSERT_TRUE(waitUntil([&] { return model.sourceFacts().isVolumeRoot; }));
-  ASSERT_TRUE(waitUntil([&] { return model.destinationFacts(0).has_value(); }));
-  EXPECT_FALSE(model.destinationFacts(0)->isInternal);
-  EXPECT_EQ(model.destinationFacts(0)->volumeRoot, root);
-  EXPECT_EQ(model.cardDisk()->size, PlatformKit::Testing::MountedImage::kSize);
+  model.setup().addDestination(root / "Footage");
+  model.setup().setSource(root);
+  ASSERT_TRUE(waitUntil([&] { return model.setup().source()->facts.isVolumeRoot; }));
+  ASSERT_TRUE(waitUntil([&] { return model.setup().destinationFacts(0).has_value(); }));
+  EXPECT_FALSE(model.setup().destinationFacts(0)->isInternal);
+  EXPECT_EQ(model.setup().destinationFacts(0)->volumeRoot, root);
+  EXPECT_EQ(model.setup().source()->facts.disk->size, PlatformKit::Testing::MountedImage::kSize);
 
   image.unmount();
   std::filesystem::remove(root);
-  ASSERT_TRUE(waitUntil([&] { return find(root) == model.drives().end(); }));
-  EXPECT_TRUE(waitUntil([&] { return !model.source(); }));
+  ASSERT_TRUE(waitUntil([&] { return find(root) == model.setup().drives().end(); }));
+  EXPECT_TRUE(waitUntil([&] { return !model.setup().hasSource(); }));
 }
 
 }  // namespace

@@ -36,124 +36,97 @@ OffloadResult resultOf(std::size_t files, std::size_t failed, std::size_t drives
 
 TEST(ReadinessTests, TheFirstReasonCounts) {
   constexpr std::uint64_t kGB = 1'000'000'000;
-  Readiness readiness;
-  EXPECT_EQ(blocker(readiness), "Choose a card to offload.");
-  readiness.hasSource = true;
-  EXPECT_EQ(blocker(readiness), "Add at least one drive to copy to.");
-  readiness.destinations = {{"T7", 100 * kGB}, {"RAID", 100 * kGB}};
-  EXPECT_EQ(blocker(readiness), "Reading the card…");
-  readiness.sourceFileCount = 1;  // one empty file
-  EXPECT_EQ(blocker(readiness), std::nullopt);
-  readiness.sourceSize = 100 * kGB;
-  EXPECT_EQ(blocker(readiness), std::nullopt);
-  readiness.sourceSize += 1;
-  EXPECT_EQ(blocker(readiness), "T7 doesn't have room for this card.");
-  readiness.cardImageSize = 128 * kGB;
-  EXPECT_EQ(blocker(readiness), "T7 doesn't have room for this card and its card image.");
-  readiness.destinations[1].freeSpace = 101 * kGB;
-  EXPECT_EQ(blocker(readiness), "T7 doesn't have room for this card.");
-  readiness.destinations[0].freeSpace = 100 * kGB + 1;
-  EXPECT_EQ(blocker(readiness), "RAID doesn't have room for this card and its card image.");
-  readiness.destinations[1].freeSpace = 229 * kGB;
-  EXPECT_EQ(blocker(readiness), std::nullopt);
-  readiness.destinations[0].freeSpace.reset();
-  EXPECT_EQ(blocker(readiness), "Waiting for T7 to answer…");
+  OffloadKit::PlanRequest request;
+  SourceCount count;
+  EXPECT_EQ(blocker(request, count), "Choose a card to offload.");
+  request.source = "/card";
+  EXPECT_EQ(blocker(request, count), "Add at least one drive to copy to.");
+  request.destinations = {{{"/T7", {}, "T7"}, 100 * kGB}, {{"/RAID", {}, "RAID"}, 100 * kGB}};
+  auto& t7 = request.destinations[0].freeSpace;
+  auto& raid = request.destinations[1].freeSpace;
+  EXPECT_EQ(blocker(request, count), "Reading the card…");
+  count.files = 1;  // an empty one
+  EXPECT_EQ(blocker(request, count), std::nullopt);
+  count.bytes = 100 * kGB;
+  EXPECT_EQ(blocker(request, count), std::nullopt);
+  count.bytes += 1;
+  EXPECT_EQ(blocker(request, count), "T7 doesn't have room for this card.");
+  request.imageOf = {"/dev/sdc", 128 * kGB};
+  EXPECT_EQ(blocker(request, count), "T7 doesn't have room for this card and its card image.");
+  raid = 101 * kGB;
+  EXPECT_EQ(blocker(request, count), "T7 doesn't have room for this card.");
+  t7 = 100 * kGB + 1;
+  EXPECT_EQ(blocker(request, count), "RAID doesn't have room for this card and its card image.");
+  raid = 229 * kGB;
+  EXPECT_EQ(blocker(request, count), std::nullopt);
+  t7.reset();
+  EXPECT_EQ(blocker(request, count), "Waiting for T7 to answer…");
   // A sum that does not fit must not become a small one.
-  readiness.destinations[0].freeSpace = 1;
-  readiness.cardImageSize = UINT64_MAX;
-  readiness.destinations[1].freeSpace = 230 * kGB;
-  EXPECT_EQ(blocker(readiness), "T7 doesn't have room for this card.");
-  readiness.destinations[0].freeSpace = 200 * kGB;
-  EXPECT_EQ(blocker(readiness), "RAID doesn't have room for this card and its card image.");
+  t7 = 1;
+  request.imageOf->size = UINT64_MAX;
+  raid = 230 * kGB;
+  EXPECT_EQ(blocker(request, count), "T7 doesn't have room for this card.");
+  t7 = 200 * kGB;
+  EXPECT_EQ(blocker(request, count), "RAID doesn't have room for this card and its card image.");
 }
 
 TEST(StepTextsTests, EveryStageHasItsSentence) {
-  const OffloadResult verified = resultOf(2, 0, 2);
-  const OffloadResult partly = resultOf(2, 1, 2);
-  const auto running = [](Phase phase) {
-    OffloadProgress progress;
-    progress.phase = phase;
-    return std::optional(progress);
+  const auto done = [](std::size_t failed) {
+    return Done{std::make_shared<const OffloadResult>(resultOf(2, failed, 2))};
   };
-  const std::optional<OffloadProgress> none;
+  const auto running = [](Phase phase) {
+    Running stage{OffloadProgress{}};
+    stage.progress->phase = phase;
+    return stage;
+  };
   const struct {
     Stage stage;
     bool hasSource;
     std::size_t destinations;
     std::optional<std::string> blocker;
-    std::optional<OffloadProgress> progress;
     int step;
     const char* status;
   } cases[] = {
-      {Stage::done(verified),
+      {done(0),
        true,
        2,
        {},
-       none,
        4,
        "Every file is verified on every drive. Check the report before you format the card."},
-      {Stage::done(partly),
+      {done(1),
        true,
        2,
        {},
-       none,
        4,
        "Some files weren't verified on every drive. Don't format the card yet."},
-      {Stage::failed("x"),
+      {Failed{"x"}, true, 2, {}, 2, "The offload couldn't start. See the message below."},
+      {running(Phase::finishing), true, 2, {}, 2, "Writing the report and checksums."},
+      {running(Phase::imaging),
        true,
        2,
        {},
-       none,
-       2,
-       "The offload couldn't start. See the message below."},
-      {Stage::running(),
-       true,
-       2,
-       {},
-       running(Phase::finishing),
-       2,
-       "Writing the report and checksums."},
-      {Stage::running(),
-       true,
-       2,
-       {},
-       running(Phase::imaging),
        2,
        "Saving the card image for Kestrine, then checking it."},
-      {Stage::running(),
+      {running(Phase::verifying),
        true,
        2,
        {},
-       running(Phase::verifying),
        2,
        "Reading every copy back from the drives and comparing it with the card."},
-      {Stage::running(),
+      {running(Phase::copying),
        true,
        1,
        {},
-       running(Phase::copying),
        2,
        "Copying A001 to 1 drive. Keep everything connected."},
-      {Stage::running(),
-       true,
-       3,
-       {},
-       none,
-       2,
-       "Copying A001 to 3 drives. Keep everything connected."},
-      {Stage::setup(), false, 2, "x", none, 0, "Insert a card, or choose a folder to offload."},
-      {Stage::setup(), true, 0, "x", none, 1, "Add the drives to copy to. Two is safer than one."},
-      {Stage::setup(), true, 1, "Reading the card…", none, 2, "Reading the card…"},
-      {Stage::setup(),
-       true,
-       1,
-       {},
-       none,
-       2,
-       "Ready. Check the folder name, then press Start Offload."},
+      {Running{}, true, 3, {}, 2, "Copying A001 to 3 drives. Keep everything connected."},
+      {Choosing{}, false, 2, "x", 0, "Insert a card, or choose a folder to offload."},
+      {Choosing{}, true, 0, "x", 1, "Add the drives to copy to. Two is safer than one."},
+      {Choosing{}, true, 1, "Reading the card…", 2, "Reading the card…"},
+      {Choosing{}, true, 1, {}, 2, "Ready. Check the folder name, then press Start Offload."},
   };
   for (const auto& c : cases) {
-    const StepFacts facts{c.stage, c.hasSource, "A001", c.destinations, c.blocker, c.progress};
+    const StepFacts facts{c.stage, c.hasSource, "A001", c.destinations, c.blocker};
     EXPECT_EQ(stepStatus(facts), c.status);
     EXPECT_EQ(step(facts), c.step) << c.status;
   }

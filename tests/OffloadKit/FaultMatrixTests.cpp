@@ -386,8 +386,8 @@ class FaultMatrix : public OffloadFixture {
       cells.push_back({harmless, onTheCard, drives, size, 0, Intervention{0, 1000}});
       if (row.call != Call::write) return;
       cells.push_back({harmless, onTheCard, drives, size, 0, Intervention{EINTR}, true});
-      // A write that failed is not made good by the next one; a drive that takes nothing and reports
-      // nothing must not hang the run.
+      // A write that failed is not made good by the next one; a drive that takes nothing and
+      // reports nothing must not hang the run.
       if (drives.size() == 1) {
         cells.push_back({row, onTheCard, drives, size, EFBIG, Intervention{EFBIG}, true});
       }

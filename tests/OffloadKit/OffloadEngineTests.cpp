@@ -388,7 +388,8 @@ TEST_F(Offload, stopsWhileTheNextGroupHasBegun) {
   EXPECT_TRUE(run(plan()).allVerified());
 }
 
-// On a drive that does not tell them apart, one's temporary copy would take the place of the other's.
+// On a drive that does not tell them apart, one's temporary copy would take the place of the
+// other's.
 TEST_F(Offload, hasNoTwoCopiesOnTheirWayWhoseNamesDifferInCaseOnly) {
   for (const std::string name : {"a", "b", "c", "d", "e", "f", "g", "h"}) {
     addFile(name, pattern(1000));

@@ -114,8 +114,8 @@ TEST_F(VanishedDrive, takesItsVerdictAlongWhenItGoesBeforeTheNamesAreDurable) {
               ElementsAre(std::pair(1U, because("The drive was disconnected"))));
 }
 
-// Names that were not flushed when a drive began to fail need not be there when it comes back. A name
-// is flushed beside the next file, and known to be when the one after that is on the drive.
+// Names that were not flushed when a drive began to fail need not be there when it comes back. A
+// name is flushed beside the next file, and known to be when the one after that is on the drive.
 TEST_F(VanishedDrive, isToldOnlyWhatWasFlushedBeforeItFailed) {
   for (const char* name : {"a", "b", "c", "d"}) addFile(name, pattern(kChunk));
   bool failing = false;

@@ -33,7 +33,8 @@ QByteArray feed(const QByteArray& version) {
          "\", \"downloadPage\": \"https://zephrimark.example/offload\", \"notes\": \"Faster.\"}\n";
 }
 
-// The values of the headers with this name, which has no case: Qt 6.8 writes it in another one than 6.4.
+// The values of the headers with this name, which has no case: Qt 6.8 writes it in another one than
+// 6.4.
 std::vector<std::string> headersOf(const QByteArray& request, const QByteArray& name) {
   std::vector<std::string> values;
   for (const QByteArray& line : request.split('\n')) {

@@ -24,8 +24,8 @@ struct Answer {
   Manner manner = Manner::whole;
 };
 
-/// An https server on 127.0.0.1, with a certificate of its own that only clientTrust() trusts. Lives
-/// on the thread of the test and needs its event loop. Asks every client to keep a cookie.
+/// An https server on 127.0.0.1, with a certificate of its own that only clientTrust() trusts.
+/// Lives on the thread of the test and needs its event loop. Asks every client to keep a cookie.
 class FeedServer {
  public:
   FeedServer();

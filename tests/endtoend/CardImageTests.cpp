@@ -105,7 +105,8 @@ class CardImage : public testing::Test {
     stream << pattern(kCardSize - kUnused, kFiles);
   }
 
-  // The kernel detaches the device when nobody has it open any more, even if this process is killed.
+  // The kernel detaches the device when nobody has it open any more, even if this process is
+  // killed.
   void attach(const Path& file) {
     device_ = mustRun({"losetup", "-f", "-r", "--direct-io=on", "--show", file});
     loop_ = UniqueFd(open(device_.c_str(), O_RDONLY | O_CLOEXEC));

@@ -34,8 +34,9 @@ TEST_F(Cards, ListsDrivesWithTheirSizesAndDoesNotWaitForADeadServer) {
 #ifdef __SANITIZE_ADDRESS__
   GTEST_SKIP() << "The leak checker waits for every thread, also for one that a dead server keeps.";
 #endif
-  // Two images, of which one is locked, and a server that has never answered anything. Its file system
-  // is mounted by the call that FUSE's own programs use; by the newer ones its type loses its name.
+  // Two images, of which one is locked, and a server that has never answered anything. Its file
+  // system is mounted by the call that FUSE's own programs use; by the newer ones its type loses
+  // its name.
   const std::string mounts =
       "mkdir -p nas My\\ Drive locked; "
       "for name in a b; do truncate -s 8M $name; mkfs.ext4 -q -F $name; done; "

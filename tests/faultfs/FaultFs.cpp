@@ -1,8 +1,8 @@
-// FaultFs BACKING MOUNTPOINT [RULE]...: shows the folder BACKING at MOUNTPOINT, with the faults that
-// the rules ask for (Rules.h). Says "ready" once it does so; ends when it is unmounted, or with the
-// program that started it. Lines written to MOUNTPOINT/.faults in one go replace the rules; read,
-// that file tells how many calls each rule has concerned. No list of files names it. Rules that are
-// given at the start hold no calls.
+// FaultFs BACKING MOUNTPOINT [RULE]...: shows the folder BACKING at MOUNTPOINT, with the faults
+// that the rules ask for (Rules.h). Says "ready" once it does so; ends when it is unmounted, or
+// with the program that started it. Lines written to MOUNTPOINT/.faults in one go replace the
+// rules; read, that file tells how many calls each rule has concerned. No list of files names it.
+// Rules that are given at the start hold no calls.
 #define FUSE_USE_VERSION 31
 
 #include "PlatformKit/Posix/UniqueFd.h"
@@ -131,7 +131,8 @@ int space(const char* /*path*/, struct statvfs* facts) {
 
 int keep(int fd, fuse_file_info* file) {
   if (fd < 0) return -errno;
-  // Whoever wants what is below must get past the kernel's cache, as with a file system of the kernel.
+  // Whoever wants what is below must get past the kernel's cache, as with a file system of the
+  // kernel.
   file->keep_cache = 1;
   file->fh = static_cast<std::uint64_t>(fd);
   return 0;

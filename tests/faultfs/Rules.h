@@ -20,14 +20,16 @@ struct Effect {
 
 /// Decides about every call of the file system. All functions: any thread.
 ///
-/// A rule is a line "CALL [KEY=VALUE]...". CALL is open, openDirect, create, read, readDirect, write,
-/// flush, rename, noReplace, unlink, or any; the Direct ones are those past the cache. Which calls:
+/// A rule is a line "CALL [KEY=VALUE]...". CALL is open, openDirect, create, read, readDirect,
+/// write, flush, rename, noReplace, unlink, or any; the Direct ones are those past the cache. Which
+/// calls:
 ///   at=TEXT       of paths that end with it
 ///   from=N to=N   reads and writes that touch bytes between the two
 ///   nth=N         from the n-th one on
 ///   times=N       no more than so many
-/// What happens: error=NUMBER, short=BYTES, flip=1, delay=MICROSECONDS, or hold=1, which lets the call
-/// wait until there are other rules. Only writes can be short: to the kernel, a short read is a file's end.
+/// What happens: error=NUMBER, short=BYTES, flip=1, delay=MICROSECONDS, or hold=1, which lets the
+/// call wait until there are other rules. Only writes can be short: to the kernel, a short read is
+/// a file's end.
 class Rules {
  public:
   /// Replaces all rules; false, and no change, when one of them means nothing.

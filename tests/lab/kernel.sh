@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# kernel.sh KERNEL ROOT FOLDER: puts the modules of KERNEL, an unpacked kernel package, into the machine's
-# ROOT, and makes FOLDER/vmlinux and FOLDER/initrd, which boot it.
+# kernel.sh KERNEL ROOT FOLDER: puts the modules of KERNEL, an unpacked kernel package, into the
+# machine's ROOT, and makes FOLDER/vmlinux and FOLDER/initrd, which boot it.
 set -euo pipefail
 kernel=$1 root=$2 folder=$3
 version=$(ls "$kernel/lib/modules")
@@ -9,7 +9,8 @@ install_modules() {
   local modules=$kernel/lib/modules/$version/kernel name
   # Drivers of devices that no emulated machine has are most of all bytes.
   rm -rf "$modules"/{sound,net/wireless} \
-    "$modules"/drivers/{gpu,media,net/wireless,net/ethernet,infiniband,iio,staging,hwmon,edac,isdn,video,leds}
+    "$modules"/drivers/{gpu,media,net/wireless,net/ethernet,infiniband,iio} \
+    "$modules"/drivers/{staging,hwmon,edac,isdn,video,leds}
   mkdir -p "$root/usr/lib/modules"
   cp -a "$kernel/lib/modules/$version" "$root/usr/lib/modules/"
   depmod -b "$root" "$version"
@@ -30,7 +31,8 @@ open(sys.argv[2], "wb").write(plain)
 PYTHON
 }
 
-# The modules that / needs, and a shell that loads them. A usual initrd unpacks and probes for much longer.
+# The modules that / needs, and a shell that loads them. A usual initrd unpacks and probes for much
+# longer.
 make_initrd() {
   local initrd=$folder/initrd.d name file
   mkdir -p "$initrd"/{bin,dev,proc,sys,root,modules}

@@ -1,7 +1,8 @@
 #!/bin/bash
-# look-cuts DEVICE COUNT SIZE START TYPE OPTIONS FOLDER CHECK: within the machine, looks at each of the COUNT
-# images of a drive that lie on DEVICE, SIZE bytes apart, with a partition from START on: mounts it as it is
-# after a power cut, looks at FOLDER, and has the file system's checker look at it. Prints a tar of all that.
+# look-cuts DEVICE COUNT SIZE START TYPE OPTIONS FOLDER CHECK: within the machine, looks at each of
+# the COUNT images of a drive that lie on DEVICE, SIZE bytes apart, with a partition from START on:
+# mounts it as it is after a power cut, looks at FOLDER, and has the file system's checker look at
+# it. Prints a tar of all that.
 device=$1 count=$2 size=$3 start=$4 type=$5 options=$6 folder=$7 check=$8
 out=$(mktemp -d)
 

@@ -1,7 +1,8 @@
 #!/bin/bash
-# look FOLDER OUT: within the machine, puts into OUT what FOLDER of a drive holds: OUT/files (size, date and path
-# of each file, then a zero byte), OUT/sums (MD5 and path of each file that can be read), OUT/records (a tar
-# of what the run wrote about itself). All three are empty where there is no such folder.
+# look FOLDER OUT: within the machine, puts into OUT what FOLDER of a drive holds: OUT/files (size,
+# date and path of each file, then a zero byte), OUT/sums (MD5 and path of each file that can be
+# read), OUT/records (a tar of what the run wrote about itself). All three are empty where there is
+# no such folder.
 mkdir -p "$2"
 touch "$2"/{files,sums,records}
 cd "$1" 2>/dev/null || exit 0

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# root.sh FOLDER PACKAGE: makes the disk of a machine in FOLDER, as root.img, vmlinux, initrd and key: a
-# Debian 12 with the kernel's own exFAT and FAT, USB, udev, udisks2, polkit, somebody logged in at its
-# screen, and all that PACKAGE depends on. PACKAGE itself is not in it, so that a new build needs no new
-# disk. Run as root.
+# root.sh FOLDER PACKAGE: makes the disk of a machine in FOLDER, as root.img, vmlinux, initrd and
+# key: a Debian 12 with the kernel's own exFAT and FAT, USB, udev, udisks2, polkit, somebody logged
+# in at its screen, and all that PACKAGE depends on. PACKAGE itself is not in it, so that a new
+# build needs no new disk. Run as root.
 #   ZEPHRIMARK_MIRROR    Debian's packages come from here
 set -euo pipefail
 here=$(dirname "$(readlink -f "$0")")
@@ -22,18 +22,20 @@ packages=(
 install_debian() {
   local needed lean
   # Of alternatives the first.
-  mapfile -t needed < <(dpkg-deb -f "$package" Depends | tr ',' '\n' | sed -e 's/|.*//' -e 's/(.*//' -e 's/ //g')
+  mapfile -t needed < <(dpkg-deb -f "$package" Depends | tr ',' '\n' |
+    sed -e 's/|.*//' -e 's/(.*//' -e 's/ //g')
   lean=(
     --dpkgopt='path-exclude=/usr/share/doc/*' --dpkgopt='path-exclude=/usr/share/man/*'
     --dpkgopt='path-exclude=/usr/share/locale/*'
   )
-  # Unpacked instead of installed, the kernel makes no initrd of its own, which would take long to boot.
-  # shellcheck disable=SC2016
+  # Unpacked instead of installed, the kernel makes no initrd of its own, which would take long to
+  # boot. shellcheck disable=SC2016
   mmdebstrap --mode=root --variant=minbase --format=directory "${lean[@]}" \
     --aptopt='APT::Install-Recommends "false"' \
     --include="$(IFS=, && echo "${packages[*]}"),$(IFS=, && echo "${needed[*]}")" \
     --customize-hook='export APT_CONFIG="$MMDEBSTRAP_APT_CONFIG"
-      kernel=$(apt-cache depends linux-image-amd64 | sed -n "s/.*Depends: \(linux-image-[0-9].*-amd64\)$/\1/p")
+      kernel=$(apt-cache depends linux-image-amd64 |
+        sed -n "s/.*Depends: \(linux-image-[0-9].*-amd64\)$/\1/p")
       cd "$1/.." && apt-get download -o APT::Sandbox::User=root $kernel' \
     bookworm "$root" ${ZEPHRIMARK_MIRROR:+"$ZEPHRIMARK_MIRROR"}
   dpkg-deb -x "$work"/linux-image-*.deb "$work/kernel"
@@ -78,7 +80,8 @@ settle_in() {
   echo '/dev/vda / ext4 noatime 0 0' >"$root/etc/fstab"
   echo virtio_net >"$root/etc/modules-load.d/lab.conf"
   # Work of a computer that stays on, which would only take time from the cases.
-  chroot "$root" systemctl mask --quiet apt-daily.timer apt-daily-upgrade.timer dpkg-db-backup.timer \
+  chroot "$root" systemctl mask --quiet \
+    apt-daily.timer apt-daily-upgrade.timer dpkg-db-backup.timer \
     e2scrub_all.timer fstrim.timer man-db.timer systemd-pcrphase.service
 }
 

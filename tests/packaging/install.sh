@@ -55,7 +55,8 @@ grep -qF ">$prefix/libexec/zephrimark-open-device<" "$prefix/share/polkit-1/acti
 # What is told of the options, where people look for them.
 man1=$prefix/share/man/man1
 for command in '' offload cards disks; do
-  for option in $(zephrimark $command --help | grep -oE '^ +(-h,)?--[a-z-]+' | grep -oE -- '--[a-z-]+'); do
+  for option in $(zephrimark $command --help | grep -oE '^ +(-h,)?--[a-z-]+' |
+    grep -oE -- '--[a-z-]+'); do
     grep -qE "(Fl|It Fl h , Fl) -${option#--}( |\$)" "$man1/zephrimark.1" ||
       fault "zephrimark(1) lacks $option."
     for shell in bash-completion/completions/zephrimark zsh/site-functions/_zephrimark; do

@@ -49,8 +49,8 @@ class FaultyFolder {
   std::uint32_t connection_ = 0;
 };
 
-/// An image that is mounted as a disk of a file system that Debian can make: "ext4", "xfs", "btrfs",
-/// or in user space "exfat" and "ntfs". One thread.
+/// An image that is mounted as a disk of a file system that Debian can make: "ext4", "xfs",
+/// "btrfs", or in user space "exfat" and "ntfs". One thread.
 class Disk {
  public:
   /// `image` is made when it is not there yet. Throws std::runtime_error when something is missing.

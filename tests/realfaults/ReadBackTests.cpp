@@ -138,7 +138,8 @@ TEST_F(ReadBack, ComesFromTheMediumOfADisk) {
   if (!missing.empty()) GTEST_SKIP() << missing;
 }
 
-// Their processes read the device through the kernel's cache, which only the administrator can empty.
+// Their processes read the device through the kernel's cache, which only the administrator can
+// empty.
 TEST_F(ReadBack, ComesFromTheDevicesCacheForExfatAndNtfsInUserSpace) {
   for (const char* type : {"exfat", "ntfs"}) {
     SCOPED_TRACE(type);

@@ -41,8 +41,8 @@ class InMemory final : public testing::Environment {
 };
 const auto* const kInMemory = testing::AddGlobalTestEnvironment(new InMemory);
 
-// One buffer for each destination, for the transfer and for the card's second reading; the program and
-// its libraries; and what is remembered of each file.
+// One buffer for each destination, for the transfer and for the card's second reading; the program
+// and its libraries; and what is remembered of each file.
 double allowedMiB(std::size_t destinations, std::size_t files) {
   constexpr double kBuffer = 8;
   constexpr double kProgram = 24;

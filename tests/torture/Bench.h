@@ -48,8 +48,8 @@ struct Variant {
 };
 
 /// A card and two drives in a temporary folder, on which earlier runs and other people left things:
-/// a verified copy with its records, a copy that nobody knows anything about, a different file under
-/// the name of a clip, and files that have nothing to do with the card.
+/// a verified copy with its records, a copy that nobody knows anything about, a different file
+/// under the name of a clip, and files that have nothing to do with the card.
 class Bench {
  public:
   static constexpr std::size_t kDrives = 2;

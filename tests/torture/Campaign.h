@@ -39,16 +39,16 @@ Tally cutPower(const Variant& variant, std::size_t cuts, std::uint64_t seed, con
 /// root and e2fsprogs, none without. One worst case each: what the kernel had not written.
 std::optional<Tally> cutRealPower(const Variant& variant, std::size_t cuts);
 
-/// Lets drive 0 die before at most `points` of its calls of the seam, spread evenly, in the two ways in
-/// which drives die: the kernel goes on taking changes and keeps them in memory, or refuses them. The
-/// run goes on with the other drive; then drive 0 comes back with what had been flushed, and all that
-/// the run called verified has to be there.
+/// Lets drive 0 die before at most `points` of its calls of the seam, spread evenly, in the two
+/// ways in which drives die: the kernel goes on taking changes and keeps them in memory, or refuses
+/// them. The run goes on with the other drive; then drive 0 comes back with what had been flushed,
+/// and all that the run called verified has to be there.
 Tally killDrive(const Variant& variant, std::size_t points, std::uint64_t seed,
                 const Wrap& wrap = {});
 
-/// Runs with one fault per file until `flips` bits were flipped or names taken, at random places and
-/// moments: while writing, on the medium before and during the read-back, on the card at its first
-/// and at its second reading, and in copies from earlier runs.
+/// Runs with one fault per file until `flips` bits were flipped or names taken, at random places
+/// and moments: while writing, on the medium before and during the read-back, on the card at its
+/// first and at its second reading, and in copies from earlier runs.
 Tally corrupt(std::size_t flips, std::uint64_t seed, bool verifySource, const Wrap& wrap = {});
 
 }  // namespace Torture

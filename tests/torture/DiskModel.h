@@ -74,8 +74,8 @@ enum class Names { lost, kept, some };
 /// What a power cut leaves of drives, at its worst. It assumes no more than this:
 ///
 /// - fsync(2) of a file: its content, size and dates are on the drive when it returns, and nothing
-///   is said about its name ("does not necessarily ensure that the entry in the directory containing
-///   the file has also reached disk").
+///   is said about its name ("does not necessarily ensure that the entry in the directory
+///   containing the file has also reached disk").
 /// - fsync(2) of a folder: the names in it are on the drive, not those of the folder itself.
 /// - syncfs(2): all of the volume is.
 /// - rename(2) is atomic: after a cut one of the two names is there, and a name that was replaced
@@ -89,7 +89,8 @@ enum class Names { lost, kept, some };
 /// and of content that was not flushed any sector may be there, zero, garbage or missing.
 class DiskModel {
  public:
-  /// `flushed` is on the drives. `cached` was written on top of that by somebody who flushed nothing.
+  /// `flushed` is on the drives. `cached` was written on top of that by somebody who flushed
+  /// nothing.
   DiskModel(const Snapshot& flushed, const Snapshot& cached, bool fat = false);
 
   void apply(const Step& step);

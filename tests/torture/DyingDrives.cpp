@@ -10,9 +10,10 @@ namespace {
 
 /// What the kernel makes of changes on a drive that is not there any more.
 enum class Death {
-  silent,    ///< as of a pulled FAT or exFAT drive: it takes them, and only flushes fail
-  refusing,  ///< as of ext4 whose journal failed: it takes none, but says yes to the flush of folders
-             ///< and of the volume, for which there is nothing left to do
+  silent,  ///< as of a pulled FAT or exFAT drive: it takes them, and only flushes fail
+  /// As of ext4 whose journal failed: it takes none, but says yes to the flush of folders.
+  refusing,
+  ///< and of the volume, for which there is nothing left to do
 };
 
 /// One drive of all that a recorder sees dies before one of its calls.

@@ -28,7 +28,8 @@ ENGLISH = {
 def untranslated(path):
     source = path.read_text()
     source = re.sub(r"(?m)^\s*(?://|///|#).*$|\s//[^\"\n]*$", "", source)
-    source = re.sub(r'"\s*\n\s*"', "", source)
+    # Parts of one text: C++ joins them by itself, QML with a plus.
+    source = re.sub(r'"\s*\n\s*(?:\+ )?"', "", source)
     for match in LITERAL.finditer(source):
         before = source[:match.start()]
         text = match[1]

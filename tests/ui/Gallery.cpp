@@ -57,12 +57,12 @@ int main(int argc, char** argv) {
   laidOut.start(200);
 
   bool failed = false;
-  QTimer settled;
-  settled.setSingleShot(true);
-  QObject::connect(&settled, &QTimer::timeout, window, [&] {
+  QTimer still;
+  still.setSingleShot(true);
+  QObject::connect(&still, &QTimer::timeout, window, [&] {
     failed = !window->grabWindow().save(arguments.positionalArguments().constFirst());
     QCoreApplication::quit();
   });
-  if (!arguments.positionalArguments().isEmpty()) settled.start(900);
+  if (!arguments.positionalArguments().isEmpty()) still.start(900);
   return QGuiApplication::exec() != 0 || failed ? 1 : 0;
 }

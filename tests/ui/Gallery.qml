@@ -75,7 +75,8 @@ Window {
         objectName: "confirm"
         symbol: "exclamationmark.triangle.fill"
         title: "Stop the offload?"
-        message: "Files that are already verified stay on the drives. The rest of the card is not copied."
+        message: "Files that are already verified stay on the drives. "
+                  + "The rest of the card is not copied."
         confirmText: "Stop Offload"
         cancelText: "Keep Copying"
         onClosed: window.confirming = false

@@ -26,7 +26,9 @@ ColumnLayout {
             ColumnLayout {
                 spacing: 0
                 TextLabel { text: row.modelData[0]; font: Brand.bodyStrong }
-                TextLabel { text: row.modelData[1]; font: Brand.caption; color: Brand.secondaryText }
+                TextLabel {
+                    text: row.modelData[1]; font: Brand.caption; color: Brand.secondaryText
+                }
             }
             Item { Layout.fillWidth: true }
             PushButton { symbol: "eject"; borderless: true; tip: "Eject" }
@@ -41,10 +43,17 @@ ColumnLayout {
         PushButton { text: "Off"; enabled: false }
         PushButton { text: "Destroy"; prominent: true; destructive: true }
         PushButton { text: "Add"; borderless: true }
-        TextLabel { Layout.fillWidth: true; elide: Text.ElideRight; text: "1,204 files · 64.2 GB · Canon"; font: Brand.callout; color: Brand.secondaryText }
+        TextLabel {
+            Layout.fillWidth: true; elide: Text.ElideRight
+            text: "1,204 files · 64.2 GB · Canon"; font: Brand.callout
+            color: Brand.secondaryText
+        }
     }
 
-    SectionTitle { title: "Copy to"; detail: "Up to 3 drives, written at the same time"; symbol: "externaldrive"; Layout.fillWidth: true; Layout.topMargin: Brand.small }
+    SectionTitle {
+        title: "Copy to"; detail: "Up to 3 drives, written at the same time"
+        symbol: "externaldrive"; Layout.fillWidth: true; Layout.topMargin: Brand.small
+    }
 
     Panel {
         Layout.fillWidth: true
@@ -52,7 +61,10 @@ ColumnLayout {
         contentItem: RowLayout {
             spacing: 10
             Icon { name: "externaldrive.fill"; color: Brand.accent; size: 20 }
-            ElidedLabel { objectName: "elided"; Layout.preferredWidth: 240; text: "/media/someone/T7 Shield/Footage/2025-05-03/EOS_DIGITAL" }
+            ElidedLabel {
+                objectName: "elided"; Layout.preferredWidth: 240
+                text: "/media/someone/T7 Shield/Footage/2025-05-03/EOS_DIGITAL"
+            }
             Item { Layout.fillWidth: true }
             TextLabel { text: "20.3 GB free"; font: Brand.callout; color: Brand.red }
             PushButton { symbol: "minus.circle"; borderless: true; tip: "Remove" }
@@ -66,20 +78,34 @@ ColumnLayout {
         contentItem: RowLayout {
             spacing: 10
             Icon { name: "exclamationmark.triangle.fill"; color: Brand.orange }
-            TextLabel { Layout.fillWidth: true; text: "RAID is almost full. 64.2 GB are needed, 20.3 GB are free."; font: Brand.callout }
+            TextLabel {
+                Layout.fillWidth: true
+                text: "RAID is almost full. 64.2 GB are needed, 20.3 GB are free."
+                font: Brand.callout
+            }
         }
     }
 
     RowLayout {
         spacing: Brand.small
         TextLabel { text: "Name" }
-        TextEntry { objectName: "entry"; mono: true; text: "{date}/{card}"; Layout.preferredWidth: 240; tip: "A folder on each drive" }
+        TextEntry {
+            objectName: "entry"; mono: true; text: "{date}/{card}"; Layout.preferredWidth: 240
+            tip: "A folder on each drive"
+        }
         TextEntry { placeholderText: "Note for the report"; Layout.preferredWidth: 180 }
         TextLabel { text: "Checksum" }
-        Picker { objectName: "picker"; name: "Checksum"; model: ["XXH64", "MD5", "---", "SHA-1", "C4"] }
+        Picker {
+            objectName: "picker"; name: "Checksum"
+            model: ["XXH64", "MD5", "---", "SHA-1", "C4"]
+        }
     }
 
-    Toggle { objectName: "toggle"; Layout.fillWidth: true; text: "Read the card twice"; trailing: "about <b>4 min</b> longer"; caption: "Finds a card reader that delivers different data on a second reading." }
+    Toggle {
+        objectName: "toggle"; Layout.fillWidth: true; text: "Read the card twice"
+        trailing: "about <b>4 min</b> longer"
+        caption: "Finds a card reader that delivers different data on a second reading."
+    }
     Toggle { Layout.fillWidth: true; text: "Card image"; checked: true }
 
     ProgressLine { objectName: "progress"; Layout.fillWidth: true; value: 0.46 }
@@ -100,12 +126,18 @@ ColumnLayout {
         Layout.fillWidth: true
         spacing: 10
         Repeater {
-            model: ["sdcard", "folder", "externaldrive", "externaldrive.fill", "laptopcomputer", "checkmark",
-                "checkmark.circle.fill", "checkmark.seal.fill", "circle", "plus.circle", "minus.circle",
-                "exclamationmark.triangle", "exclamationmark.triangle.fill", "exclamationmark.circle.fill",
-                "checkmark.shield", "info.circle", "arrow.down.doc", "opticaldiscdrive", "eject", "chevron.down",
-                "xmark", "ellipsis", "menu", "doc.text", "arrow.clockwise", "spinner", "appicon"]
-            Icon { required property string modelData; name: modelData; size: 22; color: Brand.text }
+            model: ["sdcard", "folder", "externaldrive", "externaldrive.fill",
+                "laptopcomputer", "checkmark",
+                "checkmark.circle.fill", "checkmark.seal.fill", "circle", "plus.circle",
+                "minus.circle",
+                "exclamationmark.triangle", "exclamationmark.triangle.fill",
+                "exclamationmark.circle.fill",
+                "checkmark.shield", "info.circle", "arrow.down.doc", "eject",
+                "chevron.down",
+                "menu", "doc.text", "arrow.clockwise", "spinner", "appicon"]
+            Icon {
+                required property string modelData; name: modelData; size: 22; color: Brand.text
+            }
         }
     }
     RowLayout {

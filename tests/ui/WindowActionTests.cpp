@@ -11,7 +11,9 @@ namespace {
 
 namespace Demo = ZephrimarkOffload::Demo;
 using PlatformKit::Path;
-using ZephrimarkOffload::Stage;
+using ZephrimarkOffload::Choosing;
+using ZephrimarkOffload::Done;
+using ZephrimarkOffload::Running;
 
 const Path kShuttle = "/media/kim/Shuttle 1";
 const Path kBackup = "/media/kim/Backup";
@@ -19,8 +21,9 @@ const Path kArchive = "/media/kim/Archive";
 
 class WindowActions : public WindowTest {
  protected:
-  bool reaches(Stage::Kind kind) {
-    return QTest::qWaitFor([&] { return model().stage().kind() == kind; });
+  template <class Stage>
+  bool reaches() {
+    return QTest::qWaitFor([&] { return ZephrimarkOffload::is<Stage>(model().stage()); });
   }
 
   /// Whether a dialog for folders with this title opened; closes it.
@@ -77,16 +80,16 @@ class WindowActions : public WindowTest {
 TEST_F(WindowActions, cardAndDrivesAreChosen) {
   open("setup-ready");
   click("DRONE");
-  EXPECT_EQ(model().source(), Path("/media/kim/DRONE"));
+  EXPECT_EQ(model().setup().source()->path, Path("/media/kim/DRONE"));
   click("DRONE");
   EXPECT_TRUE(control("DRONE")->property("checked").toBool()) << "a second click unchecks it";
   EXPECT_TRUE(shows("86 files · 21.48 GB · DJI"));
 
   click("Add Archive");
-  EXPECT_EQ(model().destinations(), (std::vector<Path>{kShuttle, kBackup, kArchive}));
+  EXPECT_EQ(model().setup().destinations(), (std::vector<Path>{kShuttle, kBackup, kArchive}));
   EXPECT_TRUE(hides("Choose Folder…")) << "there is no place for a fourth";
   click("Remove");
-  EXPECT_EQ(model().destinations(), (std::vector<Path>{kBackup, kArchive}));
+  EXPECT_EQ(model().setup().destinations(), (std::vector<Path>{kBackup, kArchive}));
   EXPECT_TRUE(shows("Add Shuttle 1"));
 
   click("Use a Folder…");
@@ -115,21 +118,21 @@ TEST_F(WindowActions, folderAndChecksAreChosen) {
 
   click("Checksum");
   click("SHA-256");
-  EXPECT_EQ(model().algorithm(), HashKit::HashAlgorithm::sha256);
+  EXPECT_EQ(model().setup().options().algorithm, HashKit::HashAlgorithm::sha256);
   click("Read the card twice");
   click("Eject the card when verified");
   click("Save a card image for Kestrine");
-  EXPECT_FALSE(model().verifySource());
-  EXPECT_TRUE(model().ejectWhenDone());
-  EXPECT_TRUE(model().saveCardImage());
+  EXPECT_FALSE(model().setup().options().verifySource);
+  EXPECT_TRUE(model().setup().options().ejectWhenDone);
+  EXPECT_TRUE(model().setup().options().saveCardImage);
 }
 
 TEST_F(WindowActions, foldersAreDroppedOnTheHalves) {
   open("setup-ready");
   const Path folder = drop(0.25);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return model().source() == folder; }));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return model().setup().source()->path == folder; }));
   drop(0.75);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return model().destinations().back() == folder; }));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return model().setup().destinations().back() == folder; }));
   EXPECT_TRUE(shows("Available when offloading a whole card."));
 }
 
@@ -138,7 +141,7 @@ TEST_F(WindowActions, anOffloadIsStoppedOnlyWhenThatIsMeant) {
   scene.script = Demo::sceneNamed("running")->script;
   open(scene);
   click("Start Offload");
-  ASSERT_TRUE(reaches(Stage::Kind::running));
+  ASSERT_TRUE(reaches<Running>());
   ASSERT_TRUE(shows("37%"));
   for (const Qt::Key refusal : {Qt::Key_Escape, Qt::Key_Return}) {
     press(Qt::Key_Escape);
@@ -146,14 +149,14 @@ TEST_F(WindowActions, anOffloadIsStoppedOnlyWhenThatIsMeant) {
     ASSERT_TRUE(QTest::qWaitFor([this] { return focusedName() == "Keep Going"; }));
     press(refusal);
     ASSERT_TRUE(hides("Stop the offload?"));
-    EXPECT_FALSE(model().isStopping());
+    EXPECT_FALSE(std::get<Running>(model().stage()).isStopping);
   }
   click("Stop");
   ASSERT_TRUE(QTest::qWaitFor([this] { return focusedName() == "Keep Going"; }));
   press(Qt::Key_Tab);
   EXPECT_EQ(focusedName(), "Stop");
   press(Qt::Key_Space);
-  EXPECT_TRUE(reaches(Stage::Kind::setup));
+  EXPECT_TRUE(reaches<Choosing>());
   EXPECT_TRUE(hides("Stop the offload?"));
   EXPECT_TRUE(window().isVisible());
 }
@@ -171,7 +174,7 @@ TEST_F(WindowActions, theWindowClosesOnceTheOffloadHasStopped) {
   press(Qt::Key_Tab);
   press(Qt::Key_Space);
   EXPECT_TRUE(QTest::qWaitFor([this] { return !window().isVisible(); }));
-  EXPECT_EQ(model().stage().kind(), Stage::Kind::setup);
+  EXPECT_TRUE(reaches<Choosing>());
 }
 
 TEST_F(WindowActions, theDoneScreenLeadsOn) {
@@ -186,7 +189,7 @@ TEST_F(WindowActions, theDoneScreenLeadsOn) {
   EXPECT_TRUE(QTest::qWaitFor([this] { return control("Eject Card") == nullptr; }));
   EXPECT_EQ(control("Try Again"), nullptr);
   pressReturnFor("New Offload");
-  EXPECT_TRUE(reaches(Stage::Kind::setup));
+  EXPECT_TRUE(reaches<Choosing>());
   EXPECT_TRUE(shows("Start Offload"));
 }
 
@@ -200,11 +203,11 @@ TEST_F(WindowActions, aFailureIsTriedAgainOrLeft) {
   open(scene);
   ASSERT_EQ(runs, 1);
   click("Try Again");
-  ASSERT_TRUE(reaches(Stage::Kind::done));
+  ASSERT_TRUE(reaches<Done>());
   EXPECT_EQ(runs, 2);
   open("failed");
   pressReturnFor("Back");
-  EXPECT_TRUE(reaches(Stage::Kind::setup));
+  EXPECT_TRUE(reaches<Choosing>());
 }
 
 TEST_F(WindowActions, theMenuOpensByItsKey) {

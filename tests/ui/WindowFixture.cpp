@@ -54,7 +54,7 @@ void WindowTest::open(Demo::Scene scene, QSize size) {
   ASSERT_TRUE(demo_->isShown());
   window().requestActivate();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
-  ASSERT_TRUE(QTest::qWaitFor([this] { return demo_->isSettled(); }));
+  ASSERT_TRUE(QTest::qWaitFor([this] { return demo_->isReady(); }));
 }
 
 std::vector<QQuickItem*> WindowTest::items() const {

@@ -1,8 +1,7 @@
-#include "ZephrimarkOffload/Model/VolumeBoard.h"
+#include "ZephrimarkOffload/Model/VolumeMonitor.h"
 
 #include <algorithm>
 #include <chrono>
-#include <utility>
 
 namespace ZephrimarkOffload {
 namespace {
@@ -19,43 +18,39 @@ bool isOffered(const MountedVolume& volume) {
 
 }  // namespace
 
-VolumeBoard::VolumeBoard(Background& background, std::function<void(const Lists&)> publish)
-    : background_(background), publish_(std::move(publish)) {
+VolumeMonitor::VolumeMonitor(Background& background, Changed changed)
+    : background_(background), changed_(std::move(changed)) {
   patience_.setSingleShot(true);
   patience_.setInterval(kPatience);
-  patience_.callOnTimeout([this] { tell(); });
+  patience_.callOnTimeout([this] { publish(); });
 }
 
-void VolumeBoard::refresh(const std::optional<Path>& source) {
-  isListed_ = false;
-  isSourceKnown_ = !source;
+void VolumeMonitor::refresh(const Path& source) {
+  volumes_.reset();
   source_ = source;
-  gone_.reset();
+  presence_ = source.empty() ? Presence::there : Presence::unknown;
   patience_.start();
   // An answer to a question from before an event tells of a state that is past.
   const int round = ++round_;
   background_.ask(
-      "volumes", [](DiskQuestions& questions) { return questions.volumes(); },
+      "volumes", [](DiskQueries& disks) { return disks.volumes(); },
       [this, round](const std::vector<MountedVolume>& volumes) {
         if (round == round_) listed(volumes);
       });
-  if (!source) return;
+  if (source.empty()) return;
   background_.ask(
-      "exists " + source->native(),
-      [path = *source](DiskQuestions& questions) { return questions.exists(path); },
-      [this, round, path = *source](bool exists) {
+      "exists " + source.native(), [source](DiskQueries& disks) { return disks.exists(source); },
+      [this, round](bool exists) {
         if (round != round_) return;
-        isSourceKnown_ = true;
-        if (!exists) gone_ = path;
+        presence_ = exists ? Presence::there : Presence::gone;
         publishIfComplete();
       });
 }
 
-void VolumeBoard::listed(const std::vector<MountedVolume>& volumes) {
+void VolumeMonitor::listed(const std::vector<MountedVolume>& volumes) {
   volumes_ = volumes;
-  isListed_ = true;
   waiting_.clear();
-  for (const MountedVolume& volume : volumes_) {
+  for (const MountedVolume& volume : volumes) {
     if (isOffered(volume)) waiting_.insert(volume.root);
   }
   // What is known from before is shown until there is something newer.
@@ -63,7 +58,7 @@ void VolumeBoard::listed(const std::vector<MountedVolume>& volumes) {
   for (const Path& offered : std::set(waiting_)) {
     background_.ask(
         "volume " + offered.native(),
-        [root = offered](DiskQuestions& questions) { return questions.volume(root); },
+        [root = offered](DiskQueries& disks) { return disks.volume(root); },
         [this, root = offered](const VolumeAnswers& answers) {
           if (waiting_.erase(root) == 0 && !answers_.contains(root)) return;
           answers_[root] = answers;
@@ -73,28 +68,30 @@ void VolumeBoard::listed(const std::vector<MountedVolume>& volumes) {
   publishIfComplete();
 }
 
-void VolumeBoard::publishIfComplete() {
-  const bool isComplete = isListed_ && isSourceKnown_ && waiting_.empty();
+void VolumeMonitor::publishIfComplete() {
+  const bool isComplete = volumes_ && presence_ != Presence::unknown && waiting_.empty();
   // After the moment has passed, each late answer counts by itself.
-  if (isComplete || (isListed_ && !patience_.isActive())) tell();
+  if (isComplete || !patience_.isActive()) publish();
 }
 
-void VolumeBoard::tell() {
+void VolumeMonitor::publish() {
+  if (!volumes_) return;
   patience_.stop();
-  if (!isListed_) return;
-  Lists lists;
-  for (const MountedVolume& volume : volumes_) {
+  cards_.clear();
+  drives_.clear();
+  for (const MountedVolume& volume : *volumes_) {
     const auto answers = answers_.find(volume.root);
     const auto space = answers == answers_.end() ? std::nullopt : answers->second.space;
-    if (DeviceKit::isDrive(volume)) lists.drives.push_back(DeviceKit::driveRow(volume, space));
-    if (DeviceKit::isCard(volume)) lists.cards.push_back(DeviceKit::cardRow(volume, space));
+    if (DeviceKit::isDrive(volume)) drives_.push_back(DeviceKit::driveRow(volume, space));
+    if (DeviceKit::isCard(volume)) cards_.push_back(DeviceKit::cardRow(volume, space));
   }
+  const bool isGone = presence_ == Presence::gone;
   // Told once: what is chosen after that is asked about anew.
-  lists.gone = std::exchange(gone_, std::nullopt);
-  publish_(lists);
+  if (isGone) presence_ = Presence::there;
+  changed_(isGone ? std::optional(source_) : std::nullopt);
 }
 
-std::optional<PlatformKit::VolumeIdentifier> VolumeBoard::identifier(const Path& root) const {
+std::optional<PlatformKit::VolumeIdentifier> VolumeMonitor::identifier(const Path& root) const {
   const auto answers = answers_.find(root);
   return answers == answers_.end() ? std::nullopt : answers->second.identifier;
 }

@@ -1,4 +1,4 @@
-#include "ZephrimarkOffload/Desktop/AwakeHolder.h"
+#include "ZephrimarkOffload/Desktop/SleepInhibitor.h"
 
 #include "ZephrimarkOffload/Desktop/BusAnswer.h"
 
@@ -30,7 +30,7 @@ void uninhibit(const QDBusConnection& session, uint cookie) {
   static_cast<void>(session.asyncCall(message));
 }
 
-// Requests outlive the holder, so that a grant that comes late can be given back.
+// Requests outlive the inhibitor, so that a grant that comes late can be given back.
 QObject& requestOwner() {
   return *QCoreApplication::instance();
 }
@@ -38,7 +38,7 @@ QObject& requestOwner() {
 }  // namespace
 
 // Everything that was granted; its end gives it back.
-class AwakeHolder::Grants {
+class SleepInhibitor::Grants {
  public:
   explicit Grants(QDBusConnection session) : session_(std::move(session)) {}
   ~Grants() {
@@ -62,8 +62,8 @@ class AwakeHolder::Grants {
   std::vector<QDBusUnixFileDescriptor> descriptors_;  // logind waits until they are closed
 };
 
-void AwakeHolder::Grants::askSessionManager(const std::shared_ptr<Grants>& grants,
-                                            const QString& reason) {
+void SleepInhibitor::Grants::askSessionManager(const std::shared_ptr<Grants>& grants,
+                                               const QString& reason) {
   constexpr uint kNoWindow = 0;
   constexpr uint kLogout = 1;
   constexpr uint kSuspend = 4;
@@ -83,9 +83,9 @@ void AwakeHolder::Grants::askSessionManager(const std::shared_ptr<Grants>& grant
                });
 }
 
-void AwakeHolder::Grants::askLogind(const std::weak_ptr<Grants>& grants,
-                                    const QDBusConnection& system, const QString& what,
-                                    const QString& reason, bool block, bool orDelay) {
+void SleepInhibitor::Grants::askLogind(const std::weak_ptr<Grants>& grants,
+                                       const QDBusConnection& system, const QString& what,
+                                       const QString& reason, bool block, bool orDelay) {
   QDBusMessage message = QDBusMessage::createMethodCall(
       QStringLiteral("org.freedesktop.login1"), QStringLiteral("/org/freedesktop/login1"),
       QStringLiteral("org.freedesktop.login1.Manager"), QStringLiteral("Inhibit"));
@@ -93,7 +93,7 @@ void AwakeHolder::Grants::askLogind(const std::weak_ptr<Grants>& grants,
           << (block ? QStringLiteral("block") : QStringLiteral("delay"));
   whenAnswered(system.asyncCall(message), requestOwner(), [=](const QDBusPendingCall& answer) {
     const auto holding = grants.lock();
-    if (!holding) return;  // released meanwhile; the descriptor is closed with the answer
+    if (!holding) return;  // allowed meanwhile; the descriptor is closed with the answer
     const QDBusPendingReply<QDBusUnixFileDescriptor> descriptor = answer;
     if (descriptor.isValid()) {
       holding->add(descriptor.value());
@@ -103,12 +103,12 @@ void AwakeHolder::Grants::askLogind(const std::weak_ptr<Grants>& grants,
   });
 }
 
-AwakeHolder::AwakeHolder(const QDBusConnection& session, const QDBusConnection& system)
+SleepInhibitor::SleepInhibitor(const QDBusConnection& session, const QDBusConnection& system)
     : session_(session), system_(system) {}
 
-AwakeHolder::~AwakeHolder() = default;
+SleepInhibitor::~SleepInhibitor() = default;
 
-void AwakeHolder::hold(const QString& reason) {
+void SleepInhibitor::inhibit(const QString& reason) {
   if (grants_) return;
   grants_ = std::make_shared<Grants>(session_);
   if (session_.isConnected()) Grants::askSessionManager(grants_, reason);
@@ -118,7 +118,7 @@ void AwakeHolder::hold(const QString& reason) {
   Grants::askLogind(grants_, system_, QStringLiteral("shutdown"), reason, true, true);
 }
 
-void AwakeHolder::release() {
+void SleepInhibitor::allow() {
   grants_.reset();
 }
 

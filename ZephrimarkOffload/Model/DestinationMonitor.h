@@ -11,13 +11,14 @@
 
 namespace ZephrimarkOffload {
 
-/// Keeps what is known of the chosen destinations, asked in the background again and again, since
-/// other programs fill drives too. Main thread.
-class DestinationBoard {
+/// Keeps what is known of the chosen destinations, asked in the background every two seconds, since
+/// other programs fill drives too. A destination on a dead volume keeps nobody waiting but itself.
+/// Main thread, with an event loop.
+class DestinationMonitor {
  public:
   /// `changed` is called when something else is known than before, never within a call of this
-  /// class.
-  DestinationBoard(Background& background, std::function<void()> changed);
+  /// class. `background` outlives this object.
+  DestinationMonitor(Background& background, std::function<void()> changed);
 
   /// From now on these are followed; what is known of others is forgotten.
   void follow(const std::vector<PlatformKit::Path>& destinations);

@@ -52,9 +52,9 @@ struct VolumeAnswers {
 /// for the volume that is asked, for good when it is a network's that went away. Nothing here
 /// throws: what cannot be read shrinks the answer. Any thread but the one that draws the screen,
 /// several at once.
-class DiskQuestions {
+class DiskQueries {
  public:
-  virtual ~DiskQuestions() = default;
+  virtual ~DiskQueries() = default;
 
   [[nodiscard]] virtual std::vector<PlatformKit::MountedVolume> volumes() = 0;
   [[nodiscard]] virtual VolumeAnswers volume(const PlatformKit::Path& root) = 0;

@@ -1,6 +1,5 @@
-#pragma once
+#include "Composition/Machine.h"
 
-#include "DeviceKit/RawDeviceAccess.h"
 #include "DiskServices/DiskEjector.h"
 #include "DiskServices/UDisks.h"
 #include "PlatformKit/Linux/LinuxDisks.h"
@@ -10,23 +9,16 @@
 #include "PlatformKit/Linux/LinuxVolumeWatcher.h"
 #include "PlatformKit/Linux/LinuxVolumes.h"
 #include "PlatformKit/Posix/HelperOpener.h"
-#include "PlatformKit/System.h"
-#include "ZephrimarkOffload/Model/SystemDiskQuestions.h"
 
-namespace ZephrimarkOffload {
+namespace Composition {
 
-/// The services of this computer that the application works with. Shared, since a question to a dead
-/// volume can outlive everything else.
-struct Machine {
+struct Machine::Parts {
   PlatformKit::LinuxFileSystem fileSystem;
   PlatformKit::LinuxVolumes volumes;
   PlatformKit::SystemClock clock;
-  PlatformKit::System system{fileSystem, volumes, clock};
-
-  PlatformKit::LinuxDisks disks{volumes};
   PlatformKit::LinuxMountedVolumes mountedVolumes;
+  PlatformKit::LinuxDisks disks{volumes};
   DiskServices::DiskEjector ejector;
-  SystemDiskQuestions questions{system, mountedVolumes, disks, &ejector};
 
   // The desktop's disk service is asked first, since it knows the user's session; where there is
   // none, a helper of ours is started as the administrator.
@@ -38,4 +30,32 @@ struct Machine {
   DeviceKit::RawDeviceAccess rawDevices{devices, {&udisks, &helper}};
 };
 
-}  // namespace ZephrimarkOffload
+Machine::Machine() : parts_(std::make_unique<Parts>()) {}
+
+Machine::~Machine() = default;
+
+PlatformKit::System Machine::platform() const {
+  return {parts_->fileSystem, parts_->volumes, parts_->clock};
+}
+
+PlatformKit::MountedVolumes& Machine::mountedVolumes() const {
+  return parts_->mountedVolumes;
+}
+
+PlatformKit::Disks& Machine::disks() const {
+  return parts_->disks;
+}
+
+PlatformKit::Ejector& Machine::ejector() const {
+  return parts_->ejector;
+}
+
+const DeviceKit::RawDeviceAccess& Machine::rawDevices() const {
+  return parts_->rawDevices;
+}
+
+std::unique_ptr<PlatformKit::VolumeWatcher> Machine::makeVolumeWatcher() {
+  return std::make_unique<PlatformKit::LinuxVolumeWatcher>();
+}
+
+}  // namespace Composition

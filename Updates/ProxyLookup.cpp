@@ -1,4 +1,4 @@
-#include "Updates/ProxyQuestion.h"
+#include "Updates/ProxyLookup.h"
 
 #include <mutex>
 #include <system_error>
@@ -9,32 +9,32 @@
 namespace Updates {
 
 // Who waits for the answer; shared with the thread, which may stay behind.
-struct ProxyQuestion::Asker {
+struct ProxyLookup::Asker {
   std::mutex mutex;
-  ProxyQuestion* question;  // none when nobody waits any more
+  ProxyLookup* lookup;  // none when nobody waits any more
 };
 
-ProxyQuestion::ProxyQuestion(const QUrl& target) : asker_(std::make_shared<Asker>()) {
-  asker_->question = this;
+ProxyLookup::ProxyLookup(const QUrl& target) : asker_(std::make_shared<Asker>()) {
+  asker_->lookup = this;
   try {
     // Nobody can wait for it: a script's server may never answer.
     std::thread([asker = asker_, target] {
       const QNetworkProxy proxy =
           QNetworkProxyFactory::proxyForQuery(QNetworkProxyQuery(target)).value(0);
       const std::lock_guard lock(asker->mutex);
-      if (asker->question != nullptr) asker->question->answer(proxy);
+      if (asker->lookup != nullptr) asker->lookup->answer(proxy);
     }).detach();
   } catch (const std::system_error&) {
     answer(QNetworkProxy::NoProxy);
   }
 }
 
-ProxyQuestion::~ProxyQuestion() {
+ProxyLookup::~ProxyLookup() {
   const std::lock_guard lock(asker_->mutex);
-  asker_->question = nullptr;
+  asker_->lookup = nullptr;
 }
 
-void ProxyQuestion::answer(const QNetworkProxy& proxy) {
+void ProxyLookup::answer(const QNetworkProxy& proxy) {
   QMetaObject::invokeMethod(
       this, [this, proxy] { Q_EMIT answered(proxy); }, Qt::QueuedConnection);
 }

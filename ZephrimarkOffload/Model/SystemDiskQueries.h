@@ -4,17 +4,18 @@
 #include "PlatformKit/Disks.h"
 #include "PlatformKit/Ejector.h"
 #include "PlatformKit/System.h"
-#include "ZephrimarkOffload/Model/DiskQuestions.h"
+#include "ZephrimarkOffload/Model/DiskQueries.h"
 
 namespace ZephrimarkOffload {
 
-/// The questions, asked of this computer's disks.
-class SystemDiskQuestions final : public DiskQuestions {
+/// The queries, answered by this computer's disks: each call asks the system anew and has no state.
+/// What each answers and how long it may take, see DiskQueries.
+class SystemDiskQueries final : public DiskQueries {
  public:
-  /// `ejector`: null when nothing can be ejected. Everything outlives this object and is safe to use
-  /// from several threads.
-  SystemDiskQuestions(PlatformKit::System system, PlatformKit::MountedVolumes& mounted,
-                      PlatformKit::Disks& disks, PlatformKit::Ejector* ejector)
+  /// `ejector`: null when nothing can be ejected. Everything outlives this object and is safe to
+  /// use from several threads.
+  SystemDiskQueries(PlatformKit::System system, PlatformKit::MountedVolumes& mounted,
+                    PlatformKit::Disks& disks, PlatformKit::Ejector* ejector)
       : system_(system), mounted_(mounted), disks_(disks), ejector_(disks, ejector) {}
 
   [[nodiscard]] std::vector<PlatformKit::MountedVolume> volumes() override;

@@ -1,4 +1,4 @@
-#include "ZephrimarkOffload/Model/DestinationBoard.h"
+#include "ZephrimarkOffload/Model/DestinationMonitor.h"
 
 #include <chrono>
 
@@ -9,13 +9,13 @@ using PlatformKit::Path;
 // Often enough for a figure of free space that people look at.
 constexpr std::chrono::seconds kEvery{2};
 
-DestinationBoard::DestinationBoard(Background& background, std::function<void()> changed)
+DestinationMonitor::DestinationMonitor(Background& background, std::function<void()> changed)
     : background_(background), changed_(std::move(changed)) {
   again_.setInterval(kEvery);
   again_.callOnTimeout([this] { refresh(); });
 }
 
-void DestinationBoard::follow(const std::vector<Path>& destinations) {
+void DestinationMonitor::follow(const std::vector<Path>& destinations) {
   std::map<Path, std::optional<DestinationFacts>> followed;
   for (const Path& destination : destinations) followed[destination] = facts(destination);
   facts_ = std::move(followed);
@@ -23,14 +23,14 @@ void DestinationBoard::follow(const std::vector<Path>& destinations) {
   refresh();
 }
 
-void DestinationBoard::refresh() {
+void DestinationMonitor::refresh() {
   for (const auto& entry : facts_) ask(entry.first);
 }
 
-void DestinationBoard::ask(const Path& destination) {
+void DestinationMonitor::ask(const Path& destination) {
   background_.ask(
       "destination " + destination.native(),
-      [destination](DiskQuestions& questions) { return questions.destination(destination); },
+      [destination](DiskQueries& disks) { return disks.destination(destination); },
       [this, destination](const DestinationFacts& facts) {
         const auto followed = facts_.find(destination);
         if (followed == facts_.end() || followed->second == facts) return;
@@ -39,7 +39,7 @@ void DestinationBoard::ask(const Path& destination) {
       });
 }
 
-std::optional<DestinationFacts> DestinationBoard::facts(const Path& destination) const {
+std::optional<DestinationFacts> DestinationMonitor::facts(const Path& destination) const {
   const auto followed = facts_.find(destination);
   return followed == facts_.end() ? std::nullopt : followed->second;
 }

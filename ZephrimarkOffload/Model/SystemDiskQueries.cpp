@@ -1,4 +1,4 @@
-#include "ZephrimarkOffload/Model/SystemDiskQuestions.h"
+#include "ZephrimarkOffload/Model/SystemDiskQueries.h"
 
 #include "DeviceKit/Places.h"
 #include "OffloadKit/Card/CameraName.h"
@@ -12,26 +12,26 @@ namespace ZephrimarkOffload {
 
 using PlatformKit::Path;
 
-std::vector<PlatformKit::MountedVolume> SystemDiskQuestions::volumes() {
+std::vector<PlatformKit::MountedVolume> SystemDiskQueries::volumes() {
   return mounted_.list();
 }
 
-VolumeAnswers SystemDiskQuestions::volume(const Path& root) {
+VolumeAnswers SystemDiskQueries::volume(const Path& root) {
   return {mounted_.space(root), system_.volumes.facts(root).identifier};
 }
 
-bool SystemDiskQuestions::exists(const Path& path) {
+bool SystemDiskQueries::exists(const Path& path) {
   if (!system_.fileSystem.resolve(path).ok()) return false;
   // What was read of a pulled card before still answers.
   const auto device = system_.volumes.facts(path).device;
   return !device || !system_.volumes.isGone(*device);
 }
 
-bool SystemDiskQuestions::isFolder(const Path& path) {
+bool SystemDiskQueries::isFolder(const Path& path) {
   return PlatformKit::isFolder(system_.fileSystem, path);
 }
 
-SourceFacts SystemDiskQuestions::source(const Path& path) {
+SourceFacts SystemDiskQueries::source(const Path& path) {
   SourceFacts facts;
   facts.volume = system_.volumes.facts(path).identifier;
   facts.name = DeviceKit::sourceName(system_, path);
@@ -43,7 +43,7 @@ SourceFacts SystemDiskQuestions::source(const Path& path) {
   return facts;
 }
 
-SourceCount SystemDiskQuestions::count(const Path& path) {
+SourceCount SystemDiskQueries::count(const Path& path) {
   SourceCount count;
   try {
     for (const auto& file : OffloadKit::scan(system_, path).files) {
@@ -57,7 +57,7 @@ SourceCount SystemDiskQuestions::count(const Path& path) {
   return count;
 }
 
-DestinationFacts SystemDiskQuestions::destination(const Path& path) {
+DestinationFacts SystemDiskQueries::destination(const Path& path) {
   DestinationFacts facts;
   facts.exists = exists(path);
   facts.volumeName = DeviceKit::volumeName(system_, path);
@@ -70,8 +70,8 @@ DestinationFacts SystemDiskQuestions::destination(const Path& path) {
   return facts;
 }
 
-std::optional<DeviceKit::Reason> SystemDiskQuestions::eject(const Path& volume,
-                                                            const std::string& name) {
+std::optional<DeviceKit::Reason> SystemDiskQueries::eject(const Path& volume,
+                                                          const std::string& name) {
   // Once a card is taken out, its folder may lie on another disk.
   if (!DeviceKit::isVolumeRoot(system_, volume)) {
     return DeviceKit::Reason(DeviceKit::Reason::Kind::notMounted, {name});
