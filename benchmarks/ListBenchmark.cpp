@@ -4,6 +4,7 @@
 #include "OffloadKit/Proof/MHLHistory.h"
 #include "PlatformKit/Linux/LinuxFileSystem.h"
 #include "PlatformKit/Linux/LinuxVolumes.h"
+#include "PlatformKit/System.h"
 #include "PlatformKit/Testing/TempFolder.h"
 
 #include <algorithm>

@@ -15,8 +15,7 @@ endif()
 
 set(engine "HashKit PlatformKit TextKit DeviceKit OffloadKit")
 set(below_engine "HashKit PlatformKit TextKit DeviceKit")
-set(records "OffloadKit/Records OffloadKit/Wording")
-set(floors "OffloadKit/Card OffloadKit/Transfer OffloadKit/Copying OffloadKit/Proof")
+set(floors "OffloadKit/Records OffloadKit/Card OffloadKit/Wording OffloadKit/Transfer")
 set(window "ZephrimarkOffload ZephrimarkOffload/Model ZephrimarkOffload/Screens ZephrimarkUI")
 # Folder: what it may include, beside its own headers. The most exact folder of a file counts.
 set(rules
@@ -34,9 +33,9 @@ set(rules
   "OffloadKit/Card:PlatformKit TextKit OffloadKit/Records"
   "OffloadKit/Wording:HashKit PlatformKit TextKit OffloadKit/Records"
   "OffloadKit/Transfer:HashKit PlatformKit TextKit"
-  "OffloadKit/Copying:${below_engine} ${records} OffloadKit/Transfer"
-  "OffloadKit/Proof:${below_engine} ${records} OffloadKit/Transfer"
-  "OffloadKit/Run:${below_engine} ${records} ${floors}"
+  "OffloadKit/Copying:${below_engine} OffloadKit/Records OffloadKit/Transfer"
+  "OffloadKit/Proof:${below_engine} OffloadKit/Records OffloadKit/Transfer OffloadKit/Wording"
+  "OffloadKit/Run:${below_engine} ${floors} OffloadKit/Copying OffloadKit/Proof"
   "OffloadKit:${engine}"
   "ZephrimarkOffload/Model:${engine}"
   "ZephrimarkOffload/Desktop:PlatformKit TextKit ZephrimarkOffload/Model"

@@ -1,3 +1,4 @@
+#include "OffloadKit/Proof/MHL.h"
 #include "OffloadKit/Proof/MHLHistory.h"
 #include "PlatformKit/Linux/LinuxFileSystem.h"
 #include "PlatformKit/Testing/TempFolder.h"

@@ -1,6 +1,5 @@
 #include "OffloadKit/Copying/LaneNames.h"
 
-#include "OffloadKit/Copying/Lane.h"
 #include "OffloadKit/Transfer/DurableNames.h"
 #include "OffloadKit/Transfer/PendingCopy.h"
 #include "PlatformKit/Paths.h"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OffloadKit/Copying/HeldDestination.h"
 #include "OffloadKit/Records/OffloadResult.h"
 #include "OffloadKit/Records/Reason.h"
 #include "PlatformKit/System.h"
@@ -11,8 +12,6 @@
 
 namespace OffloadKit {
 
-class Lane;
-
 /// The final names that verified copies got on a lane, and up to which copy they are on the drive
 /// for certain, so that they survive a power cut and a drive that dies. Remembers the folders they
 /// lie in and flushes them, together with all folders above them on their volume: those may be new
@@ -20,8 +19,8 @@ class Lane;
 /// before. The run's thread, but for `flushNow`.
 class LaneNames {
  public:
-  /// `lane` owns it.
-  LaneNames(PlatformKit::System system, Lane& lane) : system_(system), lane_(lane) {}
+  /// `lane`: where the names are given; outlives it.
+  LaneNames(PlatformKit::System system, HeldDestination& lane) : system_(system), lane_(lane) {}
   /// Flushes what has not been flushed; failures are ignored, since nobody is left to be told.
   ~LaneNames();
   LaneNames(const LaneNames&) = delete;
@@ -63,7 +62,7 @@ class LaneNames {
   void takeBack(std::vector<OffloadedFile>& files, std::size_t index) const;
 
   PlatformKit::System system_;
-  Lane& lane_;
+  HeldDestination& lane_;
   std::set<PlatformKit::Path> unflushed_;  // folders with names that have yet to be flushed
   std::set<PlatformKit::Path> reachable_;  // folders whose own names were flushed, up to the root
   std::string lastFolder_;                 // of the copy verified last

@@ -3,7 +3,6 @@
 #include "OffloadKit/Proof/C4.h"
 #include "OffloadKit/Proof/MHLDocuments.h"
 #include "OffloadKit/Proof/MHLHistory.h"
-#include "OffloadKit/Proof/OffloadReport.h"
 #include "OffloadKit/Transfer/DurableNames.h"
 #include "OffloadKit/Transfer/FileDigest.h"
 #include "OffloadKit/Transfer/TemporaryNames.h"
@@ -29,12 +28,6 @@ constexpr std::size_t kLongestName = 255;  // bytes, on every file system in use
 
 void throwIf(int error) {
   if (error != 0) throw std::system_error(error, std::generic_category());
-}
-
-// XML 1.0's characters, without the carriage return, which readers do not leave as it is.
-bool isCarried(char32_t character) {
-  if (character < 0x20) return character == '\t' || character == '\n';
-  return character != 0xFFFE && character != 0xFFFF;
 }
 
 std::vector<Entry> rowsOf(const std::vector<OffloadedFile>& files, std::size_t destinationIndex) {
@@ -104,25 +97,6 @@ std::string generationName(std::int64_t number, const std::string& folderName, D
 }
 
 }  // namespace
-
-std::string carriedPath(std::string_view path) {
-  bool needsEscapes = false;
-  TextKit::forEachCharacter(path, [&](char32_t character, bool valid, std::string_view) {
-    needsEscapes |= !valid || !isCarried(character);
-  });
-  if (!needsEscapes) return std::string(path);
-  std::string carried;
-  TextKit::forEachCharacter(path, [&](char32_t character, bool valid, std::string_view bytes) {
-    if (valid && isCarried(character) && character != U'%') {
-      carried += bytes;
-      return;
-    }
-    for (const char byte : bytes) {
-      carried += fmt::format("%{:02X}", static_cast<unsigned char>(byte));
-    }
-  });
-  return carried;
-}
 
 Path writeGeneration(PlatformKit::Folder& folder, const std::string& folderName,
                      const std::vector<OffloadedFile>& files, std::size_t destinationIndex,

@@ -1,31 +1,17 @@
 #pragma once
 
 #include "HashKit/HashAlgorithm.h"
+#include "OffloadKit/Proof/MHLEntry.h"
 #include "OffloadKit/Records/OffloadResult.h"
-#include "PlatformKit/System.h"
+#include "PlatformKit/FileSystem.h"
 
-#include <array>
-#include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
 /// Hash lists in the ASC MHL v2.0 format (the Media Hash List of the ASC, schema urn:ASC:MHL:v2.0):
 /// in the folder "ascmhl" of an offload folder lie one generation per run and the chain file that
 /// lists them with their C4 identifiers. docs/formats.md has the layout.
 namespace OffloadKit::MHL {
-
-/// A line of a generation beside those of the copied files.
-struct Entry {
-  std::string path;  ///< relative to the offload folder, components separated by "/"
-  std::uint64_t size = 0;
-  PlatformKit::Date modified{};
-  std::string hash;  ///< lowercase hexadecimal, by the algorithm of the generation
-};
-
-/// Written into every generation; rows are not filtered by them.
-inline constexpr std::array<std::string_view, 3> ignorePatterns = {".DS_Store", "ascmhl",
-                                                                   "ascmhl/"};
 
 /// Writes the next generation of an offload folder: every file verified on the destination, the
 /// `extra` entries, and the reports that lie in the folder, each marked "verified" where an earlier
@@ -40,11 +26,5 @@ PlatformKit::Path writeGeneration(PlatformKit::Folder& folder, const std::string
                                   const std::vector<OffloadedFile>& files,
                                   std::size_t destinationIndex, const std::vector<Entry>& extra,
                                   HashKit::HashAlgorithm algorithm, PlatformKit::Date now);
-
-/// The path as a hash list carries it. XML cannot hold control characters and bytes that are not
-/// UTF-8, and readers turn a carriage return into a line feed; in a path with any of these, their
-/// bytes and every "%" are written as "%" and two hexadecimal digits. Other paths stay as they are.
-/// Any thread.
-std::string carriedPath(std::string_view path);
 
 }  // namespace OffloadKit::MHL

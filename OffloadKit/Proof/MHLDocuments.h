@@ -1,6 +1,7 @@
 #pragma once
 
-#include "OffloadKit/Proof/MHL.h"
+#include "HashKit/HashAlgorithm.h"
+#include "OffloadKit/Proof/MHLEntry.h"
 #include "OffloadKit/Proof/MHLParsers.h"
 
 #include <string>

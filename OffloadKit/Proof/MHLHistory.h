@@ -1,7 +1,8 @@
 #pragma once
 
-#include "OffloadKit/Proof/MHL.h"
+#include "OffloadKit/Proof/MHLEntry.h"
 #include "OffloadKit/Proof/MHLParsers.h"
+#include "PlatformKit/FileSystem.h"
 
 #include <vector>
 

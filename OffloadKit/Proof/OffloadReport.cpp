@@ -1,6 +1,6 @@
 #include "OffloadKit/Proof/OffloadReport.h"
 
-#include "OffloadKit/Proof/MHL.h"
+#include "OffloadKit/Proof/MHLEntry.h"
 #include "OffloadKit/Proof/Markup.h"
 #include "OffloadKit/Records/Verdict.h"
 #include "OffloadKit/Transfer/TemporaryNames.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "OffloadKit/Records/OffloadResult.h"
-#include "PlatformKit/System.h"
+#include "PlatformKit/FileSystem.h"
 
 #include <cstddef>
 #include <optional>

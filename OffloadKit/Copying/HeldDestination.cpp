@@ -1,4 +1,4 @@
-#include "OffloadKit/Copying/Lane.h"
+#include "OffloadKit/Copying/HeldDestination.h"
 
 #include "DeviceKit/Places.h"
 #include "OffloadKit/Records/OffloadError.h"
@@ -11,8 +11,9 @@ namespace OffloadKit {
 using PlatformKit::Mounts;
 using PlatformKit::Path;
 
-Lane::Lane(PlatformKit::System system, const OffloadPlan& plan, std::size_t index)
-    : system_(system), plan_(plan), index_(index), names_(system, *this) {
+HeldDestination::HeldDestination(PlatformKit::System system, const OffloadPlan& plan,
+                                 std::size_t index)
+    : system_(system), plan_(plan), index_(index) {
   const Path existing = PlatformKit::nearestExisting(system.fileSystem, path());
   const auto facts = system.volumes.facts(existing);
   device_ = facts.device;
@@ -20,7 +21,7 @@ Lane::Lane(PlatformKit::System system, const OffloadPlan& plan, std::size_t inde
   volume_ = PlatformKit::volumeOf(system.fileSystem, path());
 }
 
-void Lane::open() {
+void HeldDestination::open() {
   const auto unavailable = [this] {
     return OffloadError::destinationUnavailable(DeviceKit::destinationName(system_, path()));
   };
@@ -36,7 +37,7 @@ void Lane::open() {
   readsThroughCache_ = system_.volumes.facts(path()).readsThroughCache;
 }
 
-bool Lane::isInPlace() const {
+bool HeldDestination::isInPlace() const {
   if (!folder_) {
     const bool wasChosen = index_ < plan_.chosen.size();
     const ChosenPlace chosen = wasChosen ? plan_.chosen[index_] : ChosenPlace{};
@@ -48,26 +49,27 @@ bool Lane::isInPlace() const {
   return there.error() != ENOENT && there.error() != ENOTDIR;
 }
 
-bool Lane::isOn(const Path& folder, std::optional<PlatformKit::VolumeIdentifier> volume) const {
+bool HeldDestination::isOn(const Path& folder,
+                           std::optional<PlatformKit::VolumeIdentifier> volume) const {
   return !volume || PlatformKit::volumeOf(system_.fileSystem, folder) == volume;
 }
 
-void Lane::checkPlace() {
+void HeldDestination::checkPlace() {
   if (!isInPlace()) giveUp(Reason(Reason::Kind::disconnected), true);
 }
 
-Reason Lane::contentError(int error) {
+Reason HeldDestination::contentError(int error) {
   Reason reason = otherError(error);
   if (endsTheDrive(error)) giveUp(reason, error == ENODEV || error == ENXIO);
   return reason;
 }
 
-Reason Lane::otherError(int error) {
+Reason HeldDestination::otherError(int error) {
   if (!isPulled()) return Reason::ofDrive(error);
   return giveUp(Reason(Reason::Kind::disconnected), true);
 }
 
-const Reason& Lane::giveUp(Reason reason, bool isDisconnected) {
+const Reason& HeldDestination::giveUp(Reason reason, bool isDisconnected) {
   const std::lock_guard lock(mutex_);
   if (!givenUp_) givenUp_ = std::move(reason);
   // One that was full before may go as well.
@@ -75,17 +77,17 @@ const Reason& Lane::giveUp(Reason reason, bool isDisconnected) {
   return *givenUp_;
 }
 
-const Reason* Lane::givenUp() const {
+const Reason* HeldDestination::givenUp() const {
   const std::lock_guard lock(mutex_);
   return givenUp_ ? &*givenUp_ : nullptr;
 }
 
-bool Lane::isDisconnected() const {
+bool HeldDestination::isDisconnected() const {
   const std::lock_guard lock(mutex_);
   return isDisconnected_;
 }
 
-bool Lane::isPulled() const {
+bool HeldDestination::isPulled() const {
   return device_ && system_.volumes.isGone(*device_);
 }
 
