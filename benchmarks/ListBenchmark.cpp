@@ -1,5 +1,6 @@
 // Hash lists of large cards: writes one of 200,000 rows (budget: 1 s and a peak of 200 MB) and
 // looks up 20,000 rows in a history of 50 lists of as many rows (budget: 2 s). Medians of five.
+#include "OffloadKit/Proof/MHL.h"
 #include "OffloadKit/Proof/MHLDocuments.h"
 #include "OffloadKit/Proof/MHLHistory.h"
 #include "PlatformKit/Linux/LinuxFileSystem.h"
