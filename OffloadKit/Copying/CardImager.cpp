@@ -119,10 +119,11 @@ class Imaging {
     auto flushed = std::move(created.value()).flush();
     check(flushed.error());
     const std::string hash = device.hash();
+    const Path temporary = flushed.value().temporary();
     ProvenCopy proven = prove(std::move(flushed.value()), device.written(), hash);
     checkFolder();
     check(proven.giveFinalName());
-    makeDurable(proven, images);
+    makeDurable(proven, temporary);
     result.hash = hash;
     result.size = device.written();
   }
@@ -145,12 +146,13 @@ class Imaging {
   }
 
   // What a power cut could take away under its name is not a saved image.
-  void makeDurable(ProvenCopy& image, const Path& images) {
+  void makeDurable(ProvenCopy& image, const Path& hidden) {
     // Some file systems write a moved file's size only now; see VolumeFacts::moveKeepsContent.
     int error = image.flushAgain();
-    for (const Path& above : {images, Path()}) {
+    for (const Path& above : {hidden.parent_path(), Path()}) {
       if (error == 0) error = flushNames(folder_, above);
     }
+    if (error == 0) error = checkTakesChanges(folder_, hidden);
     if (error == 0) return;
     static_cast<void>(folder_.removeFile(image.final()));
     throw Failure{Reason::ofDrive(error)};

@@ -1,7 +1,6 @@
 #include "OffloadKit/Copying/LaneNames.h"
 
 #include "OffloadKit/Transfer/DurableNames.h"
-#include "OffloadKit/Transfer/PendingCopy.h"
 #include "PlatformKit/Paths.h"
 
 #include <cerrno>
@@ -65,10 +64,9 @@ void LaneNames::volumeFlushed(int error, bool provenSince) {
   durable_ = flushed_;
 }
 
-void LaneNames::flushAll(std::vector<OffloadedFile>& files, std::size_t index,
-                         const Path& probeFile) {
+void LaneNames::flushAll(std::vector<OffloadedFile>& files, std::size_t index, const Path& probe) {
   flush();
-  if (durable_ < verified_) probe(probeFile);
+  if (durable_ < verified_) failed({}, checkTakesChanges(lane_.folder(), probe));
   lane_.checkPlace();
   if (!lane_.isPresent()) failed({}, ENODEV);
   takeBack(files, index);
@@ -98,16 +96,6 @@ void LaneNames::flushAbove() {
   for (const Path& folder : foldersAbove(system_, lane_.path())) {
     failed({}, system_.fileSystem.flushFolder(folder));
   }
-}
-
-// ext4 whose journal failed in the background says yes to the flush of a folder, because there is
-// nothing to flush any more. It makes no file, for good; so where one can be made behind the flush,
-// that was true.
-void LaneNames::probe(const Path& file) {
-  const int error = PendingCopy::create(lane_.folder(), file, file).error();
-  // Others mean that there is no room or no right to make one.
-  const bool isDead = endsTheDrive(error) && error != ENOSPC;
-  if (isDead || error == EROFS) failed({}, error);
 }
 
 void LaneNames::failed(const Path& folder, int error) {

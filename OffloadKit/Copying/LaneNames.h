@@ -55,7 +55,6 @@ class LaneNames {
 
   void flush();
   void flushAbove();
-  void probe(const PlatformKit::Path& file);
   void failed(const PlatformKit::Path& folder, int error);
   /// All names given so far were flushed, unless something failed.
   void flushed();

@@ -51,7 +51,7 @@ OffloadResult OffloadRun::execute(bool checkSpace) {
   finishing.drives = drives_;
   progress_(finishing);
   result_.finished = now();
-  closing_.writeRecords(result_);
+  closing_.writeRecords(result_, hidden_);
   return std::move(result_);
 }
 
@@ -112,7 +112,8 @@ void OffloadRun::copyFiles(Pipeline& pipeline) {
   drives_.resize(lanes_.size());
   copyBatches({plan_, system_.clock, *card_, lanes_, names, areDistinct, length, pipeline,
                isCancelled_, afterWrite_});
-  settleNames(names);
+  hidden_ = names.forFile("Offload");
+  settleNames();
 }
 
 void OffloadRun::copyBatches(const CopyContext& context) {
@@ -135,9 +136,9 @@ void OffloadRun::copyBatches(const CopyContext& context) {
 }
 
 // Names that are not on a drive for certain are taken back.
-void OffloadRun::settleNames(const TemporaryNames& names) {
+void OffloadRun::settleNames() {
   for (std::size_t i = 0; i < lanes_.size(); ++i) {
-    lanes_[i].names().flushAll(result_.files, i, names.forFile("Offload"));
+    lanes_[i].names().flushAll(result_.files, i, hidden_);
   }
   drives_.assign(drives_.size(), {});
   for (const OffloadedFile& file : result_.files) countOutcomes(file);

@@ -32,7 +32,7 @@ class OffloadRun {
   void countWork();
   void copyFiles(Pipeline& pipeline);
   void copyBatches(const CopyContext& context);
-  void settleNames(const TemporaryNames& names);
+  void settleNames();
   using CopyStep = std::function<OffloadedFile(const CopyProgress&)>;
   void copyFile(const SourceFile& file, const CopyStep& copy);
   void countOutcomes(const OffloadedFile& file);
@@ -52,6 +52,7 @@ class OffloadRun {
   RunClosing closing_;
   std::vector<std::unique_ptr<PlatformKit::FolderLock>> locks_;
   std::vector<SourceFile> files_;
+  PlatformKit::Path hidden_;  // the relative path of a file that no copy has
   OffloadResult result_;
   std::vector<OffloadProgress::Drive> drives_;
   std::uint64_t totalBytes_ = 0;

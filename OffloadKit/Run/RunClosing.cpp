@@ -5,6 +5,7 @@
 #include "OffloadKit/Proof/MHL.h"
 #include "OffloadKit/Proof/OffloadReport.h"
 #include "OffloadKit/Records/OffloadError.h"
+#include "OffloadKit/Transfer/DurableNames.h"
 #include "PlatformKit/Paths.h"
 
 #include <system_error>
@@ -40,7 +41,7 @@ std::optional<CardImageResult> RunClosing::writeCardImage(
                            {isCancelled, whyNot, [&](double bytes) { progress(name, bytes); }});
 }
 
-void RunClosing::writeRecords(OffloadResult& result) const {
+void RunClosing::writeRecords(OffloadResult& result, const PlatformKit::Path& hidden) const {
   // All of them first: what became of one drive stands in the reports of the others.
   for (Lane& lane : lanes_) lane.checkPlace();
   tellGivenUp(result);
@@ -48,8 +49,26 @@ void RunClosing::writeRecords(OffloadResult& result) const {
     if (result.verifiedCount(i) == 0) continue;
     writeRecord(result, MissingRecord::Kind::report, i);
     writeRecord(result, MissingRecord::Kind::hashList, i);
+    Lane& lane = lanes_[i];
+    if (const int error = checkTakesChanges(lane.folder(), hidden); error != 0) {
+      takeBackRecords(result, i, lane.otherError(error));
+    }
   }
   tellGivenUp(result);
+}
+
+// Their flush said yes on a drive that had died by then.
+void RunClosing::takeBackRecords(OffloadResult& result, std::size_t destination,
+                                 Reason reason) const {
+  const auto takeBack = [&](std::vector<PlatformKit::Path>& records, MissingRecord::Kind kind) {
+    const bool isTold =
+        !records.empty() && PlatformKit::isInside(records.back(), lanes_[destination].path());
+    if (!isTold) return;
+    records.pop_back();
+    result.missingRecords.push_back({kind, destination, reason});
+  };
+  takeBack(result.reports, MissingRecord::Kind::report);
+  takeBack(result.mhlFiles, MissingRecord::Kind::hashList);
 }
 
 void RunClosing::tellGivenUp(OffloadResult& result) const {

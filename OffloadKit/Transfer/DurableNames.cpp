@@ -1,5 +1,7 @@
 #include "OffloadKit/Transfer/DurableNames.h"
 
+#include "OffloadKit/Transfer/PendingCopy.h"
+
 #include <cerrno>
 
 namespace OffloadKit {
@@ -11,6 +13,12 @@ bool isLoss(int error) {
 int flushNames(PlatformKit::Folder& within, const PlatformKit::Path& folder) {
   const int error = within.flushFolder(folder);
   return isLoss(error) ? error : 0;
+}
+
+int checkTakesChanges(PlatformKit::Folder& within, const PlatformKit::Path& hidden) {
+  const int error = PendingCopy::create(within, hidden, hidden).error();
+  const bool isDead = error == EIO || error == ENXIO || error == ENODEV || error == EROFS;
+  return isDead ? error : 0;
 }
 
 }  // namespace OffloadKit

@@ -311,7 +311,9 @@ class FaultMatrix : public OffloadFixture {
         const auto error = result.destinationErrors.find(i);
         const bool gone =
             error != result.destinationErrors.end() && error->second == Reason::ofDrive(ENODEV);
-        if (gone || result.verifiedCount(i) == 0) ++count;
+        const bool unproven = cell.row.cost == Cost::proof && isDead(cell.error) &&
+                              cell.drives.contains(static_cast<int>(i) + 1);
+        if (gone || unproven || result.verifiedCount(i) == 0) ++count;
       }
       return count;
     };
