@@ -158,7 +158,9 @@ class Folder {
   [[nodiscard]] virtual Result<std::unique_ptr<FolderLock>> lockFolder(const Path& path) = 0;
 
   /// Returns when the folder's names are on the drive, so that a power cut does not undo a move. 0
-  /// also where the file system has no such operation for folders.
+  /// also where the file system has no such operation for folders. Behind it, and behind the next,
+  /// calls look all paths up anew; before, a folder below that was moved away may still be meant by
+  /// its old path.
   [[nodiscard]] virtual int flushFolder(const Path& path) = 0;
 
   /// Returns when everything written so far to the volume that holds the folder is on the drive,

@@ -32,6 +32,8 @@ class HeldDestination {
   void open();
   /// The held folder; other volumes mounted below it do not belong to it. Only behind `open`.
   [[nodiscard]] PlatformKit::Folder& folder() const { return *folder_; }
+  /// Which folder that is, under whatever path. Only behind `open`.
+  [[nodiscard]] PlatformKit::ItemIdentity identity() const { return identity_; }
   /// Lets go of the folder, so that its volume can be unmounted. Nothing can be done here then.
   void close() { folder_.reset(); }
 

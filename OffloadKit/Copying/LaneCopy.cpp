@@ -132,7 +132,7 @@ void LaneCopy::compare(const std::string& hash) {
   }
   if (found.value() != hash) return fail(Reason(Kind::copyDiffers));
   if (std::holds_alternative<Existing>(step_)) {
-    lane_.names().verified(file_.relativePath, true);
+    lane_.names().found(file_.relativePath);
     verified_ = Outcome::verified(true);
   } else if (auto proven = std::move(std::get<FlushedCopy>(step_)).prove(hash)) {
     giveFinalName(std::move(*proven));
@@ -157,7 +157,7 @@ void LaneCopy::giveFinalName(ProvenCopy copy) {
   if (!lane_.moveKeepsContent()) {
     if (const int error = copy.flushAgain(); error != 0) return fail(lane_.contentError(error));
   }
-  lane_.names().verified(copy.final(), false);
+  lane_.names().named(copy.final(), copy.identity());
   verified_ = Outcome::verified(false);
 }
 

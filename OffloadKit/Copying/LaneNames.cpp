@@ -26,26 +26,57 @@ std::vector<Path> foldersAbove(PlatformKit::System system, const Path& destinati
   return above;
 }
 
+bool isNotThere(int error) {
+  return error == ENOENT || error == ENOTDIR || error == ELOOP || error == EXDEV;
+}
+
 }  // namespace
 
 LaneNames::~LaneNames() {
   if (verified_ > flushed_) flush();
 }
 
-void LaneNames::verified(const Path& final, bool resumed) {
+void LaneNames::named(const Path& final, PlatformKit::ItemIdentity copy) {
+  if (count(final)) witnesses_.push_back({final, copy});
+}
+
+void LaneNames::found(const Path& final) {
+  holdsResumed_ = true;
+  if (!count(final)) return;
+  const auto status = lane_.folder().status(final);
+  // Ignored on purpose: it was read back a moment ago, and is flushed as others are.
+  if (status.ok()) witnesses_.push_back({final, status.value().identity});
+}
+
+bool LaneNames::count(const Path& final) {
   ++verified_;
-  if (resumed) holdsResumed_ = true;
   const std::string& name = final.native();
   const std::size_t slash = name.rfind('/');
   const std::string_view parent =
       std::string_view(name).substr(0, slash == std::string::npos ? 0 : slash);
   // Files of one folder come one after the other.
-  if (!unflushed_.empty() && parent == lastFolder_) return;
+  if (!unflushed_.empty() && parent == lastFolder_) return false;
   lastFolder_ = parent;
   // The name of a folder is in the one above it.
   for (Path folder = parent; unflushed_.insert(folder).second; folder = folder.parent_path()) {
-    if (folder.empty() || reachable_.contains(folder)) return;
+    if (folder.empty() || reachable_.contains(folder)) break;
   }
+  return witnessed_.insert(Path(parent)).second;
+}
+
+// Somebody may have moved a folder, or put another in its place, while copies in it got their names.
+// Only behind a flush: until then the folder that was moved may be meant.
+void LaneNames::look(std::size_t firstWitness) {
+  for (std::size_t i = firstWitness; i < witnesses_.size(); ++i) {
+    const Witness& witness = witnesses_[i];
+    const auto there = lane_.folder().status(witness.final);
+    const bool isFound = there.ok() && there.value().identity == witness.copy;
+    // Other errors tell nothing of where it is; what they mean for the drive, a flush tells.
+    const bool isUnknown = !there.ok() && !isNotThere(there.error());
+    if (isFound || isUnknown) continue;
+    failures_.push_back({witness.final.parent_path(), lane_.otherError(ENOENT), true});
+  }
+  looked_ = witnesses_.size();
 }
 
 void LaneNames::flushNow() {
@@ -59,6 +90,7 @@ void LaneNames::flushNow() {
 void LaneNames::volumeFlushed(int error, bool provenSince) {
   if (durable_ == verified_) return;
   if (error != 0) failed({}, error);
+  look(looked_);
   if (!provenSince || !failures_.empty() || !lane_.isPresent()) return;
   flushed();
   durable_ = flushed_;
@@ -67,6 +99,7 @@ void LaneNames::volumeFlushed(int error, bool provenSince) {
 void LaneNames::flushAll(std::vector<OffloadedFile>& files, std::size_t index, const Path& probe) {
   flush();
   if (durable_ < verified_) failed({}, checkTakesChanges(lane_.folder(), probe));
+  look(0);
   lane_.checkPlace();
   if (!lane_.isPresent()) failed({}, ENODEV);
   takeBack(files, index);
@@ -77,7 +110,9 @@ void LaneNames::takeBack(std::vector<OffloadedFile>& files, std::size_t index) c
     std::size_t verified = 0;
     for (OffloadedFile& file : files) {
       Outcome& outcome = file.outcomes[index];
-      if (!outcome.isVerified() || verified++ < durable_) continue;
+      if (!outcome.isVerified()) continue;
+      const bool isDurable = verified++ < durable_;
+      if (isDurable && !failure.isElsewhere) continue;
       if (PlatformKit::isInside(file.file.relativePath, failure.folder)) {
         outcome = Outcome::failed(failure.reason);
       }
@@ -89,6 +124,7 @@ void LaneNames::flush() {
   if (holdsResumed_) failed({}, lane_.folder().flushVolume({}));
   for (const Path& folder : unflushed_) failed(folder, lane_.folder().flushFolder(folder));
   if (!unflushed_.empty() && !reachable_.contains(Path())) flushAbove();
+  look(looked_);
   flushed();
 }
 
@@ -102,13 +138,14 @@ void LaneNames::failed(const Path& folder, int error) {
   if (!isLoss(error)) return;
   Reason reason = lane_.contentError(error);
   if (const Reason* givenUp = lane_.givenUp()) reason = *givenUp;
-  failures_.push_back({folder, std::move(reason)});
+  failures_.push_back({folder, std::move(reason), false});
 }
 
 void LaneNames::flushed() {
   flushed_ = verified_;
   reachable_.merge(unflushed_);
   unflushed_.clear();
+  witnessed_.clear();
   lastFolder_.clear();
   holdsResumed_ = false;
 }

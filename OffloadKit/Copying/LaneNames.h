@@ -26,9 +26,10 @@ class LaneNames {
   LaneNames(const LaneNames&) = delete;
   LaneNames& operator=(const LaneNames&) = delete;
 
-  /// A verified copy has its final name now, relative to the lane's folder. `resumed`: it was put
-  /// there by somebody else, who may not have flushed it.
-  void verified(const PlatformKit::Path& final, bool resumed);
+  /// A verified copy has its final name now, relative to the lane's folder. `copy`: which file it is.
+  void named(const PlatformKit::Path& final, PlatformKit::ItemIdentity copy);
+  /// A copy that was there already was verified; whoever put it there may not have flushed it.
+  void found(const PlatformKit::Path& final);
 
   /// Flushes the names given so far, where a file has just been flushed without an error. Any
   /// thread, while no names are given here.
@@ -40,8 +41,8 @@ class LaneNames {
   void volumeFlushed(int error, bool provenSince);
 
   /// Flushes everything, and makes failures of the verified outcomes on destination `index` whose
-  /// names are not on the drive for certain: where flushing failed, now or before, and where the
-  /// drive is gone. `files`: those of the run, in the order in which they got their names. `probe`:
+  /// names are not on the drive for certain: where flushing failed, now or before, where the folder
+  /// that they were given in is not found under its path any more, and where the drive is gone. `files`: those of the run, in the order in which they got their names. `probe`:
   /// the relative path of a hidden file that no copy has.
   void flushAll(std::vector<OffloadedFile>& files, std::size_t index,
                 const PlatformKit::Path& probe);
@@ -51,8 +52,18 @@ class LaneNames {
   struct Failure {
     PlatformKit::Path folder;
     Reason reason;
+    bool isElsewhere;  ///< also what was durable before
+  };
+  /// The first copy that was named in a folder since names were flushed: where it is found again, so
+  /// are the others.
+  struct Witness {
+    PlatformKit::Path final;
+    PlatformKit::ItemIdentity copy;
   };
 
+  /// Answers whether it is the first of its folder since names were flushed.
+  bool count(const PlatformKit::Path& final);
+  void look(std::size_t firstWitness);
   void flush();
   void flushAbove();
   void failed(const PlatformKit::Path& folder, int error);
@@ -69,6 +80,9 @@ class LaneNames {
   std::size_t verified_ = 0;               // copies so far
   std::size_t flushed_ = 0;                // so many of them, from the first on, it is said
   std::size_t durable_ = 0;                // and so many for certain
+  std::set<PlatformKit::Path> witnessed_;  // folders with a witness since names were flushed
+  std::vector<Witness> witnesses_;
+  std::size_t looked_ = 0;  // so many of them were found where they should be, or told
   // Kept, because a second flush may say yes: an error is told once.
   std::vector<Failure> failures_;
 };

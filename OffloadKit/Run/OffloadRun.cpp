@@ -86,9 +86,14 @@ void OffloadRun::openDestinations() {
 // Two runs into one folder would take each other's temporary copies, and two destinations that are
 // one folder would be one copy counted twice.
 void OffloadRun::lockDestinations() {
-  for (const Lane& lane : lanes_) {
+  for (std::size_t i = 0; i < lanes_.size(); ++i) {
+    const Lane& lane = lanes_[i];
+    const auto before = lanes_.begin() + static_cast<std::ptrdiff_t>(i);
+    const bool isTwice = std::any_of(lanes_.begin(), before, [&](const Lane& other) {
+      return other.identity() == lane.identity();
+    });
     auto lock = lane.folder().lockFolder({});
-    if (lock.error() == EWOULDBLOCK) {
+    if (isTwice || lock.error() == EWOULDBLOCK) {
       throw OffloadError::destinationInUse(DeviceKit::destinationName(system_, lane.path()));
     }
     // Ignored on purpose: some file systems know no locks.

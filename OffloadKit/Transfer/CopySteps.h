@@ -70,6 +70,7 @@ class ProvenCopy {
   [[nodiscard]] int flushAgain() { return digest_->flush(); }
 
   [[nodiscard]] const PlatformKit::Path& final() const { return pending_.final(); }
+  [[nodiscard]] PlatformKit::ItemIdentity identity() const { return pending_.identity(); }
   /// The modification date that it had when it was named.
   [[nodiscard]] std::optional<PlatformKit::Date> modified() const { return pending_.modified(); }
 

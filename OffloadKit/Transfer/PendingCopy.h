@@ -24,6 +24,8 @@ class PendingCopy {
 
   /// Where it lies; not behind `commit`.
   [[nodiscard]] PlatformKit::Folder& folder() const { return *folder_; }
+  /// Which file it is, under whatever name.
+  [[nodiscard]] PlatformKit::ItemIdentity identity() const { return identity_; }
   /// Null once it was closed.
   [[nodiscard]] PlatformKit::WritableFile* file() { return file_.get(); }
   [[nodiscard]] const PlatformKit::Path& temporary() const { return temporary_; }

@@ -120,6 +120,11 @@ Result<LinuxPlace> ReachBelow::place(const Path& path) {
   return LinuxPlace{lastFolder_->get(), name.native(), lastFolder_};
 }
 
+void ReachBelow::forget() {
+  const std::lock_guard lock(mutex_);
+  lastFolder_.reset();
+}
+
 Result<UniqueFd> ReachBelow::open(const Path& path, int flags, unsigned mode) {
   return openBelow(root_.get(), path, flags, mode, mounts_);
 }
@@ -241,12 +246,14 @@ Result<std::unique_ptr<FolderLock>> LinuxItems<Interface, Reach>::lockFolder(con
 
 template <class Interface, class Reach>
 int LinuxItems<Interface, Reach>::flushFolder(const Path& path) {
+  reach_.forget();
   const auto fd = reach_.open(path, O_RDONLY | O_DIRECTORY);
   return fd.ok() ? flushed(fd.value().get()) : fd.error();
 }
 
 template <class Interface, class Reach>
 int LinuxItems<Interface, Reach>::flushVolume(const Path& path) {
+  reach_.forget();
   const auto fd = reach_.open(path, O_RDONLY | O_DIRECTORY);
   return fd.ok() ? done(syncfs(fd.value().get())) : fd.error();
 }

@@ -21,6 +21,7 @@ class ReachByPath {
  public:
   [[nodiscard]] static Result<LinuxPlace> place(const Path& path);
   [[nodiscard]] static Result<UniqueFd> open(const Path& path, int flags, unsigned mode = 0);
+  static void forget() {}
 };
 
 /// Paths below an open folder that lead nowhere else; see openBelow. Any thread.
@@ -30,13 +31,14 @@ class ReachBelow {
 
   [[nodiscard]] Result<LinuxPlace> place(const Path& path);
   [[nodiscard]] Result<UniqueFd> open(const Path& path, int flags, unsigned mode = 0);
+  /// What is reached from now on is looked up anew.
+  void forget();
 
  private:
   const UniqueFd root_;
   const Mounts mounts_;
   // The folder that was asked for last: the files of one folder come one after the other, and to
-  // reach it anew for each call would double the calls. One that is moved meanwhile is still the
-  // same folder; flushing its names reaches it anew and tells.
+  // reach it anew for each call would double the calls. Forgotten whenever something is flushed.
   std::mutex mutex_;
   Path lastParent_;
   std::shared_ptr<const UniqueFd> lastFolder_;

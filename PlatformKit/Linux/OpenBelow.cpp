@@ -1,6 +1,5 @@
 #include "PlatformKit/Linux/OpenBelow.h"
 
-#include <atomic>
 #include <cerrno>
 #include <string>
 
@@ -15,17 +14,25 @@ namespace {
 
 Result<UniqueFd> openByKernel(int root, const Path& path, int flags, unsigned mode, Mounts mounts) {
   open_how how{};
-  how.flags = static_cast<unsigned>(flags | O_CLOEXEC);
+  how.flags = static_cast<unsigned>(flags | O_CLOEXEC | O_LARGEFILE);
   how.mode = (flags & O_CREAT) != 0 ? mode : 0;
   how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS;
   if (mounts == Mounts::refused) how.resolve |= RESOLVE_NO_XDEV;
   const char* name = path.empty() ? "." : path.c_str();
-  for (;;) {
+  // Something may be moved while the kernel looks, so that it cannot tell whether the path leads out;
+  // but a file system, or a file that another process has a lease on, may say so for ever.
+  constexpr int kTries = 16;
+  for (int tries = 1;; ++tries) {
     const long fd = syscall(SYS_openat2, root, name, &how, sizeof how);
     if (fd >= 0) return UniqueFd(static_cast<int>(fd));
-    // Something was moved while the kernel looked, so it cannot tell whether the path leads out.
-    if (errno != EAGAIN) return ErrorNumber{errno};
+    if (errno != EAGAIN || tries == kTries) return ErrorNumber{errno};
   }
+}
+
+// Sandboxes refuse a call that they do not know with either.
+bool isOffered(int root) {
+  const int error = openByKernel(root, {}, O_PATH | O_DIRECTORY, 0, Mounts::crossed).error();
+  return error != ENOSYS && error != EPERM;
 }
 
 // The error of a folder that could not be opened, or 0 for one that may be used.
@@ -44,6 +51,8 @@ int errorUnlessSameVolume(int root, int opened, Mounts mounts) {
   struct stat above {};
   struct stat below {};
   if (fstat(root, &above) != 0 || fstat(opened, &below) != 0) return errno;
+  // Where file systems lie over each other, a file may be told to lie on the one below.
+  if (!S_ISDIR(below.st_mode)) return 0;
   return above.st_dev == below.st_dev ? 0 : EXDEV;
 }
 
@@ -79,13 +88,9 @@ Result<UniqueFd> openBelow(int root, const Path& path, int flags, unsigned mode,
 }
 
 Result<UniqueFd> openBelow(int root, const Path& path, int flags, unsigned mode, Mounts mounts) {
-  static std::atomic<bool> kernelKnows = true;
-  if (kernelKnows) {
-    auto opened = openByKernel(root, path, flags, mode, mounts);
-    if (opened.error() != ENOSYS) return opened;
-    kernelKnows = false;
-  }
-  return openByComponent(root, path, flags, mode, mounts);
+  static const bool offered = isOffered(root);
+  return openBelow(root, path, flags, mode, mounts,
+                   offered ? Resolving::byKernel : Resolving::byComponent);
 }
 
 }  // namespace PlatformKit

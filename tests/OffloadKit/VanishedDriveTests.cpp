@@ -258,5 +258,40 @@ TEST_F(UnmountedDrive, thatWasGivenUpGetsNoImage) {
   EXPECT_FALSE(std::filesystem::exists(copies(2) / "Card Image"));
 }
 
+class MovedFolder : public OffloadFixture {};
+
+// Names given in a folder that was moved away are not where anybody looks for them.
+TEST_F(MovedFolder, takesTheNamesAlongThatWereGivenInIt) {
+  for (const bool isReplaced : {false, true}) {
+    for (const bool together : {false, true}) {
+      for (const int after : {1, 3, 6}) {
+        for (const int number : {1, 2}) std::filesystem::remove_all(copies(number));
+        std::filesystem::remove_all(drive(2) / "away");
+        for (int i = 0; i < 6; ++i) {
+          addFile("A/" + std::to_string(i), pattern(together ? 1000 : kChunk));
+        }
+        int moves = 0;
+        fileSystem_.setScript([&](const CallInfo& info) {
+          const bool isNamed =
+              info.call == Call::move && info.path.parent_path() == copies(2) / "A";
+          if (isNamed && ++moves == after) {
+            std::filesystem::rename(copies(2) / "A", drive(2) / "away");
+            if (isReplaced) std::filesystem::create_directory(copies(2) / "A");
+          }
+          return Intervention{};
+        });
+        const OffloadResult result = run(plan());
+        fileSystem_.setScript({});
+        EXPECT_EQ(result.verifiedCount(0), 6U);
+        for (const OffloadedFile& file : result.files) {
+          const bool isThere = std::filesystem::exists(copies(2) / file.file.relativePath);
+          EXPECT_TRUE(isThere || !file.outcomes[1].isVerified())
+              << file.file.relativePath << (together ? " together" : "") << " move " << after;
+        }
+      }
+    }
+  }
+}
+
 }  // namespace
 }  // namespace OffloadKit
