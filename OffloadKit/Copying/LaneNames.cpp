@@ -64,8 +64,8 @@ bool LaneNames::count(const Path& final) {
   return witnessed_.insert(Path(parent)).second;
 }
 
-// Somebody may have moved a folder, or put another in its place, while copies in it got their names.
-// Only behind a flush: until then the folder that was moved may be meant.
+// Somebody may have moved a folder, or put another in its place, while copies in it got their
+// names. Only behind a flush: until then the folder that was moved may be meant.
 void LaneNames::look(std::size_t firstWitness) {
   for (std::size_t i = firstWitness; i < witnesses_.size(); ++i) {
     const Witness& witness = witnesses_[i];

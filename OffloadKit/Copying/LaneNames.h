@@ -26,7 +26,8 @@ class LaneNames {
   LaneNames(const LaneNames&) = delete;
   LaneNames& operator=(const LaneNames&) = delete;
 
-  /// A verified copy has its final name now, relative to the lane's folder. `copy`: which file it is.
+  /// A verified copy has its final name now, relative to the lane's folder. `copy`: which file it
+  /// is.
   void named(const PlatformKit::Path& final, PlatformKit::ItemIdentity copy);
   /// A copy that was there already was verified; whoever put it there may not have flushed it.
   void found(const PlatformKit::Path& final);
@@ -42,8 +43,9 @@ class LaneNames {
 
   /// Flushes everything, and makes failures of the verified outcomes on destination `index` whose
   /// names are not on the drive for certain: where flushing failed, now or before, where the folder
-  /// that they were given in is not found under its path any more, and where the drive is gone. `files`: those of the run, in the order in which they got their names. `probe`:
-  /// the relative path of a hidden file that no copy has.
+  /// that they were given in is not found under its path any more, and where the drive is gone.
+  /// `files`: those of the run, in the order in which they got their names. `probe`: the relative
+  /// path of a hidden file that no copy has.
   void flushAll(std::vector<OffloadedFile>& files, std::size_t index,
                 const PlatformKit::Path& probe);
 
@@ -54,8 +56,8 @@ class LaneNames {
     Reason reason;
     bool isElsewhere;  ///< also what was durable before
   };
-  /// The first copy that was named in a folder since names were flushed: where it is found again, so
-  /// are the others.
+  /// The first copy that was named in a folder since names were flushed: where it is found again,
+  /// so are the others.
   struct Witness {
     PlatformKit::Path final;
     PlatformKit::ItemIdentity copy;

@@ -41,8 +41,8 @@ class RunClosing {
       const std::function<void(const std::string&, double)>& progress);
 
   /// Writes the report and then the hash list, which lists the report, on every destination with a
-  /// verified file, and adds them to the result, or why they are missing. `hidden`: the relative path
-  /// of a file that no copy has, to see whether a drive still takes changes behind them.
+  /// verified file, and adds them to the result, or why they are missing. `hidden`: the relative
+  /// path of a file that no copy has, to see whether a drive still takes changes behind them.
   void writeRecords(OffloadResult& result, const PlatformKit::Path& hidden) const;
 
  private:

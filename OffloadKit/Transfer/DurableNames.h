@@ -13,9 +13,10 @@ namespace OffloadKit {
 [[nodiscard]] int flushNames(PlatformKit::Folder& within, const PlatformKit::Path& folder);
 
 /// Whether the drive still takes changes behind a flush that said yes: ext4 whose journal failed in
-/// the background says yes to a flush, because there is nothing to flush any more, but makes no file,
-/// for good. Makes the file `hidden`, which nothing else may have the name of, and removes it.
-/// Answers 0, also where there is no room or right to make one, or the error number. Any thread.
+/// the background says yes to a flush, because there is nothing to flush any more, but makes no
+/// file, for good. Makes the file `hidden`, which nothing else may have the name of, and removes
+/// it. Answers 0, also where there is no room or right to make one, or the error number. Any
+/// thread.
 [[nodiscard]] int checkTakesChanges(PlatformKit::Folder& within, const PlatformKit::Path& hidden);
 
 }  // namespace OffloadKit

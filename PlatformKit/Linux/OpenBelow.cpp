@@ -19,8 +19,8 @@ Result<UniqueFd> openByKernel(int root, const Path& path, int flags, unsigned mo
   how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS;
   if (mounts == Mounts::refused) how.resolve |= RESOLVE_NO_XDEV;
   const char* name = path.empty() ? "." : path.c_str();
-  // Something may be moved while the kernel looks, so that it cannot tell whether the path leads out;
-  // but a file system, or a file that another process has a lease on, may say so for ever.
+  // Something may be moved while the kernel looks, so that it cannot tell whether the path leads
+  // out; but a file system, or a file that another process has a lease on, may say so for ever.
   constexpr int kTries = 16;
   for (int tries = 1;; ++tries) {
     const long fd = syscall(SYS_openat2, root, name, &how, sizeof how);
