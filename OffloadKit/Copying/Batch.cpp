@@ -60,7 +60,11 @@ void Batch::fetch() {
 
 void Batch::begin() {
   // Else a temporary copy might be one of those that have yet to get their names.
-  if (!context_.namesAreDistinct || choosing_) return;
+  if (context_.namesAreDistinct) startChoosing();
+}
+
+void Batch::startChoosing() {
+  if (choosing_) return;
   for (Lane& lane : context_.lanes) lane.checkPlace();
   choosing_.emplace(context_.pipeline.startOnEveryLane(choose_));
 }
@@ -88,10 +92,7 @@ void Batch::copyAll(const CopyProgress& progress, Batch* next) {
   progress_ = &progress;
   const auto started = isGroup() ? context_.clock.now() : PlatformKit::Date();
   try {
-    if (!choosing_) {
-      for (Lane& lane : context_.lanes) lane.checkPlace();
-      choosing_.emplace(context_.pipeline.startOnEveryLane(choose_));
-    }
+    startChoosing();
     fetch();
     context_.throwIfCancelled();
     context_.pipeline.prime(*this);

@@ -116,6 +116,7 @@ class Batch final : private Load {
   void done(std::size_t round) override;
 
   void copyAll(const CopyProgress& progress, Batch* next);
+  void startChoosing();
   void choose(std::size_t lane);
   void judge(Piece& piece);
   void giveUp(File& file);
