@@ -3,6 +3,7 @@
 #include "OffloadKit/Transfer/DurableNames.h"
 #include "PlatformKit/Paths.h"
 
+#include <algorithm>
 #include <cerrno>
 
 namespace OffloadKit {
@@ -106,17 +107,16 @@ void LaneNames::flushAll(std::vector<OffloadedFile>& files, std::size_t index, c
 }
 
 void LaneNames::takeBack(std::vector<OffloadedFile>& files, std::size_t index) const {
-  for (const Failure& failure : failures_) {
-    std::size_t verified = 0;
-    for (OffloadedFile& file : files) {
-      Outcome& outcome = file.outcomes[index];
-      if (!outcome.isVerified()) continue;
-      const bool isDurable = verified++ < durable_;
-      if (isDurable && !failure.isElsewhere) continue;
-      if (PlatformKit::isInside(file.file.relativePath, failure.folder)) {
-        outcome = Outcome::failed(failure.reason);
-      }
-    }
+  std::size_t verified = 0;
+  for (OffloadedFile& file : files) {
+    Outcome& outcome = file.outcomes[index];
+    if (!outcome.isVerified()) continue;
+    const bool isDurable = verified++ < durable_;
+    const auto failure = std::find_if(failures_.begin(), failures_.end(), [&](const Failure& one) {
+      return (one.isElsewhere || !isDurable) &&
+             PlatformKit::isInside(file.file.relativePath, one.folder);
+    });
+    if (failure != failures_.end()) outcome = Outcome::failed(failure->reason);
   }
 }
 
